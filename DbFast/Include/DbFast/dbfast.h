@@ -1,0 +1,160 @@
+/**
+ * @file dbfast.h
+ * A small in-memory table store with a C interface.
+ *
+ * A table holds rows of a fixed layout. Rows live in buckets that are added as the table grows and never move, and they
+ * are found through hash indexes: any number per table, over one or more fields, unique or not. A table with its
+ * indexes belongs to one thread at a time; nothing here locks.
+ *
+ * Records are owned by the module: what a create call returns is released by the matching drop call. When memory runs
+ * out, one line on the standard error stream names the size and the purpose, and the operation reports failure;
+ * whatever was stored before stays stored and can be found.
+ */
+#ifndef DBFAST_DBFAST_H
+#define DBFAST_DBFAST_H
+
+#include <stdint.h>
+
+#if defined(__GNUC__)
+#define DBFAST_API __attribute__((visibility("default")))
+#else
+#define DBFAST_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** Result codes of the row operations. */
+enum {
+    DBF_OK = 0,        /**< done */
+    DBF_NOTFOUND = 1,  /**< no row has that key */
+    DBF_DUPLICATE = 2, /**< the key is already present in a unique index; nothing was changed */
+    DBF_NOTUNIQUE = 3, /**< the operation needs a unique index and was given another */
+    DBF_FAILED = 4     /**< out of memory, or the table is as large as it can be; nothing stored is lost */
+};
+
+/** Field types: what a field holds, how much room it takes in a row, and how keys compare. */
+enum {
+    DBF_INT = 0,      /**< 32-bit integer; 4 bytes */
+    DBF_FLOAT = 1,    /**< float; 4 bytes; +0 equals -0, a NaN equals nothing */
+    DBF_DOUBLE = 2,   /**< double; 8 bytes; compares as DBF_FLOAT does */
+    DBF_STRING = 3,   /**< inline text of `size` bytes, ended by a zero byte or the field's end */
+    DBF_BYTES = 4,    /**< exactly `size` bytes */
+    DBF_POINTER = 5,  /**< a pointer, compared by its value; 8 bytes */
+    DBF_PSTRING = 6,  /**< pointer to zero-terminated text owned by the caller; 8 bytes */
+    DBF_WSTRING = 7,  /**< inline wide text; takes 2 bytes per character of `size` */
+    DBF_PWSTRING = 8, /**< pointer to zero-terminated wide text (`wchar_t`) owned by the caller; 8 bytes */
+    DBF_END = 100     /**< ends an array of field specifications */
+};
+
+/** One field of a row. `size` counts for DBF_STRING, DBF_BYTES (bytes) and DBF_WSTRING (characters); at least 1. */
+typedef struct dbf_fieldspec {
+    int32_t type;
+    int32_t size;
+} dbf_fieldspec;
+
+/** Storage of a table: rows to make room for at once (0 or more), and rows per bucket (1 to 65535). */
+typedef struct dbf_tablespec {
+    int32_t initialrows;
+    int32_t rowsperbucket;
+} dbf_tablespec;
+
+/** Kind of an index (1, a hash index, is the only one) and whether a key may occur just once (not 0). */
+typedef struct dbf_indexspec {
+    int32_t kind;
+    int32_t unique;
+} dbf_indexspec;
+
+/** Where a row lives. A row keeps its location until it is deleted or its table is cleared. */
+typedef struct dbf_rowid {
+    uint16_t bucket;
+    uint16_t slot;
+} dbf_rowid;
+
+typedef struct dbf_table dbf_table;
+typedef struct dbf_index dbf_index;
+typedef struct dbf_cursor dbf_cursor;
+
+/**
+ * Creates an empty table.
+ *
+ * Fields follow each other in the order of @p fieldspecs, each at its natural alignment; a row buffer handed to the
+ * other functions has that layout.
+ *
+ * @param tablespec   initial room and rows per bucket; read during the call only
+ * @param fieldspecs  at least one field, ended by a record of type DBF_END; read during the call only
+ * @return the table, owned by the caller until dbf_droptable; null for an invalid specification or without memory
+ */
+DBFAST_API dbf_table* dbf_createtable(const dbf_tablespec* tablespec, const dbf_fieldspec* fieldspecs);
+
+/**
+ * Drops a table with its indexes and rows. Cursors on it must be closed before.
+ * @return DBF_OK
+ */
+DBFAST_API int dbf_droptable(dbf_table* table);
+
+/**
+ * Removes all rows and gives back the storage beyond the initial room; indexes stay, empty.
+ * @return DBF_OK, or DBF_FAILED when the smaller index arrays could not be had (the table is empty and usable)
+ */
+DBFAST_API int dbf_cleartable(dbf_table* table);
+
+/**
+ * Stores a copy of @p row in the lowest free slot.
+ * @return DBF_OK; DBF_DUPLICATE when a unique index holds the key already; DBF_FAILED without memory or room. After a
+ *         DBF_FAILED nothing stored is lost, and a later insert tries again.
+ */
+DBFAST_API int dbf_insert(dbf_table* table, const void* row);
+
+/**
+ * Finds the row whose key fields equal those in @p row and copies the whole row into @p row.
+ * @return DBF_OK, DBF_NOTFOUND, or DBF_NOTUNIQUE for an index that is not unique
+ */
+DBFAST_API int dbf_select(dbf_index* index, void* row);
+
+/**
+ * Overwrites the row whose key in @p index equals that of @p row, and moves it in every other index.
+ * @return DBF_OK, DBF_NOTFOUND, DBF_NOTUNIQUE; DBF_DUPLICATE when another unique index has the new key already (the row
+ *         is unchanged)
+ */
+DBFAST_API int dbf_update(dbf_index* index, const void* row);
+
+/**
+ * Deletes the row whose key equals that of @p row; its slot is free for a later insert.
+ * @return DBF_OK, DBF_NOTFOUND, or DBF_NOTUNIQUE for an index that is not unique
+ */
+DBFAST_API int dbf_delete(dbf_index* index, const void* row);
+
+/**
+ * Creates a hash index over the fields numbered in @p keyfields (from 0, ended by a negative number, each at most once)
+ * and enters the rows that the table already holds.
+ * @return the index, owned by the table; null for an invalid specification or without memory
+ */
+DBFAST_API dbf_index* dbf_createindex(dbf_table* table, const dbf_indexspec* indexspec, const int32_t* keyfields);
+
+/**
+ * Drops one index; the rows stay.
+ * @return DBF_OK
+ */
+DBFAST_API int dbf_dropindex(dbf_index* index);
+
+/**
+ * Finds the newest row whose key fields equal those of @p keyrow, in a unique or other index.
+ * @return the row's location, owned by the index and valid until the next insert into or clearing of the table; null
+ *         when there is none
+ */
+DBFAST_API const dbf_rowid* dbf_findhashmatch(dbf_index* index, const void* keyrow);
+
+/**
+ * Finds the next older row with the same key.
+ * @param match  what dbf_findhashmatch or this function returned for the same index and key
+ * @return as dbf_findhashmatch
+ */
+DBFAST_API const dbf_rowid* dbf_findhashmatch_next(dbf_index* index, const void* keyrow, const dbf_rowid* match);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

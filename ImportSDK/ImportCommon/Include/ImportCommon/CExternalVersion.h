@@ -1,0 +1,121 @@
+/**
+ * @file CExternalVersion.h
+ * A geometric fingerprint of one imported object.
+ */
+#pragma once
+
+#include <ImportCommon/Export.h>
+
+#include <cstdint>
+
+namespace ImportCommon {
+
+/** Kinds of fingerprint; the numbers are part of the stored form. */
+enum ExternalVersionType_e : unsigned int {
+    ExternalVersionType_Invalid = 0,
+    ExternalVersionType_BoundingBox = 1,
+    ExternalVersionType_Solid = 2,
+    ExternalVersionType_Geometry = 3
+};
+
+/**
+ * A fingerprint of an object's shape: dimensions of its bounding box, eight characteristic distances in a fixed order,
+ * volume and centroid, all in one length unit of the caller's choice. What a kind does not carry is 0.
+ *
+ * | Kind         | bounding box | distances | volume, centroid |
+ * |--------------|:------------:|:---------:|:----------------:|
+ * | bounding box |      x       |           |                  |
+ * | geometry     |      x       |     x     |                  |
+ * | solid        |      x       |     x     |        x         |
+ *
+ * A plain value. It is tested for equality within fixed tolerances, scored for similarity, and written to a byte stream
+ * that is stored with the object until the next import.
+ */
+class IMPORT_COMMON_API CExternalVersion {
+public:
+    /** An invalid version. */
+    CExternalVersion();
+
+    /** A bounding box version from the box's dimensions. */
+    CExternalVersion(double x, double y, double z);
+
+    /** A geometry version; eight distances are copied. */
+    CExternalVersion(double x, double y, double z, const double* distances);
+
+    /** A solid version; eight distances and three coordinates of the centroid are copied. */
+    CExternalVersion(double x, double y, double z, const double* distances, double volume, const double* centroid);
+
+    /** The kind; after fromByteStream it may be a number outside the list. */
+    ExternalVersionType_e getType() const;
+
+    /**
+     * Whether both are of the same kind and every value that the kind carries agrees: volume within 1e-6, each centroid
+     * coordinate, each distance, and the Euclidean distance of the box dimensions within 0.001. Two invalid versions
+     * are equal; a version of unknown kind equals nothing, not even itself.
+     */
+    bool operator==(const CExternalVersion& other) const;
+
+    /**
+     * How alike two versions are, from 0 (different) to 1 (the same), scored by the kind of this object:
+     * a.similarity(b) and b.similarity(a) differ between kinds. What the other does not carry counts as its zeros.
+     * Invalid and unknown kinds score 0; two versions of size zero score NaN.
+     */
+    double similarity(const CExternalVersion& other) const;
+
+    /** Dimensions of the bounding box. An invalid version gives zeros and says so once on the log. */
+    void getBoundingBox(double* x, double* y, double* z) const;
+
+    /** Fills eight distances. A kind without them gives zeros and says so once on the log. */
+    void getDistances(double* distances) const;
+
+    /** The volume. A kind without one gives 0.0 and says so once on the log. */
+    double getVolume() const;
+
+    /** The centroid; the spelling of the name is part of the interface. A kind without one gives zeros and says so once
+     * on the log. */
+    void getCenteroid(double* x, double* y, double* z) const;
+
+    /**
+     * Writes the stored form: little-endian, doubles as IEEE 754 binary64.
+     *
+     * | Kind         | Bytes | Content                                                                              |
+     * |--------------|------:|--------------------------------------------------------------------------------------|
+     * | invalid      |     4 | kind                                                                                 |
+     * | bounding box |    28 | kind, box (3 doubles)                                                                |
+     * | solid        |   124 | kind, volume, centroid (3 doubles), distances (8 doubles), box (3 doubles)           |
+     * | geometry     |    92 | kind, distances (8 doubles), box (3 doubles)                                         |
+     *
+     * @param size  room in @p buffer; at least 124, whatever the kind
+     * @return the number of bytes written; 0 when there is less room, and then nothing is written
+     */
+    unsigned int toByteStream(unsigned int size, char* buffer) const;
+
+    /**
+     * Reads the stored form. Values are taken in the order of the stream: one that is too short or too long leaves the
+     * values up to the fault set and the others as they were; the box is taken only when exactly its bytes remain. Less
+     * than 4 bytes make the version invalid.
+     */
+    void fromByteStream(unsigned int size, const char* buffer);
+
+    /**
+     * Writes one line of text: "invalid", or the diagonal of the box, the distances and the centroid, as far as the
+     * kind has them, like "bb=5.000000e+00 d1=…". The text is cut at @p size bytes. "invalid" fills the rest of the
+     * buffer with zeros and gets no terminator in 7 bytes or less; an unknown kind writes nothing.
+     */
+    void toString(unsigned int size, char* buffer) const;
+
+private:
+    static constexpr unsigned int distanceCount = 8;
+
+    bool hasBoundingBox() const;
+    bool hasDistances() const;
+    bool hasVolume() const;
+
+    std::uint32_t type_;
+    double boundingBox_[3];
+    double distances_[distanceCount];
+    double volume_;
+    double centroid_[3];
+};
+
+} // namespace ImportCommon

@@ -1,0 +1,65 @@
+/**
+ * @file DxKDTree.h
+ * A k-d tree that finds stored vectors within a small tolerance.
+ */
+#pragma once
+
+#include <ImportCommon/Export.h>
+
+namespace ImportCommon {
+
+/**
+ * Stores vectors of doubles and finds one that matches a given vector: the sum of absolute differences is below 0.01.
+ *
+ * A look-up is one descent without backtracking, so a match on the far side of a split is not found. Nodes are numbered
+ * in the order of insertion, from 0, and are never removed. Not safe for use by several threads at a time.
+ */
+class IMPORT_COMMON_API CDxKDTree {
+public:
+    /** What find returns when there is no match. */
+    static constexpr unsigned int NotFound = 0xFFFFFFFF;
+
+    /** An empty tree for vectors of @p dimension doubles. Without memory it stays empty for good. */
+    explicit CDxKDTree(unsigned int dimension);
+    ~CDxKDTree();
+
+    CDxKDTree(const CDxKDTree&) = delete;
+    CDxKDTree& operator=(const CDxKDTree&) = delete;
+
+    /**
+     * Adds a copy of the vector unless a match is met on its way down.
+     * @return the id of the new node or of the match; without memory 0, which can't be told from the first node's id
+     */
+    unsigned int insert(const double* vector);
+
+    /** Id of a match met on the vector's way down, or NotFound. */
+    unsigned int find(const double* vector);
+
+    /**
+     * The vector of a node, owned by the tree and valid as long as it.
+     * @param id  compared with the room in the tree only: an id at or above getCount() may give a vector without
+     * meaning
+     * @return null when the id is beyond the tree's blocks of 1024 nodes
+     */
+    const double* getVector(unsigned int id);
+
+    /** Number of nodes. */
+    unsigned int getCount() const;
+
+private:
+    struct Node_s;
+    struct Block_s;
+
+    Block_s* addBlock();
+    bool allocateNodes(Block_s& block) const;
+    Node_s* nodeAt(const Block_s& block, unsigned int index) const;
+    bool matches(Node_s& node, const double* vector) const;
+    Node_s* descend(const double* vector, Node_s**& place);
+
+    unsigned int count_ = 0;
+    unsigned int dimension_;
+    Block_s* first_ = nullptr;
+    Block_s* current_ = nullptr;
+};
+
+} // namespace ImportCommon

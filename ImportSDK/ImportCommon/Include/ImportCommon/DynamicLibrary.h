@@ -1,0 +1,50 @@
+/**
+ * @file DynamicLibrary.h
+ * Shared libraries at run time, with the plug-in entry points "PluginInit" and "PluginDeInit".
+ */
+#pragma once
+
+#include <ImportCommon/Export.h>
+
+#include <string>
+
+namespace ImportCommon {
+
+/**
+ * A loaded library.
+ *
+ * A library that exports a function "PluginInit" has it called, without arguments, as soon as it is loaded; one that
+ * exports "PluginDeInit" has that called just before it is unloaded. Results of both are ignored; neither has to exist.
+ */
+class IMPORT_COMMON_API DynamicLibrary {
+public:
+    /**
+     * Loads the library at @p path (symbols are bound as they are used). The second text is not used.
+     * @return the library, owned by the caller, who deletes it to unload; null when it could not be loaded: the first
+     *         failure in a process writes the system's reason to the log
+     */
+    static DynamicLibrary* loadDynamicLibrary(const std::wstring& path, const std::wstring& second);
+
+    /** The running executable as a library; owned by the caller; null on failure. */
+    static DynamicLibrary* getExecutable();
+
+    /** Takes over a handle of the system's loader (null: not loaded) and calls "PluginInit" if the library has it. */
+    explicit DynamicLibrary(void* handle);
+
+    /** Calls "PluginDeInit" if the library has it, and unloads. An exception from there ends the process. */
+    ~DynamicLibrary();
+
+    DynamicLibrary(const DynamicLibrary&) = delete;
+    DynamicLibrary& operator=(const DynamicLibrary&) = delete;
+
+    /** Address of an exported symbol; null when there is none or nothing is loaded. Valid while this object lives. */
+    void* getSymbolAddress(const std::string& name);
+
+    /** Whether a library is loaded. */
+    bool isValid() const;
+
+private:
+    void* handle_;
+};
+
+} // namespace ImportCommon

@@ -1,0 +1,101 @@
+/**
+ * @file ExternalGUID.h
+ * The identity of an imported object in the system that it comes from.
+ */
+#pragma once
+
+#include <ImportCommon/Export.h>
+
+namespace ImportCommon {
+
+/** A PX GUID: 16 bytes that the library only copies and compares. */
+struct PXGUID_t {
+    unsigned char bytes[16];
+};
+
+/**
+ * An external identity: an IFC GlobalId, a PX GUID, a Halvorne object id, or, when the source gives no identity, a
+ * spatial hash of the object's vertices.
+ *
+ * The whole state is one record of 96 bytes, which is also the form to store (little-endian):
+ *
+ * | Offset | Size | Content                                                                  |
+ * |-------:|-----:|--------------------------------------------------------------------------|
+ * |      0 |    4 | kind, see Type_t                                                         |
+ * |      4 |    4 | zero                                                                     |
+ * |      8 |   88 | spatial hash: 11 doubles; GlobalId: 22 characters; PX: 16 bytes;         |
+ * |        |      | Halvorne: signed 32-bit integer; the rest is zero                        |
+ *
+ * A value class: it owns one heap block, and copies are deep. Without memory for the block a value is empty; an empty
+ * value reads as an all-zero record of kind GUIDTypeNone and ignores what is assigned to it. Nothing throws.
+ */
+class IMPORT_COMMON_API ExternalGUID {
+public:
+    /** Kinds of identity; the numbers are part of the stored form. */
+    enum Type_t : unsigned int {
+        GUIDTypeNone = 0,
+        GUIDTypeSpatialHash = 1,
+        GUIDTypeIFCGlobalID = 2,
+        GUIDTypePX = 3,
+        GUIDTypeHalvorneObi = 4
+    };
+
+    /** An identity of kind GUIDTypeNone. */
+    ExternalGUID();
+    ExternalGUID(const ExternalGUID& other);
+    ExternalGUID& operator=(const ExternalGUID& other);
+    ~ExternalGUID();
+
+    /** Identity from the first 22 characters of a GlobalId; of a shorter text the rest is zero. A null pointer gives no
+     * identity. */
+    static ExternalGUID fromIFCGlobalID(const char* globalId);
+
+    /** Identity from a PX GUID. */
+    static ExternalGUID fromPX(const PXGUID_t& guid);
+
+    /** Identity from a Halvorne object id. */
+    static ExternalGUID fromHalvorneObi(int obi);
+
+    /** Identity from a stored record: takes the first 96 of @p size bytes; what a shorter stream lacks is zero. */
+    static ExternalGUID fromByteStream(unsigned int size, const char* bytes);
+
+    /**
+     * Spatial hash of an object: centre x, y, z of the vertices' bounds, then the largest distance from the centre in
+     * each octant (octant = 1 if x is above the centre, + 2 if y is, + 4 if z is).
+     *
+     * The last vertex is not looked at, and a vertex with a new largest z makes its y the largest z. Stored hashes
+     * depend on both, so they are meant to stay.
+     *
+     * @param count  number of vertices
+     * @param xyz    their coordinates, three doubles each; with a count of 0 or 1 the first vertex is the centre. A
+     * null pointer gives a zero hash.
+     */
+    static ExternalGUID spatialHashFromVertexes(unsigned int count, const double* xyz);
+
+    /** Makes this identity a spatial hash of the given 11 doubles. */
+    void fromSpatialHash(const double* values);
+
+    /** The record of 96 bytes, owned by this object; @p size receives 96. */
+    const char* getBytes(unsigned int* size) const;
+
+    /** The kind. After fromByteStream it is whatever number the stream began with. */
+    Type_t getType() const;
+
+    /** The 11 doubles of a spatial hash, owned by this object; 11 zeros for any other kind. */
+    const double* getSpatialHash() const;
+
+    /** The GlobalId as zero-terminated text, owned by this object; "" for any other kind. */
+    const char* getIFCGlobalID() const;
+
+    /** The PX GUID; all zero for any other kind. */
+    const PXGUID_t& getPXGUID() const;
+
+    /** The Halvorne object id; 0 for any other kind. */
+    int getHalvorneObi() const;
+
+private:
+    struct Record_s;
+    Record_s* record_;
+};
+
+} // namespace ImportCommon

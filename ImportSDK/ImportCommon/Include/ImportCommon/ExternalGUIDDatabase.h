@@ -1,0 +1,52 @@
+/**
+ * @file ExternalGUIDDatabase.h
+ * Finds the identities met during an import again.
+ */
+#pragma once
+
+#include <ImportCommon/ExternalGUID.h>
+
+namespace ImportCommon {
+
+/**
+ * Runtime id of an identity: 0 and up for spatial hashes, -2 and below for all other kinds, -1 for none or failure.
+ * Ids are valid within one database and are not stored.
+ */
+enum ExternalGUIDRuntimeID_e : int { ExternalGUIDRuntimeID_None = -1 };
+
+/**
+ * Gives every external identity of an import a compact runtime id and turns an id back into its identity.
+ *
+ * GlobalIds, PX GUIDs and Halvorne ids get the ids -2, -3, -4 and so on in the order of their first insertion, whatever
+ * their kind. Spatial hashes are kept in a k-d tree of their own and get its node numbers; hashes that differ by less
+ * than 0.01 in the sum of their 11 values share an id. Nothing is ever removed. Not safe for use by several threads at
+ * a time.
+ */
+class IMPORT_COMMON_API ExternalGUIDDatabase {
+public:
+    /** An empty database. A kind whose table could not be created for lack of memory answers -1. */
+    ExternalGUIDDatabase();
+    ~ExternalGUIDDatabase();
+
+    ExternalGUIDDatabase(const ExternalGUIDDatabase&) = delete;
+    ExternalGUIDDatabase& operator=(const ExternalGUIDDatabase&) = delete;
+
+    /**
+     * The identity's runtime id; an identity that is not known yet is added.
+     * @return -1 for an identity of no kind, or when it could not be stored. A spatial hash that could not be stored
+     * for lack of memory gives 0.
+     */
+    ExternalGUIDRuntimeID_e insertGUID(const ExternalGUID& guid);
+
+    /** The identity's runtime id, or -1 when it is not known. */
+    ExternalGUIDRuntimeID_e findGUID(const ExternalGUID& guid);
+
+    /** The identity of a runtime id; an identity of kind GUIDTypeNone for an id that was never handed out. */
+    ExternalGUID findGUID(ExternalGUIDRuntimeID_e id);
+
+private:
+    struct State_s;
+    State_s* state_;
+};
+
+} // namespace ImportCommon

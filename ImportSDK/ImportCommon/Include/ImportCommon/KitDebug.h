@@ -1,0 +1,44 @@
+/**
+ * @file KitDebug.h
+ * The diagnostic log, the debugger test, and timing calls that do nothing on this platform.
+ */
+#pragma once
+
+#include <ImportCommon/Export.h>
+
+namespace ImportCommon {
+
+/** Severity of a log message. The library itself reports every warning and error as KitLogLevel_Warning. */
+enum KitLogLevel_e : int {
+    KitLogLevel_Trace = 0,
+    KitLogLevel_Debug = 1,
+    KitLogLevel_Info = 2,
+    KitLogLevel_Notice = 3,
+    KitLogLevel_Warning = 4
+};
+
+/**
+ * Formats a message as `printf` does and writes it to the standard error stream as it stands.
+ *
+ * Nothing is added, not even a newline, and @p level is not looked at: every message is written. That is meant; who
+ * wants lines writes the newline.
+ */
+#if defined(__GNUC__)
+__attribute__((format(printf, 2, 3)))
+#endif
+IMPORT_COMMON_API void
+KitLog(KitLogLevel_e level, const char* format, ...);
+
+/** Time in ticks; always 0 on this platform. */
+IMPORT_COMMON_API long long KitGetTime();
+
+/** Seconds between two times of KitGetTime; always 0.0 on this platform. */
+IMPORT_COMMON_API double KitTimeDeltaAsSeconds(long long start, long long end);
+
+/** Whether a debugger traces this process; false when the system can't tell. */
+IMPORT_COMMON_API bool IsDebuggerPresent();
+
+/** Stops at a breakpoint when a debugger is attached, and does nothing otherwise. */
+IMPORT_COMMON_API void KitDebugBreak();
+
+} // namespace ImportCommon

@@ -1,0 +1,116 @@
+/**
+ * @file StringOperations.h
+ * Conversions between wide text, UTF-8 and the locale's narrow text.
+ */
+#pragma once
+
+#include <ImportCommon/Export.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace ImportCommon {
+
+/**
+ * Text conversions.
+ *
+ * Wide text holds one Unicode code point per `wchar_t` (32 bits). The UTF-8 codec handles the Basic Multilingual Plane:
+ * sequences of one to three bytes. Lead bytes of longer sequences and stray continuation bytes are invalid; the second
+ * and third byte of a sequence are taken as they come, and overlong forms are accepted. Stored data depends on these
+ * rules, so they are kept as they are.
+ *
+ * Each function that meets invalid UTF-8 says so once per process on the log and gives the result named at it; nothing
+ * here throws except for lack of memory where a string is returned.
+ */
+class IMPORT_COMMON_API StringOperations {
+public:
+    /**
+     * Counts the characters of UTF-8 text up to its zero byte or @p n bytes, whichever comes first.
+     *
+     * A sequence that is cut off by the end of the text counts as one character.
+     *
+     * @param n  number of bytes, or `SIZE_MAX` for text that ends with a zero byte
+     * @return the number of characters; 0 when a lead byte is invalid
+     */
+    static std::size_t StringLengthUTF8(const unsigned char* s, std::size_t n);
+
+    /**
+     * Decodes UTF-8 text into a buffer.
+     *
+     * A terminating zero byte is stored and counted when there is room; when @p n bytes end first, no terminator is
+     * added. Once the buffer is full, further one-byte characters are dropped while a longer sequence ends the
+     * conversion as invalid; that is meant.
+     *
+     * @param n         number of bytes, or `SIZE_MAX` for text that ends with a zero byte
+     * @param capacity  room in @p out, in characters
+     * @return the number of characters stored; 0 when a lead byte is invalid (what was stored before stays in @p out)
+     */
+    static std::size_t ConvertFromUTF8(const unsigned char* s, std::size_t n, wchar_t* out, std::size_t capacity);
+
+    /**
+     * Decodes UTF-8 text into a string of `StringLengthUTF8(s, n)` characters.
+     *
+     * REQUIRES: the text ends with a zero byte, at or behind @p n; @p n limits the count of characters, but decoding
+     * reads on up to the terminator.
+     *
+     * @return the text; empty for a null pointer, empty or invalid text
+     */
+    static std::wstring ConvertFromUTF8(const unsigned char* s, std::size_t n);
+
+    /** Decodes zero-terminated UTF-8 text; empty for a null pointer, empty or invalid text. */
+    static std::wstring ConvertFromUTF8(const unsigned char* s);
+
+    /** Decodes zero-terminated UTF-8 text into an array; result as for the buffer form. */
+    template <std::size_t N>
+    static std::size_t ConvertFromUTF8(const unsigned char* s, wchar_t (&out)[N]) {
+        return ConvertFromUTF8(s, SIZE_MAX, out, N);
+    }
+
+    /** Decodes @p n bytes of UTF-8 text into an array; result as for the buffer form. */
+    template <std::size_t N>
+    static std::size_t ConvertFromUTF8(const unsigned char* s, std::size_t n, wchar_t (&out)[N]) {
+        return ConvertFromUTF8(s, n, out, N);
+    }
+
+    /**
+     * Encodes wide text as UTF-8 and ends it with a zero byte.
+     *
+     * Stops behind a zero character. Characters outside the Basic Multilingual Plane are dropped. A character that does
+     * not fit is skipped, and a later, shorter one that still fits is written; that is meant.
+     *
+     * @param n         number of wide characters
+     * @param capacity  room in @p out in bytes, the terminator included; with 0 nothing is written
+     * @return the number of bytes written, without the added terminator
+     */
+    static std::size_t ConvertToUTF8(const wchar_t* w, std::size_t n, unsigned char* out, std::size_t capacity);
+
+    /** Encodes a string as UTF-8 into an array; as the buffer form. */
+    template <std::size_t N>
+    static std::size_t ConvertToUTF8(const std::wstring& w, unsigned char (&out)[N]) {
+        return ConvertToUTF8(w.data(), w.size(), out, N);
+    }
+
+    /** The value as decimal text, printed as a signed number: 4294967295 gives "-1". That is meant. */
+    static std::wstring AsWString(unsigned int value);
+
+    /** The number at the start of the text, as `atoi` reads it: 0 without one. Only the first 69 bytes count. */
+    static int IntFromWString(const std::wstring& w);
+
+    /**
+     * Converts @p n wide characters to the locale's narrow text, which is UTF-8 here, and fills the rest of @p out with
+     * zeros. Text that fills the buffer gets no terminator.
+     */
+    static void ConvertToCurrentLocale(const wchar_t* w, std::size_t n, char* out, std::size_t capacity);
+
+    /** Converts to the locale's narrow text, which is UTF-8 here; text beyond 65535 bytes is cut. */
+    static std::string ConvertToCurrentLocale(const std::wstring& w);
+
+    /** Decodes the locale's narrow text, which is UTF-8 here; arguments and result as for ConvertFromUTF8. */
+    static std::size_t ConvertFromCurrentLocale(const char* s, std::size_t n, wchar_t* out, std::size_t capacity);
+
+    /** Decodes the locale's narrow text, which is UTF-8 here, up to its first zero byte. */
+    static std::wstring ConvertFromCurrentLocale(const std::string& s);
+};
+
+} // namespace ImportCommon

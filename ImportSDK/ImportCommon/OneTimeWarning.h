@@ -1,0 +1,41 @@
+/**
+ * @file OneTimeWarning.h
+ * Reports a misuse once per process.
+ */
+#pragma once
+
+#include <ImportCommon/KitDebug.h>
+
+#include <atomic>
+
+namespace ImportCommon {
+
+/**
+ * The one-time warning of a function: a function-local static of the function that reports. The first report goes to
+ * the log, if it has a message, and stops in an attached debugger; later ones are silent. Threads that race may at
+ * worst report twice.
+ */
+class OneTimeWarning {
+public:
+    template <typename... Arguments>
+    void report(const char* format, Arguments... arguments) {
+        if (!reported_.load(std::memory_order_relaxed)) {
+            KitLog(KitLogLevel_Warning, format, arguments...);
+            report();
+        }
+    }
+
+    void report(const char* message) { report("%s", message); }
+
+    void report() {
+        if (!reported_.load(std::memory_order_relaxed)) {
+            KitDebugBreak();
+            reported_.store(true, std::memory_order_relaxed);
+        }
+    }
+
+private:
+    std::atomic<bool> reported_{false};
+};
+
+} // namespace ImportCommon

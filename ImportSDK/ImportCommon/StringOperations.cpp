@@ -1,0 +1,183 @@
+#include "OneTimeWarning.h"
+
+#include <ImportCommon/StringOperations.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace ImportCommon {
+
+namespace {
+
+/** Number of bytes of the sequence that a lead byte opens; 0 for a byte that opens none. */
+std::size_t sequenceLength(unsigned char lead) {
+    if (lead < 0x80) {
+        return 1;
+    }
+    if ((lead & 0xE0) == 0xC0) {
+        return 2;
+    }
+    return (lead & 0xF0) == 0xE0 ? 3 : 0;
+}
+
+/**
+ * Number of bytes of a longer sequence at @p s that may be read. In terminated text a zero byte ends the text wherever
+ * it stands, so that nothing behind it is touched.
+ */
+std::size_t readableLength(const unsigned char* s, std::size_t length, bool terminated) {
+    if (terminated) {
+        for (std::size_t i = 1; i < length; ++i) {
+            if (s[i] == 0) {
+                return i;
+            }
+        }
+    }
+    return length;
+}
+
+wchar_t decodeSequence(const unsigned char* s, std::size_t length, std::size_t readable) {
+    const unsigned int second = readable > 1 ? s[1] & 0x3FU : 0;
+    if (length == 2) {
+        return static_cast<wchar_t>((s[0] & 0x1FU) << 6 | second);
+    }
+    const unsigned int third = readable > 2 ? s[2] & 0x3FU : 0;
+    return static_cast<wchar_t>((s[0] & 0x0FU) << 12 | second << 6 | third);
+}
+
+/** How much of a text a message may show without reading behind it. */
+int shownLength(std::size_t n) {
+    return static_cast<int>(std::min<std::size_t>(n, INT_MAX));
+}
+
+} // namespace
+
+std::size_t StringOperations::StringLengthUTF8(const unsigned char* s, std::size_t n) {
+    static OneTimeWarning once;
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < n && s[i] != 0; ++count) {
+        const std::size_t length = sequenceLength(s[i]);
+        if (length == 0) {
+            once.report("StringOperations::StringLengthUTF8 error for string %.*s", shownLength(n), s);
+            return 0;
+        }
+        i += readableLength(s + i, length, n == SIZE_MAX);
+    }
+    return count;
+}
+
+std::size_t StringOperations::ConvertFromUTF8(const unsigned char* s, std::size_t n, wchar_t* out,
+                                              std::size_t capacity) {
+    static OneTimeWarning once;
+    std::size_t stored = 0;
+    for (std::size_t i = 0; i < n;) {
+        const std::size_t length = sequenceLength(s[i]);
+        if (length == 0) {
+            once.report("StringOperations::ConvertFromUTF8 error for string %.*s", shownLength(n), s);
+            return 0;
+        }
+        if (length == 1) {
+            const unsigned char byte = s[i++];
+            if (stored < capacity) {
+                out[stored++] = static_cast<wchar_t>(byte);
+            }
+            if (byte == 0) {
+                return stored;
+            }
+        } else if (stored < capacity && length <= n - i) {
+            const std::size_t readable = readableLength(s + i, length, n == SIZE_MAX);
+            out[stored++] = decodeSequence(s + i, length, readable);
+            i += readable;
+        } else {
+            ++i; // only the lead byte: what follows is met as a lead byte and ends the conversion
+        }
+    }
+    return stored;
+}
+
+std::wstring StringOperations::ConvertFromUTF8(const unsigned char* s, std::size_t n) {
+    if (s == nullptr || n == 0 || s[0] == 0) {
+        return std::wstring();
+    }
+    static OneTimeWarning once;
+    const std::size_t length = StringLengthUTF8(s, n);
+    if (length == 0) {
+        once.report(" StringOperations::ConvertFromUTF8, Invalid Conversion.");
+        return std::wstring();
+    }
+    std::wstring text(length, L'\0');
+    ConvertFromUTF8(s, SIZE_MAX, text.data(), length);
+    return text;
+}
+
+std::wstring StringOperations::ConvertFromUTF8(const unsigned char* s) {
+    return s != nullptr ? ConvertFromUTF8(s, std::strlen(reinterpret_cast<const char*>(s))) : std::wstring();
+}
+
+std::size_t StringOperations::ConvertToUTF8(const wchar_t* w, std::size_t n, unsigned char* out, std::size_t capacity) {
+    if (capacity == 0) {
+        return 0;
+    }
+    const std::size_t room = capacity - 1;
+    std::size_t stored = 0;
+    for (std::size_t i = 0; i < n; ++i) {
+        const auto c = static_cast<std::uint32_t>(w[i]);
+        if (c < 0x80) {
+            if (stored + 1 <= room) {
+                out[stored++] = static_cast<unsigned char>(c);
+            }
+            if (c == 0) {
+                break;
+            }
+        } else if (c < 0x800) {
+            if (stored + 2 <= room) {
+                out[stored++] = static_cast<unsigned char>(0xC0 | c >> 6);
+                out[stored++] = static_cast<unsigned char>(0x80 | (c & 0x3F));
+            }
+        } else if (c < 0x10000 && stored + 3 <= room) {
+            out[stored++] = static_cast<unsigned char>(0xE0 | c >> 12);
+            out[stored++] = static_cast<unsigned char>(0x80 | (c >> 6 & 0x3F));
+            out[stored++] = static_cast<unsigned char>(0x80 | (c & 0x3F));
+        }
+    }
+    out[stored] = 0;
+    return stored;
+}
+
+std::wstring StringOperations::AsWString(unsigned int value) {
+    char text[70] = {};
+    std::snprintf(text, sizeof text, "%d", static_cast<int>(value));
+    return ConvertFromUTF8(reinterpret_cast<const unsigned char*>(text));
+}
+
+int StringOperations::IntFromWString(const std::wstring& w) {
+    unsigned char text[70] = {};
+    ConvertToUTF8(w, text);
+    return static_cast<int>(std::strtol(reinterpret_cast<const char*>(text), nullptr, 10));
+}
+
+void StringOperations::ConvertToCurrentLocale(const wchar_t* w, std::size_t n, char* out, std::size_t capacity) {
+    const std::string text = ConvertToCurrentLocale(std::wstring(w, n));
+    const std::size_t copied = std::min(text.size(), capacity);
+    std::copy_n(text.data(), copied, out);
+    std::fill_n(out + copied, capacity - copied, '\0');
+}
+
+std::string StringOperations::ConvertToCurrentLocale(const std::wstring& w) {
+    unsigned char bytes[65536];
+    const std::size_t size = ConvertToUTF8(w, bytes);
+    return std::string(reinterpret_cast<const char*>(bytes), size);
+}
+
+std::size_t StringOperations::ConvertFromCurrentLocale(const char* s, std::size_t n, wchar_t* out,
+                                                       std::size_t capacity) {
+    return ConvertFromUTF8(reinterpret_cast<const unsigned char*>(s), n, out, capacity);
+}
+
+std::wstring StringOperations::ConvertFromCurrentLocale(const std::string& s) {
+    return ConvertFromUTF8(reinterpret_cast<const unsigned char*>(s.c_str()));
+}
+
+} // namespace ImportCommon

@@ -1,0 +1,12 @@
+# Warnings and sanitizers for this project's own targets; nothing here reaches a program that links the library.
+add_library(importcommon-options INTERFACE)
+target_compile_features(importcommon-options INTERFACE cxx_std_17)
+target_compile_options(importcommon-options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(IMPORTCOMMON_WERROR)
+    target_compile_options(importcommon-options INTERFACE -Werror)
+endif()
+if(IMPORTCOMMON_SANITIZE)
+    target_compile_options(importcommon-options INTERFACE -fsanitize=${IMPORTCOMMON_SANITIZE}
+        -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(importcommon-options INTERFACE -fsanitize=${IMPORTCOMMON_SANITIZE})
+endif()
