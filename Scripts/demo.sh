@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# Imports a model and then its revision with the example host and plug-in, and shows what the second import found.
+# Installs and builds what is missing. Usage: Scripts/demo.sh [OLD.ifc NEW.ifc]
+set -euo pipefail
+
+root=$(cd "$(dirname "$0")/.." && pwd)
+case $# in
+0) models=("$root/Examples/Models/house.ifc" "$root/Examples/Models/house-revised.ifc") ;;
+2) models=("$1" "$2") ;;
+*)
+    echo "usage: Scripts/demo.sh [OLD.ifc NEW.ifc]" >&2
+    exit 2
+    ;;
+esac
+for model in "${models[@]}"; do
+    if [ ! -r "$model" ]; then
+        echo "demo.sh: $model: no such file, or not readable" >&2
+        exit 1
+    fi
+done
+
+build=$root/build
+output=$build/demo
+"$root/Scripts/install-packages.sh" g++ cmake ninja-build libassimp-dev
+mkdir -p "$build"
+log=$build/demo-build.log
+if ! { cmake -S "$root" -B "$build" -G Ninja && cmake --build "$build" --target import-host ifc-plugin; } >"$log" 2>&1; then
+    cat "$log" >&2
+    echo "demo.sh: the build failed" >&2
+    exit 1
+fi
+
+rm -rf "$output"
+mkdir -p "$output"
+for model in "${models[@]}"; do
+    echo "== $(basename "$model")"
+    "$build/bin/import-host" --state "$output/state" --report "$output/report.json" --picture "$output/picture.svg" "$model"
+    echo
+done
+echo "Report:  $output/report.json"
+echo "Picture: $output/picture.svg"
