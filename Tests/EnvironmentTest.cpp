@@ -73,43 +73,33 @@ protected:
 };
 
 TEST_F(Environment, versionOneFillsEveryField) {
-    for (const char* version : {"1", "1abc", " +1"}) {
-        setenv("fo_handle_version", version, 1);
-        ASSERT_TRUE(foreignobject_env_deserialize(env_)) << version;
-        EXPECT_EQ(env_.version, 1);
-    }
+    setenv("fo_handle_version", "1abc", 1);
+    EXPECT_TRUE(foreignobject_env_deserialize(env_));
+    EXPECT_EQ(env_.version, 1);
     for (const auto& [key, field] : textFields) {
         EXPECT_EQ(env_.*field, L"\u00FC " + std::wstring(key, key + std::string(key).size()));
     }
     for (const auto& [key, field] : streamFields) {
         EXPECT_EQ(env_.*field, streamOf(key)) << key;
     }
+    unsetenv("fo_string_module");
+    unsetenv("fo_handle_log");
+    EXPECT_TRUE(foreignobject_env_deserialize(env_));
+    EXPECT_EQ(env_.module, L"");
+    EXPECT_EQ(env_.log, nullptr);
 }
 
 TEST_F(Environment, anotherVersionLeavesTheOtherFields) {
-    for (const auto& [text, version] : {std::pair("2", 2), std::pair("0", 0), std::pair("-1", -1), std::pair("x", 0)}) {
-        setenv("fo_handle_version", text, 1);
-        EXPECT_FALSE(foreignobject_env_deserialize(env_));
-        EXPECT_EQ(env_.version, version);
-    }
-    unsetenv("fo_handle_version");
+    EXPECT_FALSE(foreignobject_env_deserialize(env_)); // not set
+    setenv("fo_handle_version", "2", 1);
     EXPECT_FALSE(foreignobject_env_deserialize(env_));
+    EXPECT_EQ(env_.version, 2);
     for (const auto& [key, field] : textFields) {
         EXPECT_EQ(env_.*field, L"earlier") << key;
     }
     for (const auto& [key, field] : streamFields) {
         EXPECT_EQ(env_.*field, stdin) << key;
     }
-}
-
-TEST_F(Environment, keysThatAreNotSetAreEmptyOrNull) {
-    setenv("fo_handle_version", "1", 1);
-    unsetenv("fo_string_module");
-    unsetenv("fo_handle_log");
-    EXPECT_TRUE(foreignobject_env_deserialize(env_));
-    EXPECT_EQ(env_.module, L"");
-    EXPECT_EQ(env_.log, nullptr);
-    EXPECT_EQ(env_.textures, streamOf(streamFields[15].key));
 }
 
 TEST(EnvironmentVariables, numbersAndStreams) {
@@ -134,40 +124,30 @@ TEST(EnvironmentVariables, numbersAndStreams) {
 
 TEST(EnvironmentVariables, textIsUtf8AndCutToTheBuffer) {
     const std::wstring longText(5000, L'x');
-    const struct {
-        std::wstring value;
-        std::string stored;
-    } written[] = {
+    const std::string x4095(4095, 'x');
+    const std::pair<std::wstring, std::string> written[] = {
         {L"caf\u00E9 \u4E2D", "caf\xC3\xA9 \xE4\xB8\xAD"},
         {{L'a', 0x1F600, L'b'}, "ab"},
         {L"", ""},
-        {longText, std::string(4095, 'x')},
+        {longText, x4095},
     };
-    for (const auto& c : written) {
-        EXPECT_EQ(EnvironmentVariables::SetString(L"ic_\u00E9", c.value), 0);
+    for (const auto& [value, stored] : written) {
+        EXPECT_EQ(EnvironmentVariables::SetString(L"ic_\u00E9", value), 0);
         ASSERT_NE(std::getenv("ic_\xC3\xA9"), nullptr);
-        EXPECT_EQ(std::getenv("ic_\xC3\xA9"), c.stored);
+        EXPECT_EQ(std::getenv("ic_\xC3\xA9"), stored);
     }
-    unsetenv("ic_\xC3\xA9");
-
-    const std::string x4095(4095, 'x');
-    const struct {
-        std::string stored;
-        std::wstring value;
-    } read[] = {
-        {"caf\xC3\xA9", L"caf\u00E9"},           {"ab\x80zz", L"ab"},
-        {x4095, longText.substr(0, 4095)},       {x4095 + "y", longText.substr(0, 4095)},
-        {x4095 + "\xC3\xA9", longText.substr(0, 4095)}, {x4095 + "y\xC3\xA9", longText.substr(0, 4095)},
+    const std::pair<std::string, std::wstring> read[] = {
+        {"caf\xC3\xA9", L"caf\u00E9"},
+        {"ab\x80zz", L"ab"},
+        {x4095 + "y", longText.substr(0, 4095)},
+        {x4095 + "y\xC3\xA9", longText.substr(0, 4095)},
     };
-    for (const auto& c : read) {
-        setenv("ic_test", c.stored.c_str(), 1);
-        EXPECT_EQ(EnvironmentVariables::GetString(L"ic_test"), c.value);
+    for (const auto& [stored, value] : read) {
+        setenv("ic_\xC3\xA9", stored.c_str(), 1);
+        EXPECT_EQ(EnvironmentVariables::GetString(L"ic_\u00E9"), value);
     }
-    unsetenv("ic_test");
-
     EXPECT_EQ(EnvironmentVariables::SetString(longText, L"long key"), 0);
     EXPECT_EQ(std::getenv(x4095.c_str()), std::string("long key"));
-    unsetenv(x4095.c_str());
     EXPECT_EQ(EnvironmentVariables::SetString(L"", L"no key"), -1);
     EXPECT_EQ(EnvironmentVariables::SetInt(L"a=b", 1), -1);
     EXPECT_EQ(EnvironmentVariables::ExpandVariables(L"$HOME/x"), L"$HOME/x");

@@ -14,9 +14,15 @@ void record(char call) {
 
 extern "C" {
 
-void PluginInit() { record('I'); }
+void PluginInit() {
+    record('I');
+}
 
-void PluginDeInit() { record('D'); }
+void PluginDeInit() {
+    record('D');
+}
 
-int CountingPluginAnswer() { return 42; }
+int CountingPluginAnswer() {
+    return 42;
+}
 }

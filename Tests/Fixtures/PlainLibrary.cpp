@@ -1,2 +1,4 @@
 // A library without the plug-in entry points.
-extern "C" int PlainLibraryAnswer() { return 17; }
+extern "C" int PlainLibraryAnswer() {
+    return 17;
+}

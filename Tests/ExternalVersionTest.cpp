@@ -1,0 +1,313 @@
+#include <ImportCommon/ExternalVersion.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <numeric>
+#include <random>
+#include <string>
+#include <vector>
+
+using namespace ImportCommon;
+using namespace std::string_literals;
+
+namespace {
+
+/** All that a version can hold, in the order of its stream: volume, centroid, distances, box. */
+using Values_t = std::array<double, 15>;
+constexpr std::size_t centroid = 1, distances = 4, box = 12;
+/** The first value that each kind carries; it carries all from there on. */
+constexpr std::size_t firstValue[] = {15, box, 0, distances};
+constexpr unsigned int largest = 124;
+
+const Values_t sample{42.5, -0.0, 1e-300, 1000.125, 1.25, 2, 3, 4, 5, 6, 7, -8, 3, 4, 12};
+const Values_t other{99, 91, 92, 93, 11, 12, 13, 14, 15, 16, 17, 18, 30, 40, 50};
+
+ExternalVersion make(std::size_t type, const Values_t& v) {
+    switch (type) {
+    case 1:
+        return createFromBoundingBox(v[box], v[box + 1], v[box + 2]);
+    case 2:
+        return createFromSolid(v[box], v[box + 1], v[box + 2], &v[distances], v[0], &v[centroid]);
+    case 3:
+        return createFromGeometry(v[box], v[box + 1], v[box + 2], &v[distances]);
+    default:
+        return ExternalVersion();
+    }
+}
+
+Values_t visible(const ExternalVersion& version) {
+    Values_t v;
+    v[0] = version.getVolume();
+    version.getCenteroid(&v[centroid], &v[centroid + 1], &v[centroid + 2]);
+    version.getDistances(&v[distances]);
+    version.getBoundingBox(&v[box], &v[box + 1], &v[box + 2]);
+    return v;
+}
+
+ExternalVersion withTag(ExternalVersion version, char tag) {
+    version.fromByteStream(4, (tag + "\0\0\0"s).data());
+    return version;
+}
+
+/** A version of unknown kind shows every value, those its former kind hides included. */
+Values_t stored(const ExternalVersion& version) {
+    return visible(withTag(version, 7));
+}
+
+std::string stream(const std::string& tag, std::size_t first, const Values_t& v) {
+    return tag + std::string(reinterpret_cast<const char*>(&v[0] + first), (v.size() - first) * sizeof(double));
+}
+
+std::string tagOf(std::size_t type) {
+    return static_cast<char>(type) + "\0\0\0"s;
+}
+
+TEST(ExternalVersion, everyKindByteByByte) {
+    for (const std::size_t type : {0u, 1u, 2u, 3u}) {
+        const ExternalVersion version = make(type, sample);
+        const std::string expected = stream(tagOf(type), firstValue[type], sample);
+        for (unsigned int size = 0; size <= largest + 10; ++size) {
+            std::string buffer(size, '#');
+            std::string after = buffer;
+            if (size >= largest) {
+                after.replace(0, expected.size(), expected);
+            }
+            EXPECT_EQ(version.toByteStream(size, buffer.data()), size < largest ? 0u : expected.size());
+            EXPECT_EQ(buffer, after) << size;
+        }
+        Values_t carried{};
+        std::copy(sample.begin() + firstValue[type], sample.end(), carried.begin() + firstValue[type]);
+        EXPECT_EQ(version.getType(), type);
+        EXPECT_EQ(visible(version), carried);
+        EXPECT_EQ(stored(version), carried);
+
+        ExternalVersion back;
+        back.fromByteStream(static_cast<unsigned int>(expected.size()), expected.data());
+        EXPECT_TRUE(back == version);
+    }
+    EXPECT_EQ(visible(withTag(make(2, sample), 0)), Values_t{}); // hidden, though still there
+    char buffer[largest];
+    EXPECT_EQ(withTag(make(2, sample), 4).toByteStream(largest, buffer), 4u);
+}
+
+/** Reads the stream form as far as it goes, and returns the kind. */
+std::uint32_t modelRead(Values_t& v, const std::string& bytes) {
+    if (bytes.size() < 4) {
+        return 0;
+    }
+    // Meant: the first three bytes are signed.
+    const auto type = static_cast<std::uint32_t>(
+        static_cast<signed char>(bytes[0]) + static_cast<signed char>(bytes[1]) * 256 +
+        static_cast<signed char>(bytes[2]) * 65536 + static_cast<unsigned char>(bytes[3]) * std::int64_t{16777216});
+    std::size_t at = 4;
+    const std::size_t blockEnds[] = {distances, box, v.size()};
+    for (std::size_t value = type <= 3 ? firstValue[type] : v.size(); value < v.size();) {
+        const std::size_t end = *std::upper_bound(std::begin(blockEnds), std::end(blockEnds), value);
+        const std::size_t size = (end - value) * sizeof(double);
+        const std::size_t remaining = bytes.size() - at;
+        if (value == box ? remaining != size : remaining < size) {
+            break;
+        }
+        std::memcpy(&v[value], &bytes[at], size);
+        at += size;
+        value = end;
+    }
+    return type;
+}
+
+TEST(ExternalVersion, streamsOfAnyLengthAndKind) {
+    const std::string unusual[] = {"\x80\1\0\0"s, "\2\x80\0\0"s, "\3\0\xFF\1"s, "\xFF\xFF\xFF\xFF", "\1\0\0\x80"s};
+    std::vector<std::string> tags(std::begin(unusual), std::end(unusual));
+    for (const std::size_t type : {0u, 1u, 2u, 3u, 4u, 7u}) {
+        tags.push_back(tagOf(type));
+    }
+    testing::internal::CaptureStderr();
+    for (const auto& tag : tags) {
+        const std::string full = stream(tag, 0, sample) + "######";
+        for (unsigned int size = 0; size <= full.size(); ++size) {
+            const std::vector<char> exact(full.begin(), full.begin() + size);
+            ExternalVersion version = make(2, other);
+            version.fromByteStream(size, exact.data());
+            Values_t expected = other;
+            EXPECT_EQ(version.getType(), modelRead(expected, full.substr(0, size))) << size;
+            EXPECT_EQ(stored(version), expected) << "tag " << static_cast<int>(tag[0]) << ", " << size << " bytes";
+        }
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), ""); // a bad stream is no matter for the log
+}
+
+TEST(ExternalVersion, equalWithinTheTolerances) {
+    const struct {
+        std::size_t value;
+        double difference;
+        bool boxes, solids, geometries; // whether versions of that kind stay equal
+    } cases[] = {
+        {0, 1e-6, true, true, true},
+        {0, -1.1e-6, true, false, true},
+        {centroid, 0.001, true, true, true},
+        {centroid, -0.0011, true, false, true},
+        {centroid + 2, 0.0011, true, false, true},
+        {distances, -0.001, true, true, true},
+        {distances, -0.0011, true, false, false},
+        {distances + 7, 0.0011, true, false, false},
+        {box + 1, 0.001, true, true, true},
+        {box + 2, -0.0011, false, false, false},
+    };
+    for (const auto& c : cases) {
+        Values_t changed{};
+        changed[c.value] = c.difference;
+        const bool expected[] = {true, c.boxes, c.solids, c.geometries};
+        for (const std::size_t type : {0u, 1u, 2u, 3u}) {
+            EXPECT_EQ(make(type, {}) == make(type, changed), expected[type]) << type << " " << c.difference;
+            EXPECT_EQ(make(type, changed) == make(type, {}), expected[type]) << type << " " << c.difference;
+        }
+    }
+    // Of the box, the distance of all three dimensions together counts.
+    EXPECT_FALSE(createFromBoundingBox(0, 0, 0) == createFromBoundingBox(0.0008, 0.0008, 0));
+    for (const std::size_t a : {0u, 1u, 2u, 3u}) {
+        for (const std::size_t b : {0u, 1u, 2u, 3u}) {
+            EXPECT_EQ(make(a, {}) == make(b, {}), a == b);
+        }
+    }
+    EXPECT_FALSE(withTag(make(2, sample), 4) == withTag(make(2, sample), 4));
+}
+
+double transform(double s, double threshold, double exponent) {
+    const double u = (s - threshold) / (1.0 - threshold);
+    return std::pow(u < 0 ? 0 : u, exponent);
+}
+
+double offsetSimilarity(const double* a, const double* b, double scale) {
+    const double r =
+        1 - std::sqrt(std::pow(a[0] - b[0], 2) + std::pow(a[1] - b[1], 2) + std::pow(a[2] - b[2], 2)) / scale;
+    return r < 0 ? 0 : r;
+}
+
+double modelSimilarity(std::size_t type, const Values_t& a, const Values_t& b) {
+    if (type <= 1) {
+        return type == 0 ? 0 : transform(offsetSimilarity(&a[box], &b[box], 1.0), 0.7, 3);
+    }
+    const double scale = std::max(std::accumulate(&a[distances], &a[box], 0.0) / 8.0,
+                                  std::accumulate(&b[distances], &b[box], 0.0) / 8.0);
+    double orientation = 0;
+    for (std::size_t i = distances; i < box; ++i) {
+        orientation += (1 - std::abs(b[i] - a[i]) / scale) / 8;
+    }
+    double score = transform(offsetSimilarity(&a[centroid], &b[centroid], scale), 0.7, 3) *
+                   transform(orientation, 0.8, 4) * transform(offsetSimilarity(&a[box], &b[box], scale), 0.7, 3);
+    if (type == 2) {
+        const auto [small, big] = std::minmax(a[0], b[0]);
+        score *= transform(std::abs(big) > 1e-20 ? small / big : 1.0, 0.5, 3);
+    }
+    return score;
+}
+
+TEST(ExternalVersion, similarityAgreesWithTheFormulas) {
+    constexpr unsigned int seed = 99;
+    std::cout << "seed " << seed << std::endl;
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<double> size(0.5, 1.5);
+    std::uniform_real_distribution<double> change(-0.1, 0.1);
+    int inBetween = 0;
+    for (int round = 0; round < 5000 && !HasFailure(); ++round) {
+        Values_t a;
+        std::generate(a.begin(), a.end(), [&] { return size(random); });
+        a[0] -= 0.6; // now and then below zero
+        Values_t b;
+        std::transform(a.begin(), a.end(), b.begin(), [&](double value) { return value + change(random); });
+        const std::size_t typeA = random() % 4;
+        const std::size_t typeB = random() % 3 ? typeA : random() % 4;
+        const ExternalVersion versionA = make(typeA, a);
+        const ExternalVersion versionB = make(typeB, b);
+        const double expected = modelSimilarity(typeA, stored(versionA), stored(versionB));
+        EXPECT_NEAR(versionA.similarity(versionB), expected, 1e-12 * std::max(1.0, expected)) << "round " << round;
+        inBetween += expected > 0.05 && expected < 0.95;
+    }
+    EXPECT_GT(inBetween, 1000); // or the comparison says little
+}
+
+TEST(ExternalVersion, similarityAtTheEdges) {
+    const auto boxOf = [](double x) { return createFromBoundingBox(x, 5, 5); };
+    EXPECT_EQ(boxOf(1).similarity(boxOf(1)), 1.0);
+    EXPECT_NEAR(boxOf(1).similarity(boxOf(1.15)), 0.125, 1e-12);
+    EXPECT_NEAR(boxOf(1).similarity(boxOf(1.3)), 0.0, 1e-12);
+    EXPECT_EQ(make(2, sample).similarity(make(2, sample)), 1.0);
+    EXPECT_EQ(make(3, sample).similarity(make(2, sample)), 0.0); // the solid's centroid is far from zero
+    EXPECT_EQ(ExternalVersion().similarity(ExternalVersion()), 0.0);
+    EXPECT_EQ(withTag(make(2, sample), 4).similarity(make(2, sample)), 0.0);
+    EXPECT_TRUE(std::isnan(make(3, {}).similarity(make(3, {}))));
+    Values_t noVolume = sample;
+    noVolume[0] = 0;
+    EXPECT_EQ(make(2, noVolume).similarity(make(2, noVolume)), 1.0);
+}
+
+TEST(ExternalVersion, text) {
+    const std::string geometry = "bb=1.300000e+01 d1=1.250000e+00 d2=2.000000e+00 d3=3.000000e+00 d4=4.000000e+00"
+                                 " d5=5.000000e+00 d6=6.000000e+00 d7=7.000000e+00 d8=-8.000000e+00";
+    const std::string texts[] = {"invalid", "bb=1.300000e+01",
+                                 geometry + " c1=-0.000000e+00 c2=1.000000e-300 c3=1.000125e+03", geometry, ""};
+    for (const std::size_t type : {0u, 1u, 2u, 3u, 4u}) {
+        const ExternalVersion version = type == 4 ? withTag(make(2, sample), 4) : make(type, sample);
+        for (const std::size_t size : {0u, 1u, 7u, 8u, 15u, 16u, 300u}) {
+            std::string expected(size, '#');
+            if (type == 0) {
+                expected = texts[0].substr(0, size); // no terminator when the text fills the buffer
+                expected.resize(size, '\0');
+            } else if (type < 4 && size > 0) {
+                const std::string cut = texts[type].substr(0, size - 1) + '\0';
+                expected.replace(0, cut.size(), cut);
+            }
+            std::string buffer(size, '#');
+            version.toString(static_cast<unsigned int>(size), buffer.data());
+            EXPECT_EQ(buffer, expected) << type << " in " << size;
+        }
+    }
+}
+
+TEST(ExternalVersion, handlesOwnTheirVersion) {
+    ExternalVersion version(new CExternalVersion(1, 2, 3)); // a leak or a second delete shows under a sanitizer
+    const ExternalVersion copy(version);
+    ExternalVersion assigned = make(2, sample);
+    EXPECT_EQ(&(assigned = version), &assigned);
+    version = make(2, other);
+    EXPECT_TRUE(copy == createFromBoundingBox(1, 2, 3));
+    EXPECT_TRUE(assigned == copy);
+    EXPECT_EQ(stored(assigned)[distances], 0.0);
+
+    const ExternalVersion& self = assigned;
+    assigned = self;
+    EXPECT_EQ(assigned.getType(), ExternalVersionType_Invalid);
+    EXPECT_EQ(stored(assigned), Values_t{});
+
+    ExternalVersion null(static_cast<CExternalVersion*>(nullptr));
+    EXPECT_EQ(null.getType(), ExternalVersionType_Invalid);
+    EXPECT_TRUE(ExternalVersion(null) == ExternalVersion());
+    null = copy;
+    EXPECT_TRUE(null == copy);
+}
+
+// The warnings are per process, so a fresh one is started.
+TEST(ExternalVersionDeathTest, eachAccessorWarnsOnce) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const auto readAll = [] {
+        std::fputs("<<", stderr);
+        for (const std::size_t type : {2u, 1u, 3u, 0u, 0u}) {
+            visible(make(type, sample));
+        }
+        std::fputs(">>", stderr);
+        std::exit(0);
+    };
+    EXPECT_EXIT(readAll(), testing::ExitedWithCode(0),
+                "<<no volume in this typeno centeroid in this type"
+                "no distances in this typeno bounding box in this type>>");
+}
+
+} // namespace
