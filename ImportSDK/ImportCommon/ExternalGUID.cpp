@@ -153,7 +153,7 @@ ExternalGUID ExternalGUID::spatialHashFromVertexes(unsigned int count, const dou
 void ExternalGUID::fromSpatialHash(const double* values) {
     if (record_ != nullptr) {
         record_->type = GUIDTypeSpatialHash;
-        std::memcpy(record_->spatialHash, values, sizeof record_->spatialHash);
+        std::memmove(record_->spatialHash, values, sizeof record_->spatialHash); // they may be its own
     }
 }
 
