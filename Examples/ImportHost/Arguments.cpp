@@ -1,0 +1,92 @@
+#include "Arguments.h"
+
+#include "Text.h"
+
+#include <filesystem>
+#include <limits>
+#include <vector>
+
+#if defined(__APPLE__)
+#include <mach-o/dyld.h>
+#endif
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path programFolder(const char* calledAs) {
+    std::error_code error;
+#if defined(__APPLE__)
+    char buffer[4096];
+    std::uint32_t size = sizeof buffer;
+    const fs::path program = _NSGetExecutablePath(buffer, &size) == 0 ? fs::path(buffer) : fs::path();
+#else
+    const fs::path program = fs::read_symlink("/proc/self/exe", error);
+#endif
+    return program.empty() ? fs::absolute(calledAs, error).parent_path() : program.parent_path();
+}
+
+int wholeNumber(const std::string& option, const std::string& text) {
+    try {
+        const long value = toLong(text);
+        if (value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max())
+            return static_cast<int>(value);
+    } catch (const std::runtime_error&) {
+        // Said below.
+    }
+    throw UsageError(option + " needs a whole number");
+}
+
+/** Nothing that is written may take the place of the model. */
+void checkTargets(const Arguments& arguments) {
+    std::error_code error;
+    for (const std::string& target : {arguments.report, arguments.picture, arguments.state})
+        if (!target.empty() && fs::equivalent(target, arguments.model, error))
+            throw UsageError(printable(target) + " is the model itself");
+}
+
+} // namespace
+
+Arguments readArguments(int count, char** texts) {
+    Arguments arguments;
+    std::vector<std::string> models;
+    bool optionsEnd = false;
+    for (int i = 1; i < count; ++i) {
+        const std::string text = texts[i];
+        if (optionsEnd || text.empty() || text[0] != '-') {
+            models.push_back(text);
+            continue;
+        }
+        if (text == "--") {
+            optionsEnd = true;
+            continue;
+        }
+        if (text == "--help" || text == "-h") {
+            arguments.help = true;
+            return arguments;
+        }
+        std::string* const value = text == "--plugin"    ? &arguments.plugin
+                                   : text == "--state"   ? &arguments.state
+                                   : text == "--report"  ? &arguments.report
+                                   : text == "--picture" ? &arguments.picture
+                                                         : nullptr;
+        if (value == nullptr && text != "--environment-version")
+            throw UsageError("unknown option " + printable(text));
+        if (++i == count || texts[i][0] == '\0')
+            throw UsageError(text + " needs a value");
+        if (value != nullptr)
+            *value = texts[i];
+        else
+            arguments.environmentVersion = wholeNumber(text, texts[i]);
+    }
+    if (models.size() != 1 || models[0].empty())
+        throw UsageError(models.size() > 1 ? "more than one model" : "no model");
+
+    arguments.model = models[0];
+    if (arguments.plugin.empty())
+        arguments.plugin = (programFolder(texts[0]) / "ifc-plugin.so").string();
+    if (arguments.state.empty())
+        arguments.state = arguments.model + ".import";
+    checkTargets(arguments);
+    return arguments;
+}

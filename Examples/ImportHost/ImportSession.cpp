@@ -1,0 +1,103 @@
+#include "ImportSession.h"
+
+#include "Failure.h"
+#include "Files.h"
+#include "OutputStreams.h"
+#include "PluginInterface.h"
+#include "Progress.h"
+#include "StderrCapture.h"
+#include "Text.h"
+
+#include <ImportCommon/DynamicLibrary.h>
+#include <ImportCommon/EnvironmentVariables.h>
+#include <ImportCommon/StringOperations.h>
+
+#include <cerrno>
+#include <cstring>
+#include <memory>
+
+using ImportCommon::DynamicLibrary;
+using ImportCommon::EnvironmentVariables;
+using ImportCommon::StringOperations;
+
+namespace {
+
+/** Sets a variable to a path. Throws Failure for a path that a plug-in would not read as it is. */
+void setPath(const std::wstring& key, const std::string& path) {
+    if (!isWidePortable(path))
+        throw Failure(printable(path), "the name has characters that can't be handed to a plug-in");
+    const std::wstring wide = StringOperations::ConvertFromCurrentLocale(path);
+    if (EnvironmentVariables::SetString(key, wide) != 0)
+        throw Failure(path, std::strerror(errno));
+    if (EnvironmentVariables::GetString(key) != wide)
+        throw Failure(path, "the name is too long to be handed to a plug-in");
+}
+
+/** Four of the twenty values; the streams set the others. */
+void prepareEnvironment(const ImportJob& job) {
+    if (EnvironmentVariables::SetInt(L"fo_handle_version", job.environmentVersion) != 0)
+        throw Failure(job.model, std::strerror(errno));
+    setPath(L"fo_string_filename", job.model);
+    setPath(L"fo_string_module", job.plugin);
+    setPath(L"fo_string_path", job.outputFolder);
+}
+
+std::unique_ptr<DynamicLibrary> loadPlugin(const std::string& fileName) {
+    // The reason for a failure goes to the log, which is the standard error stream; here it becomes part of our line.
+    StderrCapture log;
+    std::unique_ptr<DynamicLibrary> plugin;
+    try {
+        plugin.reset(DynamicLibrary::loadDynamicLibrary(StringOperations::ConvertFromCurrentLocale(fileName), L""));
+    } catch (const std::exception& e) {
+        throw Failure(fileName, std::string("the plug-in can't be initialised: ") + e.what());
+    }
+    const std::string reason = log.finish();
+    if (!plugin || !plugin->isValid())
+        throw Failure(fileName, "not a plug-in: " + (reason.empty() ? "it can't be loaded" : printable(reason)));
+    std::fputs(reason.c_str(), stderr);
+    return plugin;
+}
+
+int callImport(ImportModelFunction importModel, const ImportJob& job) {
+    const Progress progress(job.outputFolder + "/progress");
+    try {
+        return importModel();
+    } catch (const std::exception& e) {
+        throw Failure(job.plugin, std::string("the import function threw an exception: ") + e.what());
+    } catch (...) {
+        throw Failure(job.plugin, "the import function threw an exception");
+    }
+}
+
+/** The last error that the plug-in wrote to the log stream. */
+std::string lastError(const std::string& outputFolder) {
+    const std::string log = readFile(outputFolder + "/log");
+    std::string error;
+    for (const std::string_view line : split(log, '\n'))
+        if (line.compare(0, 6, "error\t") == 0)
+            error = printable(unescaped(line.substr(6)));
+    return error;
+}
+
+} // namespace
+
+void runImport(const ImportJob& job) {
+    OutputStreams streams(job.outputFolder);
+    prepareEnvironment(job);
+
+    std::unique_ptr<DynamicLibrary> plugin = loadPlugin(job.plugin); // calls "PluginInit"
+    const auto importModel = reinterpret_cast<ImportModelFunction>(plugin->getSymbolAddress(importModelName));
+    if (importModel == nullptr)
+        throw Failure(job.plugin, std::string("not an import plug-in: it has no function ") + importModelName);
+    const int result = callImport(importModel, job);
+    plugin.reset(); // calls "PluginDeInit", which may still write to the streams
+
+    streams.close();
+    if (result == ImportResult_WrongVersion)
+        throw Failure(job.plugin, "the plug-in does not know version " + std::to_string(job.environmentVersion) +
+                                      " of the import environment");
+    if (result != ImportResult_Done) {
+        const std::string reason = lastError(job.outputFolder);
+        throw Failure(job.model, reason.empty() ? "the plug-in failed without a reason" : reason);
+    }
+}

@@ -1,0 +1,37 @@
+/**
+ * @file OutputStreams.h
+ * The sixteen streams that a host opens for a plug-in.
+ */
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+/** Files of a folder, one per stream, whose handles stand in the environment while they are open. */
+class OutputStreams {
+public:
+    /** Opens all files. Throws Failure. */
+    explicit OutputStreams(const std::string& folder);
+
+    /** Closes what is open, and takes the handles out of the environment. */
+    ~OutputStreams();
+
+    OutputStreams(const OutputStreams&) = delete;
+    OutputStreams& operator=(const OutputStreams&) = delete;
+
+    /** Closes all files. Throws Failure when something that was written to one did not reach it. */
+    void close();
+
+private:
+    struct Stream {
+        std::wstring key;
+        std::string fileName;
+        FILE* file;
+    };
+
+    /** Closes one stream. @return 0, or the error number of what went wrong with it since it was opened */
+    static int closeStream(Stream& stream);
+
+    std::vector<Stream> streams_;
+};

@@ -1,0 +1,164 @@
+#include "StateFolder.h"
+
+#include "Failure.h"
+#include "Text.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <stdexcept>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view format = "import-host-state";
+constexpr std::string_view version = "1";
+
+/** FNV-1a: tells a file that was cut or damaged, not one that was forged. */
+std::string checksum(std::string_view text) {
+    std::uint64_t sum = 0xcbf29ce484222325u;
+    for (const char c : text)
+        sum = (sum ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
+    std::string result;
+    for (int shift = 56; shift >= 0; shift -= 8) {
+        const char byte = static_cast<char>(sum >> shift & 0xFF);
+        result += toHex(&byte, 1);
+    }
+    return result;
+}
+
+std::string stateText(const std::vector<ObjectRecord>& objects) {
+    std::string text = std::string(format) + ' ' + std::string(version) + '\n';
+    for (const ObjectRecord& object : objects)
+        text += recordToLine(object) + '\n';
+    return text + "end " + std::to_string(objects.size()) + ' ' + checksum(text) + '\n';
+}
+
+/** Throws std::runtime_error. */
+std::vector<ObjectRecord> objectsFromText(std::string_view text) {
+    const std::string_view header = text.substr(0, text.find('\n'));
+    const std::vector<std::string_view> words = split(header, ' ');
+    if (words.size() != 2 || words[0] != format)
+        throw std::runtime_error("not a state of import-host");
+    if (words[1] != version)
+        throw std::runtime_error("written by another version of import-host");
+
+    const std::size_t end = text.rfind("\nend ");
+    const std::size_t body = header.size() + 1;
+    if (end == std::string_view::npos || end + 1 < body)
+        throw std::runtime_error("the state is incomplete");
+    const std::string_view lines = text.substr(body, end + 1 - body);
+
+    std::vector<ObjectRecord> objects;
+    for (const std::string_view line : split(lines, '\n'))
+        if (!line.empty())
+            objects.push_back(recordFromLine(line));
+    if (text.substr(end + 1) !=
+        "end " + std::to_string(objects.size()) + ' ' + checksum(text.substr(0, end + 1)) + '\n')
+        throw std::runtime_error("the state is incomplete or damaged");
+    return objects;
+}
+
+bool isOurs(const std::string& fileName) {
+    return fileName == "output" || fileName.compare(0, 7, "output.") == 0 ||
+           fileName.compare(0, 13, "objects.state") == 0;
+}
+
+} // namespace
+
+StateFolder::StateFolder(const std::string& path) : path_(path) {
+    try {
+        open();
+        load();
+        removeLeftovers();
+        outputFolder_ = path_ + "/output.XXXXXX";
+        if (::mkdtemp(outputFolder_.data()) == nullptr) {
+            outputFolder_.clear();
+            throw Failure(path_, std::strerror(errno));
+        }
+    } catch (...) {
+        if (lock_ >= 0)
+            ::close(lock_);
+        throw;
+    }
+}
+
+StateFolder::~StateFolder() {
+    std::error_code ignored;
+    next_.reset();
+    if (!outputFolder_.empty())
+        fs::remove_all(outputFolder_, ignored);
+    if (created_)
+        fs::remove(path_, ignored); // succeeds only while it is empty
+    ::close(lock_);
+}
+
+void StateFolder::open() {
+    created_ = ::mkdir(path_.c_str(), 0777) == 0;
+    if (!created_ && errno != EEXIST)
+        throw Failure(path_, std::strerror(errno));
+    lock_ = ::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (lock_ < 0)
+        throw Failure(path_, std::strerror(errno));
+    if (::flock(lock_, LOCK_EX | LOCK_NB) != 0)
+        throw Failure(path_, errno == EWOULDBLOCK ? "another import is running" : std::strerror(errno));
+}
+
+void StateFolder::load() {
+    const std::string fileName = path_ + "/objects.state";
+    std::error_code error;
+    hasObjects_ = fs::exists(fs::symlink_status(fileName, error));
+    if (hasObjects_) {
+        try {
+            objects_ = objectsFromText(readFile(fileName));
+        } catch (const Failure&) {
+            throw;
+        } catch (const std::runtime_error& e) {
+            throw Failure(fileName, e.what());
+        }
+        return;
+    }
+    for (fs::directory_iterator entry(path_, error), end; !error && entry != end; entry.increment(error))
+        if (!isOurs(entry->path().filename().string()))
+            throw Failure(path_, "not a state folder of import-host: it holds other files");
+    if (error)
+        throw Failure(path_, error.message());
+}
+
+void StateFolder::removeLeftovers() const {
+    std::error_code error;
+    std::vector<fs::path> leftovers;
+    for (fs::directory_iterator entry(path_, error), end; !error && entry != end; entry.increment(error)) {
+        const std::string name = entry->path().filename().string();
+        if (isOurs(name) && name != "output" && name != "objects.state")
+            leftovers.push_back(entry->path());
+    }
+    for (const fs::path& leftover : leftovers)
+        fs::remove_all(leftover, error);
+}
+
+void StateFolder::prepare(const std::vector<ObjectRecord>& objects) {
+    next_ = std::make_unique<PendingFile>(path_ + "/objects.state", stateText(objects));
+}
+
+void StateFolder::commit() {
+    next_->commit();
+
+    // From here on the import counts. Streams that can't be put in their place are no reason to say it failed.
+    const std::string last = path_ + "/output";
+    const std::string previous = path_ + "/output.previous";
+    std::error_code ignored;
+    fs::rename(last, previous, ignored);
+    fs::rename(outputFolder_, last, ignored);
+    if (!ignored)
+        outputFolder_.clear();
+    fs::remove_all(previous, ignored);
+    syncFolder(path_);
+}

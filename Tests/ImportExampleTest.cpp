@@ -1,0 +1,287 @@
+/**
+ * @file ImportExampleTest.cpp
+ * Runs the example host as a program: the plug-in and the library's whole import path behind it.
+ */
+#include <ImportCommon/ForeignObjectEnv.h>
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <sstream>
+#include <string>
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+namespace {
+
+std::string read(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream content;
+    content << file.rdbuf();
+    return content.str();
+}
+
+void write(const fs::path& path, const std::string& content) {
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
+    const std::size_t at = text.find(from);
+    EXPECT_NE(at, std::string::npos) << "the sample model no longer has " << from;
+    return at == std::string::npos ? text : text.replace(at, from.size(), to);
+}
+
+struct Result {
+    int exitCode;
+    std::string output;
+    std::string error;
+};
+
+class ImportExampleTest : public testing::Test {
+protected:
+    void SetUp() override {
+        std::string folder = (fs::temp_directory_path() / "import-example.XXXXXX").string();
+        ASSERT_NE(mkdtemp(folder.data()), nullptr);
+        folder_ = folder;
+        house_ = read(fs::path(MODELS_DIR) / "house.ifc");
+        revised_ = read(fs::path(MODELS_DIR) / "house-revised.ifc");
+        write(file("house.ifc"), house_);
+    }
+
+    void TearDown() override { fs::remove_all(folder_); }
+
+    fs::path file(const std::string& name) const { return folder_ / name; }
+
+    Result run(const std::string& arguments) const {
+        const std::string command = "cd '" + folder_.string() + "' && '" IMPORT_HOST "' --plugin '" IFC_PLUGIN "' " +
+                                    arguments + " >stdout 2>stderr";
+        const int status = std::system(command.c_str());
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, read(file("stdout")), read(file("stderr"))};
+    }
+
+    /** Imports a text as a model into the folder "state" and gives the report. */
+    json import(const std::string& model) const {
+        write(file("model.ifc"), model);
+        const Result result = run("--state state --report report.json --picture plan.svg model.ifc");
+        EXPECT_EQ(result.exitCode, 0) << result.error;
+        EXPECT_EQ(result.error, "");
+        return json::parse(read(file("report.json")));
+    }
+
+    /** Expects one line on the error stream, and the state that was there before with nothing left beside it. */
+    void expectFailure(const std::string& arguments, int exitCode, const std::string& named,
+                       const std::string& reason) const {
+        SCOPED_TRACE(arguments);
+        const std::string before = read(file("state/objects.state"));
+        const Result result = run(arguments);
+        EXPECT_EQ(result.exitCode, exitCode);
+        EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), 1) << result.error;
+        EXPECT_EQ(result.error.find("import-host: "), 0u) << result.error;
+        EXPECT_NE(result.error.find(named), std::string::npos) << result.error;
+        EXPECT_NE(result.error.find(reason), std::string::npos) << result.error;
+        EXPECT_EQ(read(file("state/objects.state")), before);
+        for (const auto& entry : fs::directory_iterator(file("state")))
+            EXPECT_TRUE(entry.path().filename() == "objects.state" || entry.path().filename() == "output") << entry;
+    }
+
+    fs::path folder_;
+    std::string house_;
+    std::string revised_;
+};
+
+/** The house with its site, and everything on it, somewhere else. */
+std::string movedHouse(const std::string& house, const std::string& offset) {
+    const std::string placement =
+        "#90001=IFCCARTESIANPOINT((" + offset + "));\n#90002=IFCAXIS2PLACEMENT3D(#90001,$,$);\n";
+    return replaced(house, "#51=IFCLOCALPLACEMENT($,#36);", placement + "#51=IFCLOCALPLACEMENT($,#90002);");
+}
+
+TEST_F(ImportExampleTest, EveryEditGetsItsStatus) {
+    const json edits = json::parse(read(fs::path(MODELS_DIR) / "house-edits.json"));
+    const json first = import(house_);
+    EXPECT_EQ(first["counts"]["added"], first["objects"].size());
+    const json report = import(revised_);
+
+    std::map<std::string, std::set<json>> found;
+    for (const json& object : report["objects"]) {
+        const std::string status = object["status"];
+        if (status == "reidentified")
+            found[status].insert(json::array({object["previousIdentity"], object["identity"]}));
+        else if (status != "unchanged")
+            found[status].insert(object["identity"]);
+        EXPECT_EQ(object.contains("previousIdentity"), status == "reidentified");
+        EXPECT_EQ(object.contains("previousClass"), status == "reclassed");
+        EXPECT_EQ(object["distance"].is_null(), status == "added" || status == "removed");
+        if (status == "moved") {
+            EXPECT_GT(object["distance"], 0.001);
+        }
+        if (status == "unchanged") {
+            EXPECT_EQ(object["similarity"], 1.0);
+            EXPECT_EQ(object["distance"], 0.0);
+        }
+    }
+    for (const auto& [status, identities] : edits.items()) {
+        EXPECT_EQ(found[status], std::set<json>(identities.begin(), identities.end())) << status;
+        EXPECT_EQ(report["counts"][status], identities.size()) << status;
+    }
+    EXPECT_EQ(found.size(), 6u);
+    EXPECT_EQ(report["counts"]["unchanged"], first["objects"].size() - 7);
+
+    // Objects are paths in the picture; the legend is made of other shapes.
+    const std::string picture = read(file("plan.svg"));
+    for (const auto& [status, count] : report["counts"].items()) {
+        std::size_t paths = 0;
+        for (std::size_t at = 0; (at = picture.find("<path class=\"" + status + '"', at)) != std::string::npos; ++at)
+            ++paths;
+        EXPECT_EQ(paths, count) << status;
+    }
+}
+
+TEST_F(ImportExampleTest, TheSameModelAgainIsUnchanged) {
+    const std::size_t objects = import(house_)["objects"].size();
+    EXPECT_EQ(import(house_)["counts"]["unchanged"], objects);
+    fs::create_directories(file("state/output.killed/solids"));
+    EXPECT_EQ(import(house_)["counts"]["unchanged"], objects);
+    EXPECT_FALSE(fs::exists(file("state/output.killed")));
+    EXPECT_EQ(std::distance(fs::directory_iterator(file("state/output")), fs::directory_iterator()), 16);
+}
+
+TEST_F(ImportExampleTest, MovesOfAnySizeAreMoves) {
+    const std::map<std::string, double> moves = {{"0.,0.002,0.", 0.002},
+                                                 {"0.123456,-0.7,0.3", std::hypot(0.123456, 0.7, 0.3)},
+                                                 {"1000.,-731.,12.", std::hypot(1000.0, 731.0, 12.0)}};
+    for (const auto& [offset, distance] : moves) {
+        SCOPED_TRACE(offset);
+        fs::remove_all(file("state"));
+        import(house_);
+        const json report = import(movedHouse(house_, offset));
+        for (const json& object : report["objects"]) {
+            EXPECT_EQ(object["status"], "moved") << object;
+            EXPECT_NEAR(object["distance"], distance, 2e-4) << object;
+        }
+    }
+    fs::remove_all(file("state"));
+    import(house_);
+    const json report = import(movedHouse(house_, "0.0005,0.,0."));
+    EXPECT_EQ(report["counts"]["unchanged"], report["objects"].size());
+}
+
+TEST_F(ImportExampleTest, NamesReachTheReportAsTheyAre) {
+    const std::pair<std::string, std::string> names[] = {
+        {"It''s \"quoted\" \\\\ <b>&amp;</b> %41", "It's \"quoted\" \\ <b>&amp;</b> %41"},
+        {"tab\tand\x01 control", "tab\tand\x01 control"},
+        {"caf\xC3\xA9 \xE4\xB8\xAD", "caf\xC3\xA9 \xE4\xB8\xAD"},
+        {"\\X\\E9 \\S\\i \\X2\\00E94E2D\\X0\\ \\X2\\D83DDE00\\X0\\ \\X4\\0001F600\\X0\\",
+         "\xC3\xA9 \xC3\xA9 \xC3\xA9\xE4\xB8\xAD \xF0\x9F\x98\x80 \xF0\x9F\x98\x80"},
+        {"latin \xE9", "latin \xEF\xBF\xBD"},
+        {"_a_b_", "_a_b_"},
+        {"", ""}};
+    for (const auto& [encoded, name] : names) {
+        SCOPED_TRACE(encoded);
+        const json report = import(replaced(house_, "'Bench'", '\'' + encoded + '\''));
+        std::size_t found = 0;
+        for (const json& object : report["objects"]) {
+            if (object["identity"] != "2Q3D669m15Uwr_ACk1kweT")
+                continue;
+            EXPECT_EQ(object["name"], name);
+            ++found;
+        }
+        EXPECT_EQ(found, 1u);
+    }
+}
+
+TEST_F(ImportExampleTest, ObjectsWithBadIdentitiesAreNotLost) {
+    const std::size_t objects = import(house_)["objects"].size();
+    const std::pair<const char*, const char*> identities[] = {
+        {"used twice", "1Hd7MYGzT7xfPnKQ1cRawj"}, {"invalid", "9Q3D669m15Uwr_ACk1kweT"}, {"too short", "2Q3D"}};
+    for (const auto& [what, identity] : identities) {
+        SCOPED_TRACE(what);
+        const std::string model = replaced(house_, "2Q3D669m15Uwr_ACk1kweT", identity);
+        EXPECT_EQ(import(model)["counts"]["reidentified"], 1);
+        EXPECT_EQ(import(model)["counts"]["unchanged"], objects);
+        EXPECT_NE(read(file("stdout")).find("warning: "), std::string::npos);
+        EXPECT_EQ(import(house_)["counts"]["reidentified"], 1);
+    }
+}
+
+TEST_F(ImportExampleTest, BadModelsAreRefused) {
+    import(house_);
+    const std::pair<std::string, const char*> models[] = {
+        {"", "empty"},
+        {" \n", "empty"},
+        {"solid cube\nendsolid", "not an IFC file"},
+        {house_.substr(0, house_.size() / 2), "truncated"},
+        {house_.substr(0, house_.find("END-ISO")), "truncated"},
+        {replaced(house_, "IFC2X3", "IFC4"), "IFC4"},
+        {replaced(house_, "FILE_SCHEMA(('IFC2X3'));", ""), "schema"},
+        {replaced(house_, "=IFCPROJECT(", "=IFCPROJECTS("), "IfcProject"}};
+    for (const auto& [content, reason] : models) {
+        write(file("bad.ifc"), content);
+        expectFailure("--state state bad.ifc", 1, "bad.ifc: ", reason);
+    }
+    expectFailure("--state state missing.ifc", 1, "missing.ifc: ", "No such file");
+    expectFailure("--state state .", 1, ".: ", "folder");
+
+    write(file("bad.ifc"), "");
+    EXPECT_EQ(run("bad.ifc").exitCode, 1);
+    EXPECT_FALSE(fs::exists(file("bad.ifc.import"))) << "a first import that fails leaves nothing behind";
+}
+
+TEST_F(ImportExampleTest, BadPluginsAndPlacesAreRefused) {
+    import(house_);
+    write(file("junk.so"), "junk");
+    Dl_info library;
+    ASSERT_NE(dladdr(reinterpret_cast<void*>(&foreignobject_env_deserialize), &library), 0);
+    fs::create_symlink(fs::absolute(library.dli_fname), file("library.so"));
+
+    expectFailure("--state state --plugin missing.so house.ifc", 1, "missing.so: ", "No such file");
+    expectFailure("--state state --plugin junk.so house.ifc", 1, "junk.so: ", "not a plug-in");
+    expectFailure("--state state --plugin library.so house.ifc", 1, "library.so: ", "ImportModel");
+    expectFailure("--state state --environment-version 2 house.ifc", 1, IFC_PLUGIN, "version 2");
+    expectFailure("--state state --report nowhere/r.json house.ifc", 1, "nowhere/r.json: ", "No such file");
+    expectFailure("--state nowhere/state house.ifc", 1, "nowhere/state: ", "No such file");
+    expectFailure("--state house.ifc/state house.ifc", 1, "house.ifc/state: ", "Not a directory");
+    if (fs::exists("/dev/full")) {
+        expectFailure("--state state --picture /dev/full house.ifc", 1, "/dev/full: ", "No space left");
+    }
+
+    expectFailure("", 2, "no model", "usage: ");
+    expectFailure("--colour house.ifc", 2, "--colour", "usage: ");
+    expectFailure("--report house.ifc house.ifc", 2, "house.ifc is the model itself", "usage: ");
+    expectFailure("house.ifc house.ifc", 2, "more than one model", "usage: ");
+    EXPECT_EQ(read(file("house.ifc")), house_);
+}
+
+TEST_F(ImportExampleTest, ForeignAndDamagedStatesAreRefused) {
+    import(house_);
+    const std::string state = read(file("state/objects.state"));
+    std::string damaged = state;
+    damaged[state.size() / 2] = damaged[state.size() / 2] == '1' ? '2' : '1';
+    const std::pair<std::string, const char*> states[] = {{"", "not a state"},
+                                                          {"notes\n", "not a state"},
+                                                          {replaced(state, " 1\n", " 2\n"), "another version"},
+                                                          {state.substr(0, state.size() - 1), "incomplete"},
+                                                          {state.substr(0, state.size() / 2), "incomplete"},
+                                                          {damaged, ""}};
+    for (const auto& [content, reason] : states) {
+        write(file("state/objects.state"), content);
+        expectFailure("--state state house.ifc", 1, "state/objects.state: ", reason);
+    }
+
+    fs::create_directory(file("documents"));
+    write(file("documents/letter.txt"), "letter");
+    expectFailure("--state documents house.ifc", 1, "documents: ", "not a state folder");
+    EXPECT_EQ(read(file("documents/letter.txt")), "letter");
+}
+
+} // namespace
