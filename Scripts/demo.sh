@@ -19,12 +19,13 @@ for model in "${models[@]}"; do
     fi
 done
 
-build=$root/build
-output=$build/demo
+build=$root/build/demo
+output=$build/import
 "$root/Scripts/install-packages.sh" g++ cmake ninja-build libassimp-dev
 mkdir -p "$build"
-log=$build/demo-build.log
-if ! { cmake -S "$root" -B "$build" -G Ninja && cmake --build "$build" --target import-host ifc-plugin; } >"$log" 2>&1; then
+log=$build/build.log
+options=(-DCMAKE_BUILD_TYPE=Release -DIMPORTCOMMON_BUILD_TESTS=OFF)
+if ! { cmake -S "$root" -B "$build" -G Ninja "${options[@]}" && cmake --build "$build" --target import-host ifc-plugin; } >"$log" 2>&1; then
     cat "$log" >&2
     echo "demo.sh: the build failed" >&2
     exit 1
