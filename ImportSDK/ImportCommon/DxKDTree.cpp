@@ -59,9 +59,10 @@ unsigned int CDxKDTree::insert(const double* vector) {
         }
         current_->next = block;
         current_ = block;
+    } else if (current_->nodes == nullptr) {
+        allocateNodes(*current_); // an earlier insert added the block and found no memory for its nodes
     }
-    // A block that got no room for its nodes stays in place, and each insert asks for it again.
-    if (current_->nodes == nullptr && !allocateNodes(*current_)) {
+    if (current_->nodes == nullptr) {
         return 0;
     }
     // The node is written before a match is looked for; without one it stays.
@@ -107,9 +108,8 @@ CDxKDTree::Block_s* CDxKDTree::addBlock() {
     return block;
 }
 
-bool CDxKDTree::allocateNodes(Block_s& block) const {
+void CDxKDTree::allocateNodes(Block_s& block) const {
     block.nodes = static_cast<char*>(std::calloc(nodesPerBlock, sizeof(Node_s) + sizeof(double) * dimension_));
-    return block.nodes != nullptr;
 }
 
 CDxKDTree::Node_s* CDxKDTree::nodeAt(const Block_s& block, unsigned int index) const {

@@ -82,8 +82,8 @@ ExternalGUID::ExternalGUID(const ExternalGUID& other) : ExternalGUID() {
 }
 
 ExternalGUID& ExternalGUID::operator=(const ExternalGUID& other) {
-    if (record_ != nullptr && other.record_ != nullptr) {
-        *record_ = *other.record_;
+    if (record_ != nullptr) {
+        *record_ = other.record_ != nullptr ? *other.record_ : Record_s();
     }
     return *this;
 }

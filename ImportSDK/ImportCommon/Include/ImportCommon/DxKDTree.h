@@ -51,7 +51,7 @@ private:
     struct Block_s;
 
     Block_s* addBlock();
-    bool allocateNodes(Block_s& block) const;
+    void allocateNodes(Block_s& block) const;
     Node_s* nodeAt(const Block_s& block, unsigned int index) const;
     bool matches(Node_s& node, const double* vector) const;
     Node_s* descend(const double* vector, Node_s**& place);
