@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
+#include <new>
 
 #if defined(__has_feature)
 #define TEST_HAS_FEATURE(x) __has_feature(x)
@@ -56,6 +57,27 @@ __attribute__((no_sanitize("address", "undefined"))) void* calloc(std::size_t co
 __attribute__((no_sanitize("address", "undefined"))) void* realloc(void* block, std::size_t size) noexcept {
     return failsNow() ? nullptr : UNDERLYING(realloc)(block, size);
 }
+}
+
+// A sanitizer's own operator new would not come by malloc.
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    return std::malloc(size == 0 ? 1 : size);
+}
+
+void* operator new(std::size_t size) {
+    if (void* const block = std::malloc(size == 0 ? 1 : size))
+        return block;
+    throw std::bad_alloc();
+}
+
+void operator delete(void* block) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, std::size_t /*size*/) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, const std::nothrow_t& /*tag*/) noexcept {
+    std::free(block);
 }
 #endif
 
