@@ -314,18 +314,17 @@ dbf_table* dbf_createtable(const dbf_tablespec* tablespec, const dbf_fieldspec* 
 }
 
 int dbf_droptable(dbf_table* table) {
-    int result = DBF_OK;
     if (table != nullptr) {
         while (table->indexes != nullptr) {
-            result = std::max(result, dbf_dropindex(table->indexes));
+            dbf_dropindex(table->indexes);
         }
         dbf_deallocatetable(table);
     }
-    return result;
+    return DBF_OK;
 }
 
 int dbf_cleartable(dbf_table* table) {
-    const int32_t kept = std::min((table->initialrows - 1) / table->rowsperbucket + 1, table->bucketcount);
+    const int32_t kept = (table->initialrows - 1) / table->rowsperbucket + 1;
     for (int32_t i = 0; i < table->bucketcount; ++i) {
         dbf_bucket* bucket = table->buckets[i];
         if (i < kept) {
@@ -339,8 +338,11 @@ int dbf_cleartable(dbf_table* table) {
     }
     table->bucketcount = kept;
     table->firstfree = kept > 0 ? 0 : -1;
-    dbf_emptyindex_all(table);
-    return dbf_rehashindex_all(table) ? DBF_OK : DBF_FAILED;
+    if (!dbf_rehashindex_all(table)) {
+        dbf_emptyindex_all(table);
+        return DBF_FAILED;
+    }
+    return DBF_OK;
 }
 
 int dbf_insert(dbf_table* table, const void* row) {

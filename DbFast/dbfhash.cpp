@@ -64,7 +64,8 @@ uint32_t hashfield(const dbf_field& field, const char* row) {
     case DBF_WSTRING:
         return hashtext<uint16_t>(value, size / sizeof(uint16_t));
     case DBF_PWSTRING:
-        // 16-bit units, although the text has wider ones and is compared by them: equal texts still hash equally.
+        // 16-bit units, although the text has wider ones and is compared by them. Equal texts still hash equally, but
+        // most texts hash by their first character alone.
         return hashtext<uint16_t>(load<const void*>(value), SIZE_MAX);
     default:
         std::abort();
@@ -332,6 +333,7 @@ bool dbf_rehashindex_all(dbf_table* table) {
 void dbf_emptyindex_all(dbf_table* table) {
     for (dbf_index* index = table->indexes; index != nullptr; index = index->next) {
         std::fill_n(index->heads, table->hashsize, dbf_chainref{0});
+        std::fill_n(index->links, table->hashsize, dbf_link{});
     }
 }
 
@@ -354,7 +356,6 @@ dbf_index* dbf_createindex(dbf_table* table, const dbf_indexspec* indexspec, con
     dbf_rehashindex(index);
     index->next = table->indexes;
     table->indexes = index;
-    ++table->indexcount;
     return index;
 }
 
@@ -365,7 +366,6 @@ int dbf_dropindex(dbf_index* index) {
             place = &(*place)->next;
         }
         *place = index->next;
-        --index->table->indexcount;
         dbf_deallocateindex(index);
     }
     return DBF_OK;
@@ -377,6 +377,9 @@ const dbf_rowid* dbf_findhashmatch(dbf_index* index, const void* keyrow) {
 
 const dbf_rowid* dbf_findhashmatch_next(dbf_index* index, const void* keyrow, const dbf_rowid* match) {
     const uint32_t position = dbf_position(index->table, match->bucket, match->slot);
+    if (position >= index->table->hashsize) {
+        return nullptr; // a location from before the table was cleared
+    }
     const dbf_chainref next = index->links[position].next;
     return rowidof(index, findinchain(index, next, dbf_calculatehash(index, keyrow), keyrow));
 }

@@ -43,7 +43,6 @@ struct dbf_table {
     dbf_bucket** buckets;
     int32_t firstfree;
     dbf_index* indexes;
-    int32_t indexcount;
 };
 
 /**
@@ -115,7 +114,7 @@ uint32_t dbf_calculatehash(const dbf_index* index, const void* row);
 /** 0 when all key fields of the two rows are equal, else 1. */
 int dbf_comparerow(const dbf_index* index, const void* storedrow, const void* keyrow);
 
-/** Position of the newest row with the key, whose hash is given, or `nosuchrow`. */
+/** Position of the first row with the key, whose hash is given, or `nosuchrow`. */
 uint32_t dbf_findposition(const dbf_index* index, uint32_t hash, const void* keyrow);
 
 /** Enters the row at a position in front of its chain. */

@@ -1,11 +1,13 @@
 #include "IfcNames.h"
 
+#include <ImportCommon/ExternalGUID.h>
+
 #include <charconv>
 #include <cstdint>
 
 namespace {
 
-constexpr std::size_t globalIdLength = 22;
+constexpr std::size_t globalIdLength = ImportCommon::ExternalGUID::GlobalIdSize;
 
 void appendUtf8(std::string& out, std::uint32_t c) {
     const auto byte = [&](std::uint32_t value) { out += static_cast<char>(value); };

@@ -1,5 +1,6 @@
 #include "ProductName.h"
 
+#include <ImportCommon/ExternalGUID.h>
 #include <ImportCommon/ReferenceObjectClass.h>
 
 #include <algorithm>
@@ -9,7 +10,7 @@ using namespace ImportCommon;
 
 namespace {
 
-constexpr std::size_t globalIdLength = 22;
+constexpr std::size_t globalIdLength = ImportCommon::ExternalGUID::GlobalIdSize;
 
 bool isGlobalId(const std::string& text) {
     const auto isDigit = [](char c) {

@@ -156,7 +156,7 @@ void Streams::object(const ExternalGUID& identity, ExternalGUIDRuntimeID_e ident
     ++objectCount_;
     Line().number(identityId).number(hashId).field(idOrDash(&product)).writeTo(env_.foreignObjects);
 
-    char bytes[124];
+    char bytes[CExternalVersion::MaximumStreamSize];
     const unsigned int size = version.toByteStream(sizeof bytes, bytes);
     Line line;
     writeGuid(line, identity);

@@ -11,7 +11,7 @@ using namespace ImportCommon;
 
 namespace {
 
-constexpr unsigned int maxVersionSize = 124;
+constexpr unsigned int maxVersionSize = ImportCommon::CExternalVersion::MaximumStreamSize;
 
 ExternalGUID guidFromHex(std::string_view text) {
     const std::string bytes = fromHex(text);

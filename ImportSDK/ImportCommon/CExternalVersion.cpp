@@ -12,7 +12,7 @@ using ImportCommon::CExternalVersion;
 namespace {
 
 constexpr unsigned int tagSize = 4;
-constexpr unsigned int longestStream = 124;
+constexpr int distanceCount = 8;
 constexpr double volumeTolerance = 1e-6;
 constexpr double lengthTolerance = 0.001;
 
@@ -57,10 +57,10 @@ double GetOffsetSimilarity(const double* a, const double* b, double scale) {
 
 double GetOrientationSimilarity(const double* a, const double* b, double scale) {
     double sum = 0;
-    for (int i = 0; i < 8; ++i) {
+    for (int i = 0; i < distanceCount; ++i) {
         sum += 1 - std::fabs(b[i] - a[i]) / scale;
     }
-    return sum / 8.0;
+    return sum / distanceCount;
 }
 
 double GetVolumeSimilarity(double a, double b) {
@@ -75,10 +75,10 @@ double GetBoundingSimilarity(const double* a, const double* b) {
 
 double meanDistance(const double* distances) {
     double sum = distances[0];
-    for (int i = 1; i < 8; ++i) {
+    for (int i = 1; i < distanceCount; ++i) {
         sum += distances[i];
     }
-    return sum / 8.0;
+    return sum / distanceCount;
 }
 
 /** The length that differences are measured by: the larger mean distance. */
@@ -109,7 +109,7 @@ bool differ(const double* a, const double* b, int count) {
     return !std::equal(a, a + count, b, [](double x, double y) { return !(std::fabs(x - y) > lengthTolerance); });
 }
 
-/** Moves values between a version and a stream, in the stream's order. */
+/** Puts values into a stream, one behind the other. */
 class StreamWriter {
 public:
     explicit StreamWriter(char* buffer) : begin_(buffer), next_(buffer) {}
@@ -126,6 +126,7 @@ private:
     char* next_;
 };
 
+/** Takes values out of a stream; the caller sees to it that they are there. */
 class StreamReader {
 public:
     StreamReader(const char* buffer, unsigned int size) : next_(buffer), remaining_(size) {}
@@ -261,7 +262,7 @@ void CExternalVersion::getCenteroid(double* x, double* y, double* z) const {
 }
 
 unsigned int CExternalVersion::toByteStream(unsigned int size, char* buffer) const {
-    if (size < longestStream) {
+    if (size < MaximumStreamSize) {
         return 0;
     }
     StreamWriter stream(buffer);

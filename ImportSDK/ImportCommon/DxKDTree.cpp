@@ -34,7 +34,7 @@ struct CDxKDTree::Block_s {
 
 CDxKDTree::CDxKDTree(unsigned int dimension) : dimension_(dimension) {
     first_ = addBlock();
-    if (first_ != nullptr && first_->nodes != nullptr) {
+    if (first_ != nullptr && allocateNodes(*first_)) {
         current_ = first_;
     }
 }
@@ -59,10 +59,9 @@ unsigned int CDxKDTree::insert(const double* vector) {
         }
         current_->next = block;
         current_ = block;
-    } else if (current_->nodes == nullptr) {
-        allocateNodes(*current_); // an earlier insert added the block and found no memory for its nodes
     }
-    if (current_->nodes == nullptr) {
+    // A block that got no memory for its nodes stays in place, and each insert asks for it again.
+    if (current_->nodes == nullptr && !allocateNodes(*current_)) {
         return 0;
     }
     // The node is written before a match is looked for; without one it stays.
@@ -99,17 +98,14 @@ unsigned int CDxKDTree::getCount() const {
     return count_;
 }
 
-/** A new block, with room for nodes if there is memory for it; null when there is not even memory for the block. */
+/** A new block without room for nodes yet; null without memory. */
 CDxKDTree::Block_s* CDxKDTree::addBlock() {
-    Block_s* block = static_cast<Block_s*>(std::calloc(1, sizeof(Block_s)));
-    if (block != nullptr) {
-        allocateNodes(*block);
-    }
-    return block;
+    return static_cast<Block_s*>(std::calloc(1, sizeof(Block_s)));
 }
 
-void CDxKDTree::allocateNodes(Block_s& block) const {
+bool CDxKDTree::allocateNodes(Block_s& block) const {
     block.nodes = static_cast<char*>(std::calloc(nodesPerBlock, sizeof(Node_s) + sizeof(double) * dimension_));
+    return block.nodes != nullptr;
 }
 
 CDxKDTree::Node_s* CDxKDTree::nodeAt(const Block_s& block, unsigned int index) const {

@@ -13,9 +13,6 @@ namespace ImportCommon {
 
 namespace {
 
-constexpr unsigned int recordSize = 96;
-constexpr unsigned int spatialHashSize = 11;
-constexpr unsigned int globalIdSize = 22;
 constexpr unsigned int octantCount = 8;
 
 } // namespace
@@ -25,8 +22,8 @@ struct ExternalGUID::Record_s {
     std::uint32_t type;
     std::uint32_t zero;
     union {
-        double spatialHash[spatialHashSize];
-        char globalId[8 * spatialHashSize];
+        double spatialHash[SpatialHashSize];
+        char globalId[8 * SpatialHashSize];
         PXGUID_t px;
         std::int32_t obi;
     };
@@ -74,7 +71,8 @@ void widenOctant(double* squares, const double* centre, const double* vertex) {
 
 ExternalGUID::ExternalGUID() : record_(new (std::nothrow) Record_s()) {
     static_assert(sizeof(PXGUID_t) == 16, "a PX GUID has 16 bytes");
-    static_assert(offsetof(Record_s, terminator) == recordSize, "the stored record has 96 bytes");
+    static_assert(offsetof(Record_s, spatialHash) == PayloadOffset, "the identity follows its kind");
+    static_assert(offsetof(Record_s, terminator) == RecordSize, "the stored record has 96 bytes");
 }
 
 ExternalGUID::ExternalGUID(const ExternalGUID& other) : ExternalGUID() {
@@ -96,7 +94,7 @@ ExternalGUID ExternalGUID::fromIFCGlobalID(const char* globalId) {
     ExternalGUID guid;
     if (guid.record_ != nullptr && globalId != nullptr) {
         guid.record_->type = GUIDTypeIFCGlobalID;
-        std::strncpy(guid.record_->globalId, globalId, globalIdSize);
+        std::strncpy(guid.record_->globalId, globalId, GlobalIdSize);
     }
     return guid;
 }
@@ -122,13 +120,13 @@ ExternalGUID ExternalGUID::fromHalvorneObi(int obi) {
 ExternalGUID ExternalGUID::fromByteStream(unsigned int size, const char* bytes) {
     ExternalGUID guid;
     if (guid.record_ != nullptr && size > 0) {
-        std::memcpy(guid.record_, bytes, std::min(size, recordSize));
+        std::memcpy(guid.record_, bytes, size < RecordSize ? size : RecordSize);
     }
     return guid;
 }
 
 ExternalGUID ExternalGUID::spatialHashFromVertexes(unsigned int count, const double* xyz) {
-    double hash[spatialHashSize] = {};
+    double hash[SpatialHashSize] = {};
     if (xyz != nullptr) {
         // The last vertex is left out of both passes: stored hashes were computed like that.
         const double* end = xyz + 3 * static_cast<std::size_t>(std::max(count, 1U) - 1);
@@ -159,7 +157,7 @@ void ExternalGUID::fromSpatialHash(const double* values) {
 
 const char* ExternalGUID::getBytes(unsigned int* size) const {
     static const Record_s none = {};
-    *size = recordSize;
+    *size = RecordSize;
     return reinterpret_cast<const char*>(record_ != nullptr ? record_ : &none);
 }
 
@@ -168,7 +166,7 @@ ExternalGUID::Type_t ExternalGUID::getType() const {
 }
 
 const double* ExternalGUID::getSpatialHash() const {
-    static const double none[spatialHashSize] = {};
+    static const double none[SpatialHashSize] = {};
     return getType() == GUIDTypeSpatialHash ? record_->spatialHash : none;
 }
 

@@ -10,8 +10,7 @@ namespace ImportCommon {
 
 namespace {
 
-constexpr unsigned int spatialHashSize = 11;
-constexpr unsigned int globalIdSize = 22;
+constexpr unsigned int globalIdSize = ExternalGUID::GlobalIdSize;
 
 const dbf_tablespec tblIFCGlobalIDSpec = {2000, 2000};
 const dbf_fieldspec fldIFCGlobalIDSpec[] = {{DBF_INT, 0}, {DBF_BYTES, globalIdSize}, {DBF_END, 0}};
@@ -95,10 +94,10 @@ private:
 
 /** An identity of a GlobalId with all its characters, a zero among them included. */
 ExternalGUID guidOfGlobalId(const char* globalId) {
-    char record[8 + globalIdSize] = {};
+    char record[ExternalGUID::PayloadOffset + globalIdSize] = {};
     const std::uint32_t type = ExternalGUID::GUIDTypeIFCGlobalID;
     std::memcpy(record, &type, sizeof type);
-    std::memcpy(record + 8, globalId, globalIdSize);
+    std::memcpy(record + ExternalGUID::PayloadOffset, globalId, globalIdSize);
     return ExternalGUID::fromByteStream(sizeof record, record);
 }
 
@@ -112,7 +111,7 @@ T keyOf(const KeyTable::Row_s& row) {
 } // namespace
 
 struct ExternalGUIDDatabase::State_s {
-    CDxKDTree spatialHashes{spatialHashSize};
+    CDxKDTree spatialHashes{ExternalGUID::SpatialHashSize};
     KeyTable globalIds{tblIFCGlobalIDSpec,
                        fldIFCGlobalIDSpec,
                        idxIFCGlobalIDByRuntimeIDSpec,

@@ -9,6 +9,9 @@
  * Records are owned by the module: what a create call returns is released by the matching drop call. When memory runs
  * out, one line on the standard error stream names the size and the purpose, and the operation reports failure;
  * whatever was stored before stays stored and can be found.
+ *
+ * The create calls answer null for a null argument, the drop calls accept null, and a null pointer in a field is a value
+ * of its own. No other argument may be null.
  */
 #ifndef DBFAST_DBFAST_H
 #define DBFAST_DBFAST_H
@@ -37,14 +40,17 @@ enum {
 /** Field types: what a field holds, how much room it takes in a row, and how keys compare. */
 enum {
     DBF_INT = 0,      /**< 32-bit integer; 4 bytes */
-    DBF_FLOAT = 1,    /**< float; 4 bytes; +0 equals -0, a NaN equals nothing */
+    DBF_FLOAT = 1,    /**< float; 4 bytes; a NaN equals nothing. The two zeros are equal but have different hashes, so
+                           that a look-up by one may miss the other; that is meant: give keys one of them */
     DBF_DOUBLE = 2,   /**< double; 8 bytes; compares as DBF_FLOAT does */
     DBF_STRING = 3,   /**< inline text of `size` bytes, ended by a zero byte or the field's end */
     DBF_BYTES = 4,    /**< exactly `size` bytes */
     DBF_POINTER = 5,  /**< a pointer, compared by its value; 8 bytes */
     DBF_PSTRING = 6,  /**< pointer to zero-terminated text owned by the caller; 8 bytes */
-    DBF_WSTRING = 7,  /**< inline wide text; takes 2 bytes per character of `size` */
-    DBF_PWSTRING = 8, /**< pointer to zero-terminated wide text (`wchar_t`) owned by the caller; 8 bytes */
+    DBF_WSTRING = 7,  /**< inline wide text; takes 2 bytes per character of `size`. Hashed by 16-bit units up to a zero
+                           but compared by `wchar_t`: fill the rest of the field with zeros */
+    DBF_PWSTRING = 8, /**< pointer to zero-terminated wide text (`wchar_t`) owned by the caller; 8 bytes. Hashed by
+                           16-bit units, for most text its first character: look-ups in large tables are slow */
     DBF_END = 100     /**< ends an array of field specifications */
 };
 
@@ -140,14 +146,18 @@ DBFAST_API dbf_index* dbf_createindex(dbf_table* table, const dbf_indexspec* ind
 DBFAST_API int dbf_dropindex(dbf_index* index);
 
 /**
- * Finds the newest row whose key fields equal those of @p keyrow, in a unique or other index.
+ * Finds the first row whose key fields equal those of @p keyrow, in a unique or other index.
+ *
+ * Rows with the same key come newest first. When the table grows, its indexes are made anew from the rows as they are
+ * stored, so that the rows come in descending order of their location then.
+ *
  * @return the row's location, owned by the index and valid until the next insert into or clearing of the table; null
  *         when there is none
  */
 DBFAST_API const dbf_rowid* dbf_findhashmatch(dbf_index* index, const void* keyrow);
 
 /**
- * Finds the next older row with the same key.
+ * Finds the next row with the same key.
  * @param match  what dbf_findhashmatch or this function returned for the same index and key
  * @return as dbf_findhashmatch
  */

@@ -5,7 +5,6 @@
 
 #include <dlfcn.h>
 
-#include <cstdlib>
 #include <new>
 
 #if defined(__APPLE__)

@@ -33,6 +33,9 @@ enum ExternalVersionType_e : unsigned int {
  */
 class IMPORT_COMMON_API CExternalVersion {
 public:
+    /** Bytes of the longest stored form. */
+    static constexpr unsigned int MaximumStreamSize = 124;
+
     /** An invalid version. */
     CExternalVersion();
 
@@ -58,7 +61,8 @@ public:
     /**
      * How alike two versions are, from 0 (different) to 1 (the same), scored by the kind of this object:
      * a.similarity(b) and b.similarity(a) differ between kinds. What the other does not carry counts as its zeros.
-     * Invalid and unknown kinds score 0; two versions of size zero score NaN.
+     * Invalid and unknown kinds score 0. Differences are measured by the mean distance, so that two solids or geometries
+     * whose distances are all zero score NaN. Solids of negative volume can score above 1.
      */
     double similarity(const CExternalVersion& other) const;
 
@@ -85,7 +89,7 @@ public:
      * | solid        |   124 | kind, volume, centroid (3 doubles), distances (8 doubles), box (3 doubles)           |
      * | geometry     |    92 | kind, distances (8 doubles), box (3 doubles)                                         |
      *
-     * @param size  room in @p buffer; at least 124, whatever the kind
+     * @param size  room in @p buffer in bytes; at least MaximumStreamSize, whatever the kind
      * @return the number of bytes written; 0 when there is less room, and then nothing is written
      */
     unsigned int toByteStream(unsigned int size, char* buffer) const;
@@ -105,15 +109,13 @@ public:
     void toString(unsigned int size, char* buffer) const;
 
 private:
-    static constexpr unsigned int distanceCount = 8;
-
     bool hasBoundingBox() const;
     bool hasDistances() const;
     bool hasVolume() const;
 
     std::uint32_t type_;
     double boundingBox_[3];
-    double distances_[distanceCount];
+    double distances_[8];
     double volume_;
     double centroid_[3];
 };

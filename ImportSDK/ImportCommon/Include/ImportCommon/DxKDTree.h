@@ -12,7 +12,8 @@ namespace ImportCommon {
  * Stores vectors of doubles and finds one that matches a given vector: the sum of absolute differences is below 0.01.
  *
  * A look-up is one descent without backtracking, so a match on the far side of a split is not found. Nodes are numbered
- * in the order of insertion, from 0, and are never removed. Not safe for use by several threads at a time.
+ * in the order of insertion, from 0, and are never removed. Vectors with a component that is not a number match nothing;
+ * in a tree of dimension 0 everything matches. Not safe for use by several threads at a time.
  */
 class IMPORT_COMMON_API CDxKDTree {
 public:
@@ -51,7 +52,7 @@ private:
     struct Block_s;
 
     Block_s* addBlock();
-    void allocateNodes(Block_s& block) const;
+    bool allocateNodes(Block_s& block) const;
     Node_s* nodeAt(const Block_s& block, unsigned int index) const;
     bool matches(Node_s& node, const double* vector) const;
     Node_s* descend(const double* vector, Node_s**& place);

@@ -15,11 +15,14 @@ namespace ImportCommon {
  *
  * A library that exports a function "PluginInit" has it called, without arguments, as soon as it is loaded; one that
  * exports "PluginDeInit" has that called just before it is unloaded. Results of both are ignored; neither has to exist.
+ * An exception from "PluginInit" passes through, and the library stays loaded, since the exception may need its code.
+ * Loading throws `std::bad_alloc` without memory for a path or message.
  */
 class IMPORT_COMMON_API DynamicLibrary {
 public:
     /**
-     * Loads the library at @p path (symbols are bound as they are used). The second text is not used.
+     * Loads the library at @p path (symbols are bound as they are used). The second text is not used. An empty path is
+     * left to the system: on Linux it gives the running executable.
      * @return the library, owned by the caller, who deletes it to unload; null when it could not be loaded: the first
      *         failure in a process writes the system's reason to the log
      */

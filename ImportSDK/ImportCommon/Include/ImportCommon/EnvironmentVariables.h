@@ -14,13 +14,17 @@ namespace ImportCommon {
 /**
  * The process environment as the channel between host and plug-in.
  *
- * Keys and values are wide text here and UTF-8 in the environment; each is cut at 4095 bytes, and text read back at
- * 4095 characters. A stream travels as the decimal value of its `FILE*`, which means something only inside the process
+ * Keys and values are wide text here and UTF-8 in the environment, converted as StringOperations does: at most 4095
+ * bytes each, and at most 4095 characters of text read back. A stream travels as the decimal value of its `FILE*`, which means something only inside the process
  * that wrote it. The environment is not locked: set variables from one thread before others read them.
+ * What returns text throws `std::bad_alloc` without memory.
  */
 class IMPORT_COMMON_API EnvironmentVariables {
 public:
-    /** The variable's text; empty when it is not set. Invalid UTF-8 yields the characters before the fault. */
+    /**
+     * The variable's text; empty when it is not set. Invalid UTF-8, and a character beyond ASCII behind the 4096th, is
+     * reported once on the log and yields the characters before it.
+     */
     static std::wstring GetString(const std::wstring& key);
 
     /** The number at the start of the variable's text; 0 when there is none or the variable is not set. */
@@ -39,9 +43,7 @@ public:
     /** Sets the variable to the decimal text of @p value. @return as SetString */
     static int SetInt(const std::wstring& key, int value);
 
-    /** Sets the variable to the decimal pointer value of @p stream, which stays owned by the caller. @return as
-     * SetString
-     */
+    /** Sets the variable to the pointer value of @p stream, which stays owned by the caller. @return as SetString */
     static int SetFileStreamHandle(const std::wstring& key, FILE* stream);
 
     /** Returns @p text unchanged: variable references are not expanded on this platform. */

@@ -31,6 +31,18 @@ struct PXGUID_t {
  */
 class IMPORT_COMMON_API ExternalGUID {
 public:
+    /** Bytes of the record. */
+    static constexpr unsigned int RecordSize = 96;
+
+    /** Where the identity itself begins in the record. */
+    static constexpr unsigned int PayloadOffset = 8;
+
+    /** Characters of a GlobalId. */
+    static constexpr unsigned int GlobalIdSize = 22;
+
+    /** Doubles of a spatial hash. */
+    static constexpr unsigned int SpatialHashSize = 11;
+
     /** Kinds of identity; the numbers are part of the stored form. */
     enum Type_t : unsigned int {
         GUIDTypeNone = 0,
@@ -67,8 +79,8 @@ public:
      * depend on both, so they are meant to stay.
      *
      * @param count  number of vertices
-     * @param xyz    their coordinates, three doubles each; with a count of 0 or 1 the first vertex is the centre. A
-     * null pointer gives a zero hash.
+     * @param xyz    their coordinates, three doubles each. With a count of 0 or 1 the first vertex is the centre, so
+     *               there must be one even with 0; a null pointer gives a zero hash.
      */
     static ExternalGUID spatialHashFromVertexes(unsigned int count, const double* xyz);
 

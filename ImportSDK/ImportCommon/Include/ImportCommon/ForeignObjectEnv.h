@@ -44,6 +44,6 @@ struct ForeignObjectEnv_t {
  *
  * @param env  receives the version, and with version 1 everything else; keys that are not set give empty text and null
  *             streams. With another version all other fields keep what they held.
- * @return whether the version is 1
+ * @return whether the version is 1. Throws `std::bad_alloc` without memory for a text; the fields before it are set.
  */
 IMPORT_COMMON_API bool foreignobject_env_deserialize(ForeignObjectEnv_t& env);

@@ -39,7 +39,8 @@ public:
      * Decodes UTF-8 text into a buffer.
      *
      * A terminating zero byte is stored and counted when there is room; when @p n bytes end first, no terminator is
-     * added. Once the buffer is full, further one-byte characters are dropped while a longer sequence ends the
+     * added. A sequence that @p n cuts off is dropped or, when part of its continuation is there, invalid; in terminated
+     * text the zero byte ends it, and it is stored with zero bits for what is missing. Once the buffer is full, further one-byte characters are dropped while a longer sequence ends the
      * conversion as invalid; that is meant.
      *
      * @param n         number of bytes, or `SIZE_MAX` for text that ends with a zero byte
@@ -99,11 +100,13 @@ public:
 
     /**
      * Converts @p n wide characters to the locale's narrow text, which is UTF-8 here, and fills the rest of @p out with
-     * zeros. Text that fills the buffer gets no terminator.
+     * zeros. Text that fills the buffer gets no terminator and may be cut within a character.
+     *
+     * @param capacity  room in @p out in bytes
      */
     static void ConvertToCurrentLocale(const wchar_t* w, std::size_t n, char* out, std::size_t capacity);
 
-    /** Converts to the locale's narrow text, which is UTF-8 here; text beyond 65535 bytes is cut. */
+    /** Converts to the locale's narrow text, which is UTF-8 here: at most 65535 bytes, as ConvertToUTF8 makes them. */
     static std::string ConvertToCurrentLocale(const std::wstring& w);
 
     /** Decodes the locale's narrow text, which is UTF-8 here; arguments and result as for ConvertFromUTF8. */
