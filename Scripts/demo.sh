@@ -35,7 +35,7 @@ rm -rf "$output"
 mkdir -p "$output"
 for model in "${models[@]}"; do
     echo "== $(basename "$model")"
-    "$build/bin/import-host" --state "$output/state" --report "$output/report.json" --picture "$output/picture.svg" "$model"
+    "$build/bin/import-host" --state "$output/state" --report "$output/report.json" --picture "$output/picture.svg" -- "$model"
     echo
 done
 echo "Report:  $output/report.json"

@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
@@ -150,9 +151,9 @@ TEST_F(ImportExampleTest, EveryEditGetsItsStatus) {
 TEST_F(ImportExampleTest, TheSameModelAgainIsUnchanged) {
     const std::size_t objects = import(house_)["objects"].size();
     EXPECT_EQ(import(house_)["counts"]["unchanged"], objects);
-    fs::create_directories(file("state/output.killed/solids"));
+    fs::create_directories(file("state/output-of-import.killed/solids"));
     EXPECT_EQ(import(house_)["counts"]["unchanged"], objects);
-    EXPECT_FALSE(fs::exists(file("state/output.killed")));
+    EXPECT_FALSE(fs::exists(file("state/output-of-import.killed")));
     EXPECT_EQ(std::distance(fs::directory_iterator(file("state/output")), fs::directory_iterator()), 16);
 }
 
@@ -251,6 +252,16 @@ TEST_F(ImportExampleTest, BadPluginsAndPlacesAreRefused) {
     expectFailure("--state state --report nowhere/r.json house.ifc", 1, "nowhere/r.json: ", "No such file");
     expectFailure("--state nowhere/state house.ifc", 1, "nowhere/state: ", "No such file");
     expectFailure("--state house.ifc/state house.ifc", 1, "house.ifc/state: ", "Not a directory");
+    const std::pair<const char*, const char*> faults[] = {{"crash", "crashed"},
+                                                          {"exit", "ended the process"},
+                                                          {"throw", "out of order"},
+                                                          {"fail", "gave 77"},
+                                                          {"silence", "bad.so"}};
+    fs::create_symlink(BAD_PLUGIN, file("bad.so"));
+    for (const auto& [how, reason] : faults) {
+        setenv("BAD_PLUGIN", how, 1);
+        expectFailure("--state state --plugin bad.so house.ifc", 1, "", reason);
+    }
     if (fs::exists("/dev/full")) {
         expectFailure("--state state --picture /dev/full house.ifc", 1, "/dev/full: ", "No space left");
     }
@@ -259,6 +270,8 @@ TEST_F(ImportExampleTest, BadPluginsAndPlacesAreRefused) {
     expectFailure("--colour house.ifc", 2, "--colour", "usage: ");
     expectFailure("--report house.ifc house.ifc", 2, "house.ifc is the model itself", "usage: ");
     expectFailure("house.ifc house.ifc", 2, "more than one model", "usage: ");
+    expectFailure("--report new.json --picture new.json house.ifc", 2, "same file", "usage: ");
+    expectFailure("--state state --report state/objects.state house.ifc", 2, "in the state folder", "usage: ");
     EXPECT_EQ(read(file("house.ifc")), house_);
 }
 
@@ -278,10 +291,13 @@ TEST_F(ImportExampleTest, ForeignAndDamagedStatesAreRefused) {
         expectFailure("--state state house.ifc", 1, "state/objects.state: ", reason);
     }
 
-    fs::create_directory(file("documents"));
-    write(file("documents/letter.txt"), "letter");
-    expectFailure("--state documents house.ifc", 1, "documents: ", "not a state folder");
-    EXPECT_EQ(read(file("documents/letter.txt")), "letter");
+    for (const char* const name : {"documents/letter.txt", "output/letter.txt", "objects.state.bak"}) {
+        fs::remove_all(file("documents"));
+        fs::create_directories((file("documents") / name).parent_path());
+        write(file("documents") / name, "letter");
+        expectFailure("--state documents house.ifc", 1, "documents: ", "not a state folder");
+        EXPECT_EQ(read(file("documents") / name), "letter");
+    }
 }
 
 } // namespace

@@ -37,12 +37,27 @@ int wholeNumber(const std::string& option, const std::string& text) {
     throw UsageError(option + " needs a whole number");
 }
 
-/** Nothing that is written may take the place of the model. */
+/** Whether a path lies in a folder that exists already. */
+bool isInside(const fs::path& path, const fs::path& folder) {
+    std::error_code error;
+    for (fs::path parent = fs::absolute(path, error); parent != parent.root_path(); parent = parent.parent_path())
+        if (fs::equivalent(parent, folder, error))
+            return true;
+    return false;
+}
+
+/** Nothing that is written may take the place of something else. */
 void checkTargets(const Arguments& arguments) {
     std::error_code error;
     for (const std::string& target : {arguments.report, arguments.picture, arguments.state})
         if (!target.empty() && fs::equivalent(target, arguments.model, error))
             throw UsageError(printable(target) + " is the model itself");
+    if (!arguments.report.empty() && fs::absolute(arguments.report, error).lexically_normal() ==
+                                         fs::absolute(arguments.picture, error).lexically_normal())
+        throw UsageError("report and picture are the same file");
+    for (const std::string& target : {arguments.report, arguments.picture})
+        if (!target.empty() && isInside(target, arguments.state))
+            throw UsageError(printable(target) + " is in the state folder");
 }
 
 } // namespace

@@ -15,8 +15,8 @@ namespace {
 constexpr double positionTolerance = 0.001;
 
 /**
- * Openings are cut in 32-bit floats, so that the volume of a moved wall changes in its last digits. Versions compare
- * volumes to the cubic centimetre, which is less than that for a large one.
+ * Openings are cut in 32-bit floats, so that the volume of a wall changes in its last digits when it is moved or written
+ * anew. Versions compare volumes to the cubic centimetre, which is less than that for a large one.
  */
 constexpr double volumeNoise = 1e-5;
 
@@ -55,10 +55,10 @@ Status statusOf(const ObjectRecord& before, const ObjectRecord& now) {
     if (before.className != now.className)
         return Status::Reclassed;
     if (bothSolid(before, now)) {
-        if (now.version == before.version)
-            return Status::Unchanged;
+        if (!(movedBack(now.version, before.version) == before.version))
+            return Status::Reshaped;
         const bool moved = !samePosition(centroidOf(now.version), centroidOf(before.version));
-        return moved && movedBack(now.version, before.version) == before.version ? Status::Moved : Status::Reshaped;
+        return moved ? Status::Moved : Status::Unchanged;
     }
     // Without a volume a version has no centroid: whether the object was moved is told by its box.
     if (now.version == before.version)

@@ -39,12 +39,6 @@ bool writeAndClose(int file, const std::string& content, bool sync) {
     return synced && closed;
 }
 
-mode_t usualMode() {
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return 0666 & ~mask;
-}
-
 } // namespace
 
 std::string readFile(const std::string& path) {
@@ -76,12 +70,14 @@ PendingFile::PendingFile(const std::string& path, const std::string& content) : 
     }
 
     target_ = fs::exists(path, error) ? fs::canonical(path, error).string() : path;
-    temporary_ = target_ + ".XXXXXX";
-    const int file = ::mkstemp(temporary_.data());
-    if (file < 0)
+    // Always the same name: what a killed process leaves is taken over by the next.
+    temporary_ = target_ + ".new";
+    const int file = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0666);
+    if (file < 0) {
+        temporary_.clear();
         throw Failure(path, std::strerror(errno));
-    const bool allowed = ::fchmod(file, usualMode()) == 0;
-    if (!writeAndClose(file, content, true) || !allowed) {
+    }
+    if (!writeAndClose(file, content, true)) {
         const int reason = errno;
         ::unlink(temporary_.c_str());
         throw Failure(path, std::strerror(reason));

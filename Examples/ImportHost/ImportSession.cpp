@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "Files.h"
+#include "Isolation.h"
 #include "OutputStreams.h"
 #include "PluginInterface.h"
 #include "Progress.h"
@@ -79,9 +80,8 @@ std::string lastError(const std::string& outputFolder) {
     return error;
 }
 
-} // namespace
-
-void runImport(const ImportJob& job) {
+/** The whole session, as a host that loads plug-ins into its own process would run it. */
+void runSession(const ImportJob& job) {
     OutputStreams streams(job.outputFolder);
     prepareEnvironment(job);
 
@@ -98,6 +98,14 @@ void runImport(const ImportJob& job) {
                                       " of the import environment");
     if (result != ImportResult_Done) {
         const std::string reason = lastError(job.outputFolder);
-        throw Failure(job.model, reason.empty() ? "the plug-in failed without a reason" : reason);
+        if (reason.empty())
+            throw Failure(job.plugin, "the import function gave " + std::to_string(result) + " and no reason");
+        throw Failure(job.model, reason);
     }
+}
+
+} // namespace
+
+void runImport(const ImportJob& job) {
+    runIsolated(job.model, [&job] { runSession(job); });
 }

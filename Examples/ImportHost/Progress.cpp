@@ -39,9 +39,10 @@ Progress::~Progress() {
 void Progress::run() {
     std::unique_lock<std::mutex> lock(mutex_);
     while (!done_) {
-        wake_.wait_for(lock, std::chrono::milliseconds(50));
         readOn();
+        wake_.wait_for(lock, std::chrono::milliseconds(50));
     }
+    readOn();
 }
 
 void Progress::readOn() {
@@ -72,7 +73,7 @@ void Progress::show(double part, const std::string& what) {
         const int filled = percent * barWidth / 100;
         const std::string bar = std::string(static_cast<std::size_t>(filled), '#') +
                                 std::string(static_cast<std::size_t>(barWidth - filled), '.');
-        std::printf("\r[%s] %3d %% %-12.12s", bar.c_str(), percent, what.c_str());
+        std::printf("\r[%s] %3d %% %-12s", bar.c_str(), percent, what.c_str());
     } else {
         std::printf("%3d %% %s\n", percent, what.c_str());
     }

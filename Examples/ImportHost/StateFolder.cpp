@@ -21,6 +21,11 @@ namespace {
 constexpr std::string_view format = "import-host-state";
 constexpr std::string_view version = "1";
 
+/** Folder of the streams while an import runs, as mkdtemp takes it, and of the last import's while it is replaced. */
+constexpr char outputTemplate[] = "output-of-import.XXXXXX";
+constexpr std::size_t outputPrefixLength = sizeof outputTemplate - sizeof "XXXXXX";
+constexpr char previousOutput[] = "output-of-import.previous";
+
 /** FNV-1a: tells a file that was cut or damaged, not one that was forged. */
 std::string checksum(std::string_view text) {
     std::uint64_t sum = 0xcbf29ce484222325u;
@@ -66,9 +71,11 @@ std::vector<ObjectRecord> objectsFromText(std::string_view text) {
     return objects;
 }
 
-bool isOurs(const std::string& fileName) {
-    return fileName == "output" || fileName.compare(0, 7, "output.") == 0 ||
-           fileName.compare(0, 13, "objects.state") == 0;
+/** Whether a file is one that an import left which was killed. */
+bool isLeftover(const std::string& fileName) {
+    return fileName == previousOutput || fileName == "objects.state.new" ||
+           (fileName.size() == std::strlen(outputTemplate) &&
+            fileName.compare(0, outputPrefixLength, outputTemplate, outputPrefixLength) == 0);
 }
 
 } // namespace
@@ -78,26 +85,31 @@ StateFolder::StateFolder(const std::string& path) : path_(path) {
         open();
         load();
         removeLeftovers();
-        outputFolder_ = path_ + "/output.XXXXXX";
+        outputFolder_ = path_ + '/' + outputTemplate;
         if (::mkdtemp(outputFolder_.data()) == nullptr) {
             outputFolder_.clear();
             throw Failure(path_, std::strerror(errno));
         }
     } catch (...) {
-        if (lock_ >= 0)
-            ::close(lock_);
+        close();
         throw;
     }
 }
 
 StateFolder::~StateFolder() {
+    close();
+}
+
+/** Removes what was created and not committed, and lets others use the folder. */
+void StateFolder::close() {
     std::error_code ignored;
     next_.reset();
     if (!outputFolder_.empty())
         fs::remove_all(outputFolder_, ignored);
     if (created_)
         fs::remove(path_, ignored); // succeeds only while it is empty
-    ::close(lock_);
+    if (lock_ >= 0)
+        ::close(lock_);
 }
 
 void StateFolder::open() {
@@ -126,7 +138,7 @@ void StateFolder::load() {
         return;
     }
     for (fs::directory_iterator entry(path_, error), end; !error && entry != end; entry.increment(error))
-        if (!isOurs(entry->path().filename().string()))
+        if (!isLeftover(entry->path().filename().string()))
             throw Failure(path_, "not a state folder of import-host: it holds other files");
     if (error)
         throw Failure(path_, error.message());
@@ -136,8 +148,7 @@ void StateFolder::removeLeftovers() const {
     std::error_code error;
     std::vector<fs::path> leftovers;
     for (fs::directory_iterator entry(path_, error), end; !error && entry != end; entry.increment(error)) {
-        const std::string name = entry->path().filename().string();
-        if (isOurs(name) && name != "output" && name != "objects.state")
+        if (isLeftover(entry->path().filename().string()))
             leftovers.push_back(entry->path());
     }
     for (const fs::path& leftover : leftovers)
@@ -153,7 +164,7 @@ void StateFolder::commit() {
 
     // From here on the import counts. Streams that can't be put in their place are no reason to say it failed.
     const std::string last = path_ + "/output";
-    const std::string previous = path_ + "/output.previous";
+    const std::string previous = path_ + '/' + previousOutput;
     std::error_code ignored;
     fs::rename(last, previous, ignored);
     fs::rename(outputFolder_, last, ignored);

@@ -14,9 +14,9 @@
 /**
  * A folder with the objects of the last import that succeeded, and with the streams that it wrote.
  *
- *     objects.state   one line per object, between a header and a closing line with count and checksum
- *     output/         the sixteen streams of the last import
- *     output.XXXXXX/  those of an import that runs or was killed
+ *     objects.state             one line per object, between a header and a closing line with count and checksum
+ *     output/                   the sixteen streams of the last import
+ *     output-of-import.XXXXXX/  those of an import that runs or was killed
  *
  * The file objects.state is replaced by one rename, so a process that ends at any point leaves the old objects or the
  * new ones. While this object lives, no other process can open the folder as its state.
@@ -50,6 +50,7 @@ public:
 
 private:
     void open();
+    void close();
     void removeLeftovers() const;
     void load();
 
