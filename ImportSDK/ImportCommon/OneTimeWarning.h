@@ -34,6 +34,14 @@ public:
         }
     }
 
+    /** Reports unless @p valid, which is the result. */
+    bool unless(bool valid) {
+        if (!valid) {
+            report();
+        }
+        return valid;
+    }
+
 private:
     std::atomic<bool> reported_{false};
 };

@@ -1,0 +1,88 @@
+// Property sets beside the plain cost of writing the bytes that they hold.
+
+#include <ImportCommon/CIFC2X3Property.h>
+#include <ImportCommon/IFC2X3_PSet_WallCommon.h>
+
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+#include <cwchar>
+#include <string>
+#include <vector>
+
+using namespace ImportCommon;
+
+namespace {
+
+constexpr unsigned int setSize = 50;
+constexpr unsigned int wallProperties = 8;
+constexpr std::size_t propertyBytes = sizeof(IFC2X3Property) + sizeof(IFC2X3PropertySingleValue);
+
+IFC2X3_PSet_WallCommon_s fullWall() {
+    IFC2X3_PSet_WallCommon_s wall{};
+    std::wcscpy(wall.Reference, L"Exterior - Brick on Block");
+    std::wcscpy(wall.AcousticRating, L"52 dB");
+    std::wcscpy(wall.FireRating, L"REI 90");
+    std::wcscpy(wall.SurfaceSpreadOfFlame, L"Class 1");
+    wall.ThermalTransmittance = 0.24;
+    wall.hasThermalTransmittance = wall.hasCombustible = wall.hasExtendToStructure = wall.hasCompartmentation = true;
+    return wall;
+}
+
+IFC2X3PropertySet fiftyProperties() {
+    IFC2X3PropertySet set;
+    for (unsigned int i = 0; i < setSize; ++i) {
+        const std::wstring name = L"Property " + std::to_wstring(i);
+        set.addProperty(createPropertySingleValueString(name.c_str(), L"", L"a value of usual length"));
+    }
+    return set;
+}
+
+/** Writes as many bytes as so many properties hold: the least that building them can cost. */
+void writeBytes(benchmark::State& state, unsigned int properties) {
+    std::vector<char> bytes(properties * propertyBytes);
+    for (auto _ : state) {
+        std::memset(bytes.data(), 1, bytes.size());
+        benchmark::DoNotOptimize(bytes.data());
+        benchmark::ClobberMemory();
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(bytes.size()) * state.iterations());
+}
+
+void wallConvert(benchmark::State& state) {
+    const IFC2X3_PSet_WallCommon_s wall = fullWall();
+    for (auto _ : state) {
+        const IFC2X3_PSet_Custom_s set = wall;
+        benchmark::DoNotOptimize(set.properties.getCount());
+    }
+}
+
+void wallMemset(benchmark::State& state) {
+    writeBytes(state, wallProperties);
+}
+
+void setBuild(benchmark::State& state) {
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(fiftyProperties().getCount());
+    }
+}
+
+void setCopy(benchmark::State& state) {
+    const IFC2X3PropertySet set = fiftyProperties();
+    for (auto _ : state) {
+        const IFC2X3PropertySet copy = set;
+        benchmark::DoNotOptimize(copy.getCount());
+    }
+}
+
+void setMemset(benchmark::State& state) {
+    writeBytes(state, setSize);
+}
+
+BENCHMARK(wallMemset);
+BENCHMARK(wallConvert);
+BENCHMARK(setMemset);
+BENCHMARK(setBuild);
+BENCHMARK(setCopy);
+
+} // namespace

@@ -1,0 +1,122 @@
+#include "PropertyText.h"
+
+#include <ImportCommon/IFC2X3Property.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace ImportCommon {
+
+namespace {
+
+/** What a property that is no single value shows as its single value. */
+class CIFC2X3PropertySingleValueNull : public IFC2X3PropertySingleValue {};
+
+/** What a property that is not complex shows as its complex value. */
+class CIFC2X3PropertyComplexNull : public IFC2X3PropertyComplex {};
+
+} // namespace
+
+IFC2X3Property::IFC2X3Property() : type_(Type_Null), name_{}, description_{} {
+}
+
+IFC2X3Property::IFC2X3Property(const IFC2X3Property& other)
+    : type_(other.type_),
+      singleValue_(other.singleValue_ ? new IFC2X3PropertySingleValue(*other.singleValue_) : nullptr),
+      complex_(other.complex_ ? new IFC2X3PropertyComplex(*other.complex_) : nullptr) {
+    copyTexts(other);
+}
+
+IFC2X3Property::IFC2X3Property(IFC2X3Property&& other) noexcept
+    : type_(other.type_), singleValue_(std::move(other.singleValue_)), complex_(std::move(other.complex_)) {
+    copyTexts(other);
+    other.becomeNull();
+}
+
+IFC2X3Property::IFC2X3Property(const wchar_t* name, const wchar_t* description,
+                               IFC2X3PropertySingleValue::ValueType_t type, bool boolValue,
+                               IFC2X3PropertySingleValue::Logical_s logicalValue, int intValue, long long int64Value,
+                               double realValue, const wchar_t* text)
+    : type_(Type_SingleValue),
+      singleValue_(
+          new IFC2X3PropertySingleValue(type, boolValue, logicalValue, intValue, int64Value, realValue, text)) {
+    copyPropertyText<textSize>(name_, name);
+    copyPropertyText<textSize>(description_, description);
+}
+
+IFC2X3Property::IFC2X3Property(const wchar_t* name, const wchar_t* description, const wchar_t* usageName,
+                               const IFC2X3PropertySet& set)
+    : type_(Type_Complex), complex_(new IFC2X3PropertyComplex(usageName, set)) {
+    copyPropertyText<textSize>(name_, name);
+    copyPropertyText<textSize>(description_, description);
+}
+
+IFC2X3Property::~IFC2X3Property() = default;
+
+IFC2X3Property& IFC2X3Property::operator=(const IFC2X3Property& other) {
+    // The copy comes first: the other property may be one that this property's own set holds.
+    return *this = IFC2X3Property(other);
+}
+
+IFC2X3Property& IFC2X3Property::operator=(IFC2X3Property&& other) noexcept {
+    if (this != &other) {
+        // The other property may stand in this property's set, which must outlive the move.
+        const std::unique_ptr<IFC2X3PropertyComplex> replaced = std::move(complex_);
+        type_ = other.type_;
+        singleValue_ = std::move(other.singleValue_);
+        complex_ = std::move(other.complex_);
+        copyTexts(other);
+        other.becomeNull();
+    }
+    return *this;
+}
+
+void IFC2X3Property::copyTexts(const IFC2X3Property& other) {
+    std::copy_n(other.name_, textSize + 1, name_);
+    std::copy_n(other.description_, textSize + 1, description_);
+}
+
+/** What a move leaves behind. */
+void IFC2X3Property::becomeNull() {
+    type_ = Type_Null;
+    name_[0] = 0;
+    description_[0] = 0;
+}
+
+IFC2X3Property::Type_t IFC2X3Property::getType() const {
+    return type_;
+}
+
+const wchar_t* IFC2X3Property::getName() const {
+    return name_;
+}
+
+const wchar_t* IFC2X3Property::getName2() const {
+    return getName();
+}
+
+const wchar_t* IFC2X3Property::getDescription() const {
+    return description_;
+}
+
+const wchar_t* IFC2X3Property::getDescription2() const {
+    return getDescription();
+}
+
+const IFC2X3PropertySingleValue& IFC2X3Property::getPropertySingleValue() const {
+    static const CIFC2X3PropertySingleValueNull none;
+    if (type_ != Type_SingleValue || !singleValue_) {
+        return none;
+    }
+    return *singleValue_;
+}
+
+const IFC2X3PropertyComplex& IFC2X3Property::getPropertyComplex() const {
+    static const CIFC2X3PropertyComplexNull none;
+    if (type_ != Type_Complex || !complex_) {
+        return none;
+    }
+    return *complex_;
+}
+
+} // namespace ImportCommon

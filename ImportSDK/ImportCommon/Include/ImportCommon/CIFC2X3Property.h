@@ -1,0 +1,72 @@
+/**
+ * @file CIFC2X3Property.h
+ * Constructs properties.
+ */
+#pragma once
+
+#include <ImportCommon/CIFC2X3PropertyComplex.h>
+#include <ImportCommon/CIFC2X3PropertySingleValue.h>
+#include <ImportCommon/IFC2X3Property.h>
+
+namespace ImportCommon {
+
+/**
+ * A property that is filled at construction; otherwise just an IFC2X3Property. Texts must not be null; the first 256
+ * characters of each are copied. Throws `std::bad_alloc` without memory, as do the functions below.
+ */
+class IMPORT_COMMON_API CIFC2X3Property : public IFC2X3Property {
+public:
+    /** A property with a single value, of which every field is stored as given. */
+    CIFC2X3Property(const wchar_t* name, const wchar_t* description, IFC2X3PropertySingleValue::ValueType_t type,
+                    bool boolValue, IFC2X3PropertySingleValue::Logical_s logicalValue, int intValue,
+                    long long int64Value, double realValue, const wchar_t* text)
+        : IFC2X3Property(name, description, type, boolValue, logicalValue, intValue, int64Value, realValue, text) {}
+
+    /** A property with a nested set, which is copied. */
+    CIFC2X3Property(const wchar_t* name, const wchar_t* description, const wchar_t* usageName,
+                    const IFC2X3PropertySet& set)
+        : IFC2X3Property(name, description, usageName, set) {}
+};
+
+/** A property with a text. */
+IMPORT_COMMON_API IFC2X3Property createPropertySingleValueString(const wchar_t* name, const wchar_t* description,
+                                                                 const wchar_t* value);
+
+/** A property with a flag. */
+IMPORT_COMMON_API IFC2X3Property createPropertySingleValueBoolean(const wchar_t* name, const wchar_t* description,
+                                                                  bool value);
+
+/** A property with a three-state value. */
+IMPORT_COMMON_API IFC2X3Property createPropertySingleValueLogical(const wchar_t* name, const wchar_t* description,
+                                                                  IFC2X3PropertySingleValue::Logical_s value);
+
+/**
+ * A property with a 32-bit integer.
+ * @param type  ValueType_Integer; with any other type the value is dropped, the property is of ValueType_Default, and
+ *              the first time in a process an attached debugger stops
+ */
+IMPORT_COMMON_API IFC2X3Property createPropertySingleValueInteger(const wchar_t* name, const wchar_t* description,
+                                                                  IFC2X3PropertySingleValue::ValueType_t type,
+                                                                  int value);
+
+/**
+ * A property with a 64-bit integer.
+ * @param type  ValueType_Integer64; any other is treated as createPropertySingleValueInteger does
+ */
+IMPORT_COMMON_API IFC2X3Property createPropertySingleValueInteger64(const wchar_t* name, const wchar_t* description,
+                                                                    IFC2X3PropertySingleValue::ValueType_t type,
+                                                                    long long value);
+
+/**
+ * A property with a real number.
+ * @param type  a real-valued type; any other is treated as createPropertySingleValueInteger does
+ */
+IMPORT_COMMON_API IFC2X3Property createPropertySingleValueReal(const wchar_t* name, const wchar_t* description,
+                                                               IFC2X3PropertySingleValue::ValueType_t type,
+                                                               double value);
+
+/** A property with a nested set, which is copied. */
+IMPORT_COMMON_API IFC2X3Property createPropertyComplex(const wchar_t* name, const wchar_t* description,
+                                                       const wchar_t* usageName, const IFC2X3PropertySet& set);
+
+} // namespace ImportCommon

@@ -1,0 +1,46 @@
+/**
+ * @file ForeignObjectSolid.h
+ * A solid on its way from the plug-in to the host.
+ */
+#pragma once
+
+#include <ImportCommon/Export.h>
+
+/**
+ * A typed block of bytes that holds one solid in a form that host and plug-in agree on; the bytes are not interpreted.
+ *
+ * A value class: it owns its bytes, and copies are deep. Without memory for the bytes an object is valid and empty, and
+ * the first failure of each operation in a process is reported on the log; nothing throws.
+ */
+class IMPORT_COMMON_API ForeignObjectSolid {
+public:
+    /** The form of the bytes. Values of a host's own may start at Type_Host; the library only keeps the number. */
+    enum Type_t : int {
+        Type_Undefined = 0,
+        Type_TriangleMesh = 1,
+        Type_BoundaryRepresentation = 2,
+        Type_Host = 0x10000
+    };
+
+    /** Copies @p size bytes; with a size of 0 @p data is not read. */
+    ForeignObjectSolid(Type_t type, unsigned int size, const char* data);
+    ForeignObjectSolid(const ForeignObjectSolid& other);
+
+    /** Replaces type and bytes by copies. The reference is not constant, and an object that is assigned to itself loses
+     * its bytes; both are meant. */
+    ForeignObjectSolid& operator=(ForeignObjectSolid& other);
+    ~ForeignObjectSolid();
+
+    /** The form of the bytes. */
+    Type_t getType() const;
+
+    /** The bytes, owned by this object, and their number through @p size; null and 0 for an empty solid. */
+    const char* getBytes(unsigned int* size) const;
+
+private:
+    bool replaceBytes(unsigned int size, const char* data);
+
+    Type_t type_;
+    unsigned int size_ = 0;
+    char* bytes_ = nullptr;
+};

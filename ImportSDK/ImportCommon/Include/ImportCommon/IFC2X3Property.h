@@ -1,0 +1,86 @@
+/**
+ * @file IFC2X3Property.h
+ * An IFC 2x3 property.
+ */
+#pragma once
+
+#include <ImportCommon/IFC2X3PropertyComplex.h>
+#include <ImportCommon/IFC2X3PropertySingleValue.h>
+
+#include <memory>
+
+namespace ImportCommon {
+
+class IFC2X3PropertyComplex;
+
+/**
+ * A property: name, description, and one typed value or a nested set. A value class; copies are deep.
+ *
+ * Texts hold 256 characters, stored inline, and end with a zero. Copying throws `std::bad_alloc` without memory.
+ */
+class IMPORT_COMMON_API IFC2X3Property {
+public:
+    /** What a property holds. */
+    enum Type_t : int { Type_Null = 0, Type_SingleValue = 1, Type_Complex = 2 };
+
+    /** A property of Type_Null with empty texts. */
+    IFC2X3Property();
+    IFC2X3Property(const IFC2X3Property& other);
+
+    /** Takes the value over; @p other becomes a property of Type_Null with empty texts. */
+    IFC2X3Property(IFC2X3Property&& other) noexcept;
+
+    /** A deep copy; when it throws, this property is unchanged. */
+    IFC2X3Property& operator=(const IFC2X3Property& other);
+
+    /** Takes the value over; @p other becomes a property of Type_Null with empty texts. */
+    IFC2X3Property& operator=(IFC2X3Property&& other) noexcept;
+    ~IFC2X3Property();
+
+    /** What this property holds. */
+    Type_t getType() const;
+
+    /** The zero-terminated name, owned by this object. */
+    const wchar_t* getName() const;
+
+    /** @copydoc getName */
+    const wchar_t* getName2() const;
+
+    /** The zero-terminated description, owned by this object. */
+    const wchar_t* getDescription() const;
+
+    /** @copydoc getDescription */
+    const wchar_t* getDescription2() const;
+
+    /** The value of a Type_SingleValue, owned by this object; a shared value of ValueType_Default otherwise. */
+    const IFC2X3PropertySingleValue& getPropertySingleValue() const;
+
+    /** The value of a Type_Complex, owned by this object; a shared empty one otherwise. */
+    const IFC2X3PropertyComplex& getPropertyComplex() const;
+
+protected:
+    /** A single value; at most 256 characters of each text are read and stored. */
+    IFC2X3Property(const wchar_t* name, const wchar_t* description, IFC2X3PropertySingleValue::ValueType_t type,
+                   bool boolValue, IFC2X3PropertySingleValue::Logical_s logicalValue, int intValue,
+                   long long int64Value, double realValue, const wchar_t* text);
+
+    /** A nested set, which is copied. */
+    IFC2X3Property(const wchar_t* name, const wchar_t* description, const wchar_t* usageName,
+                   const IFC2X3PropertySet& set);
+
+private:
+    friend class PSetBuilder;
+
+    static constexpr unsigned int textSize = IFC2X3PropertySingleValue::TextSize;
+
+    void copyTexts(const IFC2X3Property& other);
+    void becomeNull();
+
+    Type_t type_;
+    wchar_t name_[textSize + 1];
+    wchar_t description_[textSize + 1];
+    std::unique_ptr<IFC2X3PropertySingleValue> singleValue_;
+    std::unique_ptr<IFC2X3PropertyComplex> complex_;
+};
+
+} // namespace ImportCommon

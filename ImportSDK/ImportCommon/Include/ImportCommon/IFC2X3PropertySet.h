@@ -1,0 +1,70 @@
+/**
+ * @file IFC2X3PropertySet.h
+ * An ordered set of IFC 2x3 properties.
+ */
+#pragma once
+
+#include <ImportCommon/Export.h>
+
+#include <memory>
+
+namespace ImportCommon {
+
+class IFC2X3Property;
+
+/**
+ * An ordered list of properties, each owned by the set; copies are deep.
+ *
+ * The list grows in steps of 50. What fails for lack of memory is named at each function; a set stays valid in any
+ * case.
+ */
+class IMPORT_COMMON_API IFC2X3PropertySet {
+public:
+    /** An empty set. */
+    IFC2X3PropertySet() noexcept;
+
+    /** A deep copy with exactly as much room as it needs. Without memory for the list it is empty; without memory for a
+     * property it throws `std::bad_alloc`. */
+    IFC2X3PropertySet(const IFC2X3PropertySet& other);
+
+    /** Takes the properties over; @p other is empty afterwards. */
+    IFC2X3PropertySet(IFC2X3PropertySet&& other) noexcept;
+
+    /** A deep copy, as the copy constructor makes it; when that throws, this set is unchanged. */
+    IFC2X3PropertySet& operator=(const IFC2X3PropertySet& other);
+
+    /** Takes the properties over; @p other is empty afterwards. */
+    IFC2X3PropertySet& operator=(IFC2X3PropertySet&& other) noexcept;
+    ~IFC2X3PropertySet();
+
+    /** Number of properties. */
+    unsigned int getCount() const;
+
+    /** The property at an index, owned by the set; a shared property of Type_Null for an index beyond the last. */
+    const IFC2X3Property& getProperty(unsigned int index) const;
+
+    /** Appends a deep copy. Without memory for a longer list nothing is added, silently; without memory for the
+     * property `std::bad_alloc` is thrown and the set is unchanged. */
+    void addProperty(const IFC2X3Property& property);
+
+    /** Appends the property, whose value is taken over; otherwise as the copying form. */
+    void addProperty(IFC2X3Property&& property);
+
+    /** Removes all properties; the room of the list is kept. */
+    void clear();
+
+private:
+    friend class PSetBuilder;
+
+    void swap(IFC2X3PropertySet& other) noexcept;
+    bool hasRoom();
+    void append(std::unique_ptr<IFC2X3Property> property);
+
+    unsigned int count_ = 0;
+    unsigned int capacity_ = 0;
+    IFC2X3Property** properties_ = nullptr;
+};
+
+} // namespace ImportCommon
+
+#include <ImportCommon/IFC2X3Property.h> // what the set holds

@@ -1,0 +1,18 @@
+#include "PSetBuilder.h"
+
+#include <ImportCommon/IFC2X3_PSet_BeamCommon.h>
+
+namespace ImportCommon {
+
+IFC2X3_PSet_BeamCommon_s::operator IFC2X3_PSet_Custom_s() const {
+    return PSetBuilder(L"Pset_BeamCommon")
+        .text(L"Reference", Reference)
+        .lengthOrAngle(L"Span", Span, SpanKind, hasSpan)
+        .lengthOrAngle(L"Slope", Slope, SlopeKind, hasSlope)
+        .text(L"FireRating", FireRating)
+        .flag(L"IsExternal", IsExternal)
+        .flag(L"IsLoadBearing", IsLoadBearing)
+        .take();
+}
+
+} // namespace ImportCommon

@@ -1,0 +1,18 @@
+#include <ImportCommon/IFC2X3_PSet_Custom.h>
+
+namespace ImportCommon {
+
+IFC2X3_PSet_Custom_s::IFC2X3_PSet_Custom_s() : globalId{}, name{}, description{} {
+}
+
+IFC2X3_PSet_Custom_s::IFC2X3_PSet_Custom_s(const IFC2X3_PSet_Custom_s& other) = default;
+
+IFC2X3_PSet_Custom_s::IFC2X3_PSet_Custom_s(IFC2X3_PSet_Custom_s&& other) noexcept = default;
+
+IFC2X3_PSet_Custom_s& IFC2X3_PSet_Custom_s::operator=(const IFC2X3_PSet_Custom_s& other) = default;
+
+IFC2X3_PSet_Custom_s& IFC2X3_PSet_Custom_s::operator=(IFC2X3_PSet_Custom_s&& other) noexcept = default;
+
+IFC2X3_PSet_Custom_s::~IFC2X3_PSet_Custom_s() = default;
+
+} // namespace ImportCommon

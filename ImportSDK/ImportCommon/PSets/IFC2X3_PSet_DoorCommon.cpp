@@ -1,0 +1,24 @@
+#include "PSetBuilder.h"
+
+#include <ImportCommon/IFC2X3_PSet_DoorCommon.h>
+
+namespace ImportCommon {
+
+IFC2X3_PSet_DoorCommon_s::operator IFC2X3_PSet_Custom_s() const {
+    return PSetBuilder(L"Pset_DoorCommon")
+        .text(L"Reference", Reference)
+        .text(L"FireRating", FireRating)
+        .text(L"AcousticRating", AcousticRating)
+        .text(L"SecurityRating", SecurityRating)
+        .real(L"Infiltration", Infiltration, hasInfiltration)
+        .real(L"ThermalTransmittance", ThermalTransmittance, hasThermalTransmittance)
+        .real(L"GlazingAreaFraction", GlazingAreaFraction, hasGlazingAreaFraction)
+        .flag(L"HandicapAccessible", HandicapAccessible, hasHandicapAccessible)
+        .flag(L"FireExit", IsExternal)
+        .flag(L"SelfClosing", SelfClosing)
+        .flag(L"SmokeStop", SmokeStop)
+        .flag(L"IsExternal", IsExternal)
+        .take();
+}
+
+} // namespace ImportCommon

@@ -1,0 +1,20 @@
+#include "PSetBuilder.h"
+
+#include <ImportCommon/IFC2X3_PSet_RampCommon.h>
+
+namespace ImportCommon {
+
+IFC2X3_PSet_RampCommon_s::operator IFC2X3_PSet_Custom_s() const {
+    return PSetBuilder(L"Pset_RampCommon")
+        .text(L"Reference", Reference)
+        .text(L"FireRating", FireRating)
+        .lengthOrAngle(L"Slope", Slope, SlopeKind, hasSlope)
+        .length(L"RequiredHeadroom", RequiredHeadroom, hasRequiredHeadroom)
+        .flag(L"HasNonSkidSurface", HasNonSkidSurface, hasHasNonSkidSurface)
+        .flag(L"IsHandicapAccessible", IsHandicapAccessible)
+        .flag(L"IsExternal", IsExternal)
+        .flag(L"FireExit", FireExit)
+        .take();
+}
+
+} // namespace ImportCommon

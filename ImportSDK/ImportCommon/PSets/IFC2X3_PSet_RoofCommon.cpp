@@ -1,0 +1,15 @@
+#include "PSetBuilder.h"
+
+#include <ImportCommon/IFC2X3_PSet_RoofCommon.h>
+
+namespace ImportCommon {
+
+IFC2X3_PSet_RoofCommon_s::operator IFC2X3_PSet_Custom_s() const {
+    return PSetBuilder(L"Pset_RoofCommon")
+        .text(L"Reference", Reference)
+        .text(L"FireRating", FireRating)
+        .flag(L"IsExternal", IsExternal)
+        .take();
+}
+
+} // namespace ImportCommon
