@@ -260,30 +260,6 @@ int findunique(const dbf_index* index, const void* row, uint32_t& position) {
     return position == nosuchrow ? DBF_NOTFOUND : DBF_OK;
 }
 
-/** Overwrites a row and moves it in the indexes whose key changes; @p unchanged, if any, is not looked at. */
-int overwriterow(dbf_table* table, uint32_t position, const void* row, const dbf_index* unchanged) {
-    char* stored = dbf_rowat(table, dbf_rowidat(table, position));
-    for (dbf_index* index = table->indexes; index != nullptr; index = index->next) {
-        index->changed = 0;
-        if (index == unchanged || dbf_comparerow(index, stored, row) == 0) {
-            continue;
-        }
-        index->rowhash = dbf_calculatehash(index, row);
-        if (index->unique != 0 && dbf_findposition(index, index->rowhash, row) != nosuchrow) {
-            return DBF_DUPLICATE;
-        }
-        index->changed = 1;
-    }
-    for (dbf_index* index = table->indexes; index != nullptr; index = index->next) {
-        if (index->changed != 0) {
-            dbf_removeentry_index(index, position);
-            dbf_hashentry_index(index, position, index->rowhash);
-        }
-    }
-    std::memcpy(stored, row, static_cast<size_t>(table->rowsize));
-    return DBF_OK;
-}
-
 } // namespace
 
 void* dbf_allocate(size_t size, const char* what) {
@@ -365,6 +341,35 @@ int dbf_insert(dbf_table* table, const void* row) {
     return DBF_OK;
 }
 
+int dbf_overwriterow(dbf_table* table, dbf_rowid rowid, const void* row, const dbf_index* unchanged) {
+    char* stored = dbf_rowat(table, rowid);
+    const uint32_t position = dbf_position(table, rowid.bucket, rowid.slot);
+    for (dbf_index* index = table->indexes; index != nullptr; index = index->next) {
+        index->changed = 0;
+        if (index == unchanged || dbf_comparerow(index, stored, row) == 0) {
+            continue;
+        }
+        index->rowhash = dbf_calculatehash(index, row);
+        if (index->unique != 0 && dbf_findposition(index, index->rowhash, row) != nosuchrow) {
+            return DBF_DUPLICATE;
+        }
+        index->changed = 1;
+    }
+    for (dbf_index* index = table->indexes; index != nullptr; index = index->next) {
+        if (index->changed != 0) {
+            dbf_removeentry_index(index, position);
+            dbf_hashentry_index(index, position, index->rowhash);
+        }
+    }
+    std::memcpy(stored, row, static_cast<size_t>(table->rowsize));
+    return DBF_OK;
+}
+
+void dbf_deleterow(dbf_table* table, dbf_rowid rowid) {
+    dbf_removeentry(table, dbf_position(table, rowid.bucket, rowid.slot));
+    releaseslot(table, rowid);
+}
+
 int dbf_select(dbf_index* index, void* row) {
     uint32_t position = 0;
     const int result = findunique(index, row, position);
@@ -378,15 +383,14 @@ int dbf_select(dbf_index* index, void* row) {
 int dbf_update(dbf_index* index, const void* row) {
     uint32_t position = 0;
     const int result = findunique(index, row, position);
-    return result == DBF_OK ? overwriterow(index->table, position, row, index) : result;
+    return result == DBF_OK ? dbf_overwriterow(index->table, dbf_rowidat(index->table, position), row, index) : result;
 }
 
 int dbf_delete(dbf_index* index, const void* row) {
     uint32_t position = 0;
     const int result = findunique(index, row, position);
     if (result == DBF_OK) {
-        dbf_removeentry(index->table, position);
-        releaseslot(index->table, dbf_rowidat(index->table, position));
+        dbf_deleterow(index->table, dbf_rowidat(index->table, position));
     }
     return result;
 }

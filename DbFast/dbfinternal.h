@@ -62,6 +62,13 @@ struct dbf_link {
 constexpr uint32_t firstinchain = 0x80000000;
 constexpr uint32_t nosuchrow = 0xFFFFFFFF;
 
+struct dbf_cursor {
+    int32_t position;
+    int32_t count;
+    dbf_rowid* matches;
+    dbf_table* table;
+};
+
 struct dbf_index {
     int32_t unique;
     int32_t keyfieldcount;
@@ -107,6 +114,20 @@ T* dbf_allocatearray(size_t count, const char* what) {
 inline uint64_t dbf_capacity(const dbf_table* table) {
     return static_cast<uint64_t>(table->bucketcount) * static_cast<uint64_t>(table->rowsperbucket);
 }
+
+/** Whether there is a row at a location that may be out of date. */
+inline bool dbf_rowexists(const dbf_table* table, dbf_rowid rowid) {
+    return rowid.bucket < table->bucketcount && dbf_isoccupied(table->buckets[rowid.bucket], rowid.slot);
+}
+
+/**
+ * Overwrites a row and moves it in the indexes whose key changes; @p unchanged, if any, is not looked at. DBF_OK, or
+ * DBF_DUPLICATE with nothing changed.
+ */
+int dbf_overwriterow(dbf_table* table, dbf_rowid rowid, const void* row, const dbf_index* unchanged);
+
+/** Takes a row out of all indexes and frees its slot. */
+void dbf_deleterow(dbf_table* table, dbf_rowid rowid);
 
 /** The key's 32-bit hash; its top `hashbits` bits are the number of the key's chain. */
 uint32_t dbf_calculatehash(const dbf_index* index, const void* row);

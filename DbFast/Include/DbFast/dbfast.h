@@ -163,6 +163,50 @@ DBFAST_API const dbf_rowid* dbf_findhashmatch(dbf_index* index, const void* keyr
  */
 DBFAST_API const dbf_rowid* dbf_findhashmatch_next(dbf_index* index, const void* keyrow, const dbf_rowid* match);
 
+/**
+ * Opens a cursor over all rows, in storage order: bucket by bucket, slot by slot.
+ *
+ * A cursor holds the locations of its rows as they were when it was opened. Rows inserted later are not seen. Close a
+ * cursor before its table is dropped.
+ * @return the cursor, owned by the caller until dbf_closecursor; null without memory
+ */
+DBFAST_API dbf_cursor* dbf_opencursor_all(dbf_table* table);
+
+/**
+ * Opens a cursor over the rows whose key fields equal those of @p keyrow, newest first. The index may be unique or not.
+ * @return as dbf_opencursor_all
+ */
+DBFAST_API dbf_cursor* dbf_opencursor(dbf_index* index, const void* keyrow);
+
+/**
+ * Goes to the next row and copies it into @p row.
+ * @return DBF_OK; DBF_NOTFOUND at the end, and once for a row that was deleted since (the next call goes on behind it;
+ *         dbf_getcursorrowcount tells the two apart)
+ */
+DBFAST_API int dbf_fetch(dbf_cursor* cursor, void* row);
+
+/** Number of rows not fetched yet, deleted ones included. */
+DBFAST_API int dbf_getcursorrowcount(dbf_cursor* cursor);
+
+/**
+ * Overwrites the row fetched last and moves it in every index whose key changes.
+ * @return DBF_OK; DBF_NOTFOUND before the first fetch or when the row is gone; DBF_DUPLICATE when a unique index has
+ * the new key already (nothing was changed)
+ */
+DBFAST_API int dbf_updatecurrent(dbf_cursor* cursor, const void* row);
+
+/**
+ * Deletes the row fetched last; the cursor goes on behind it.
+ * @return DBF_OK; DBF_NOTFOUND before the first fetch or when the row is gone
+ */
+DBFAST_API int dbf_deletecurrent(dbf_cursor* cursor);
+
+/**
+ * Closes a cursor.
+ * @return DBF_OK
+ */
+DBFAST_API int dbf_closecursor(dbf_cursor* cursor);
+
 #ifdef __cplusplus
 }
 #endif

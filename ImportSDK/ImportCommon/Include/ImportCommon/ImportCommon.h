@@ -9,12 +9,15 @@
 #include <ImportCommon/CIFC2X3Property.h>
 #include <ImportCommon/CIFC2X3PropertyComplex.h>
 #include <ImportCommon/CIFC2X3PropertySingleValue.h>
+#include <ImportCommon/CriticalSection.h>
 #include <ImportCommon/DxKDTree.h>
 #include <ImportCommon/DynamicLibrary.h>
 #include <ImportCommon/EnvironmentVariables.h>
 #include <ImportCommon/ExternalGUID.h>
 #include <ImportCommon/ExternalGUIDDatabase.h>
 #include <ImportCommon/ExternalVersion.h>
+#include <ImportCommon/FileOperations.h>
+#include <ImportCommon/FileStream.h>
 #include <ImportCommon/ForeignObjectEnv.h>
 #include <ImportCommon/ForeignObjectSolid.h>
 #include <ImportCommon/IFC2X3Property.h>
@@ -38,5 +41,8 @@
 #include <ImportCommon/IFC2X3_PSet_WindowCommon.h>
 #include <ImportCommon/KitDebug.h>
 #include <ImportCommon/PngTexture.h>
+#include <ImportCommon/ProcessOperations.h>
 #include <ImportCommon/ReferenceObjectClass.h>
+#include <ImportCommon/Signal.h>
 #include <ImportCommon/StringOperations.h>
+#include <ImportCommon/ThreadOperations.h>

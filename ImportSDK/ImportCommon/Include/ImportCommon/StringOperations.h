@@ -25,6 +25,19 @@ namespace ImportCommon {
  */
 class IMPORT_COMMON_API StringOperations {
 public:
+    /** Character sets of single-byte text, by the number of their code page; other values mean none of these. */
+    enum CharSet_e : int {
+        CharSet_ISO8859_1 = 28591, ///< Latin-1, western European
+        CharSet_ISO8859_2 = 28592, ///< Latin-2, central European
+        CharSet_ISO8859_3 = 28593, ///< Latin-3, southern European
+        CharSet_ISO8859_4 = 28594, ///< Latin-4, northern European
+        CharSet_ISO8859_5 = 28595, ///< Cyrillic
+        CharSet_ISO8859_6 = 28596, ///< Arabic
+        CharSet_ISO8859_7 = 28597, ///< Greek, first edition (1987)
+        CharSet_ISO8859_8 = 28598, ///< Hebrew, first edition (1988)
+        CharSet_ISO8859_9 = 28599  ///< Latin-5, Turkish
+    };
+
     /**
      * Counts the characters of UTF-8 text up to its zero byte or @p n bytes, whichever comes first.
      *
@@ -114,6 +127,21 @@ public:
 
     /** Decodes the locale's narrow text, which is UTF-8 here, up to its first zero byte. */
     static std::wstring ConvertFromCurrentLocale(const std::string& s);
+
+    /**
+     * The character of a byte in a character set. Positions that a set leaves unassigned give private-use characters
+     * from U+F79C to U+F7FB. In a set that is none of CharSet_e the byte is taken as a signed number, so that 0x80 to
+     * 0xFF give negative values; that is meant.
+     */
+    static wchar_t ConvertIsoLatinToWideChar(CharSet_e set, char c);
+
+    /**
+     * Converts text to ISO 8859-1 if all of it fits.
+     * @param out  receives the text; when a character above 255 is met, the bytes before it, and zeros up to the length
+     *             of @p w. Negative characters are stored by their low byte.
+     * @return whether every character fits
+     */
+    static bool TryConvertToIsoLatin1(const std::wstring& w, std::string& out);
 };
 
 } // namespace ImportCommon

@@ -1,0 +1,49 @@
+/**
+ * @file CriticalSection.h
+ * A lock between threads.
+ */
+#pragma once
+
+#include <ImportCommon/Export.h>
+
+#include <pthread.h>
+
+#include <atomic>
+
+namespace ImportCommon {
+
+/** A mutex that one thread enters at a time; a thread that enters twice waits for itself for ever. */
+class IMPORT_COMMON_API CriticalSection {
+public:
+    /** Enters a section for as long as it lives; does nothing for a null section. */
+    class IMPORT_COMMON_API Lock {
+    public:
+        explicit Lock(CriticalSection* section);
+        ~Lock();
+
+        Lock(const Lock&) = delete;
+        Lock& operator=(const Lock&) = delete;
+
+    private:
+        CriticalSection* section_;
+    };
+
+    /** Without memory for the mutex, entering and leaving give an error. */
+    CriticalSection();
+    ~CriticalSection();
+
+    CriticalSection(const CriticalSection&) = delete;
+    CriticalSection& operator=(const CriticalSection&) = delete;
+
+    /** Notes @p lock, which may be null, and locks the mutex. @return 0 or the system's error number */
+    int Enter(Lock* lock);
+
+    /** Unlocks the mutex; @p lock is not looked at. @return 0 or the system's error number */
+    int Leave(Lock* lock);
+
+private:
+    pthread_mutex_t* mutex_;
+    std::atomic<Lock*> owner_;
+};
+
+} // namespace ImportCommon

@@ -1,0 +1,126 @@
+/**
+ * @file FileOperations.h
+ * Files, folders and paths.
+ */
+#pragma once
+
+#include <ImportCommon/Export.h>
+
+#include <string>
+#include <vector>
+
+namespace ImportCommon {
+
+/** A local time as the system breaks it down: years since 1900 and months from 0. That is meant. */
+struct SystemTime_s {
+    unsigned short year;   ///< since 1900
+    unsigned short month;  ///< 0 to 11
+    unsigned short day;    ///< 1 to 31
+    unsigned short hour;   ///< 0 to 23
+    unsigned short minute; ///< 0 to 59
+    unsigned short second; ///< 0 to 60
+};
+
+/**
+ * Files, folders and paths, as wide text. Nothing here throws except for lack of memory, and nothing is logged: a
+ * failure of the system becomes false, 0 or an empty text. Symbolic links are followed.
+ */
+class IMPORT_COMMON_API FileOperations {
+public:
+    /** Whether a regular file is at the path; a socket counts as one, since just the bit of regular files is tested. */
+    static bool Exists(const std::wstring& path);
+
+    /** Whether a folder is at the path; a block device or a socket counts as one, since just a bit is tested. */
+    static bool IsDirectory(const std::wstring& path);
+
+    /** Removes a file. */
+    static bool Delete(const std::wstring& path);
+
+    /** Makes one folder with mode 0755; its parent must exist. */
+    static bool MakeDirectory(const std::wstring& path);
+
+    /** Removes an empty folder. */
+    static bool DeleteDirectory(std::wstring path);
+
+    /** Whether the owner may read the file, whoever asks. */
+    static bool HasReadAccess(const std::wstring& path);
+
+    /** Whether the owner may write the file, whoever asks. */
+    static bool HasWriteAccess(const std::wstring& path);
+
+    /** Size in bytes; 0 for a file that can't be examined. */
+    static unsigned long long GetFileSize(const std::wstring& path);
+
+    /** Free bytes of the path's file system, those reserved for the superuser included; 0 on failure. */
+    static unsigned long long GetFreeBytesAvailable(const std::wstring& path);
+
+    /** Time of the last change in units of 100 nanoseconds since 1601-01-01 00:00 UTC; 0 on failure. */
+    static unsigned long long GetFileLastWriteTime(const std::wstring& path);
+
+    /** A time of GetFileLastWriteTime as local time; all zero for one that the system can't break down. */
+    static SystemTime_s ConvertToSystemTime(unsigned long long time);
+
+    /** Always "no time on OSX". */
+    static std::wstring ConvertSystemTimeToTimeString(const SystemTime_s& time);
+
+    /** Always "no time on OSX". */
+    static std::wstring ConvertSystemTimeToDateString(const SystemTime_s& time);
+
+    /**
+     * The absolute path without links and dots. A path that begins with "/" is returned as it is. A bare name that
+     * doesn't exist is put behind the current folder; of a longer path that doesn't exist comes back what the system
+     * could resolve. Empty when the result would be longer than the system's longest path.
+     */
+    static std::wstring GetFullPath(const std::wstring& path);
+
+    /** The last component of the path; "." for an empty path. */
+    static std::wstring GetFileWithoutPath(const std::wstring& path);
+
+    /** The last component up to its last "."; the spelling of the name is part of the interface. */
+    static std::wstring GetFileWithoutExtenstion(const std::wstring& path);
+
+    /**
+     * The folder of an existing file, absolute, without a slash at its end; empty on failure. A path that begins with
+     * "/" is returned whole, its file part included; that is meant.
+     */
+    static std::wstring GetFullFolder(const std::wstring& path);
+
+    /** Always empty on this platform. */
+    static std::wstring GetModuleByAddress(const void* address);
+
+    /**
+     * Whether a file name ends as one of the patterns in a list like `*.ifc|*.ifcxml` says, in either case of ASCII
+     * letters. An empty list matches everything; an empty pattern ends the list.
+     */
+    static bool MatchExtension(const std::wstring& file, const std::wstring& extensions);
+
+    /** Length of the first pattern of a list: up to "|" or the end. */
+    static unsigned int ParseExtension(const wchar_t* extensions);
+
+    /**
+     * Whether a file name ends as a pattern of @p length characters does. The first character of either is never
+     * looked at, and a name that is shorter than the pattern matches when all its characters do.
+     */
+    static bool MatchExtension(const std::wstring& file, const wchar_t* pattern, unsigned int length);
+
+    /** The path with "/" added, unless it is empty or ends with a slash or backslash. */
+    static std::wstring InsertEndingDirectorySlash(const std::wstring& path);
+
+    /**
+     * Paths of all entries of a folder that aren't folders, in the system's order; empty when the folder can't be read.
+     * Entries whose names aren't valid UTF-8 of the Basic Multilingual Plane are left out.
+     */
+    static std::vector<std::wstring> ScanFilesInDirectory(const std::wstring& directory);
+
+    /** Not available on this platform: gives four zeros and true. */
+    static bool GetProductVersion(const std::wstring& path, unsigned int* major, unsigned int* minor,
+                                  unsigned int* revision, unsigned int* build);
+
+    /** Not available on this platform: does nothing, and leaves the results as they are. */
+    static void oe_file_access_core(const std::wstring& path, bool* readable, bool* writable);
+
+    /** Upper case of an ASCII letter; any other value unchanged. */
+    static int MyToUpper(int character);
+};
+
+} // namespace ImportCommon

@@ -1,0 +1,67 @@
+/**
+ * @file FileStream.h
+ * Whole blocks to and from a standard stream.
+ */
+#pragma once
+
+#include <ImportCommon/Export.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace ImportCommon {
+
+/**
+ * A standard stream, owned or borrowed. The factories return an object that the caller deletes, or null on failure;
+ * without memory they throw nothing and return null.
+ */
+class IMPORT_COMMON_API FileStream {
+public:
+    /** No stream: reads and writes fail. */
+    FileStream();
+
+    /** A stream on @p handle, which is closed with this object if @p owns says so. */
+    FileStream(FILE* handle, bool owns);
+    ~FileStream();
+
+    FileStream(const FileStream&) = delete;
+    FileStream& operator=(const FileStream&) = delete;
+
+    /** Creates and opens a new file "/tmp/QLM." with eight more characters. It is not removed when it is closed. */
+    static FileStream* createTemporaryFile();
+
+    /** Opens an existing file. */
+    static FileStream* openFileForReading(const std::wstring& path);
+
+    /** Creates a file, or empties an existing one, and opens it for writing and reading. */
+    static FileStream* createFileForWriting(const std::wstring& path);
+
+    /** A stream on a handle that stays open when the stream is deleted. */
+    static FileStream* createFromHandle(FILE* handle);
+
+    /** Goes to the start. */
+    void seekToBegin();
+
+    /** Goes to a byte; a failure is not reported. */
+    void seekToOffset(unsigned long offset);
+
+    /**
+     * Reads up to @p size bytes into @p out, which is resized to what was read. Only the low 32 bits of the size count,
+     * as a signed number; a negative one reads nothing. Throws `std::bad_alloc` without memory.
+     * @return whether anything was read; false without a handle, which leaves @p out as it is
+     */
+    bool read(unsigned long size, std::vector<char>& out);
+
+    /** Writes @p size bytes. @return whether all were written; never for 2 GiB and more, though they are written */
+    bool write(unsigned long size, const char* data);
+
+    /** The stream's handle, owned as before; null without one. */
+    FILE* getHandle() const;
+
+private:
+    FILE* handle_;
+    bool owns_;
+};
+
+} // namespace ImportCommon

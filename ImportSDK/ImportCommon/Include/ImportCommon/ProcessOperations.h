@@ -1,0 +1,32 @@
+/**
+ * @file ProcessOperations.h
+ * Processes, which are not available on this platform.
+ */
+#pragma once
+
+#include <ImportCommon/Export.h>
+
+#include <string>
+
+namespace ImportCommon {
+
+/** Processes. Not available on this platform: every function gives a fixed result. */
+class IMPORT_COMMON_API ProcessOperations {
+public:
+    /** Starts nothing. @return InvalidHandle() */
+    static int createProcess(const std::wstring& path, const std::wstring& arguments, bool flag);
+
+    /** Does nothing. */
+    static void terminateProcess(int process, unsigned int exitCode);
+
+    /** Does nothing. */
+    static void closeProcess(int process);
+
+    /** Always true; @p exitCode is left as it is. */
+    static bool hasEnded(int process, unsigned int* exitCode);
+
+    /** The handle of no process: 0. */
+    static int InvalidHandle();
+};
+
+} // namespace ImportCommon

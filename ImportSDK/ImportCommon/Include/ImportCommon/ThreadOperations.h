@@ -1,0 +1,48 @@
+/**
+ * @file ThreadOperations.h
+ * Threads.
+ */
+#pragma once
+
+#include <ImportCommon/Export.h>
+
+#include <pthread.h>
+
+namespace ImportCommon {
+
+/** Threads. Only one thread at a time may create, close or ask about threads. */
+class IMPORT_COMMON_API ThreadOperations {
+public:
+    /**
+     * Starts a thread that calls @p function with a copy of @p data.
+     *
+     * The copy is made on the new thread and this call doesn't wait for it: @p data must stay valid until the thread
+     * has started. The copy is released when the function returns; it is null when there was no memory for it. A few
+     * dozen bytes per thread are kept until the process ends.
+     *
+     * @param size  number of bytes at @p data
+     * @param flag  has no effect on this platform
+     * @return the thread, to be given to closeThread; 0 when it could not be started. Throws `std::bad_alloc` without
+     *         memory for its event.
+     */
+    static pthread_t createThread(unsigned int (*function)(void* data, unsigned long size), const void* data,
+                                  unsigned long size, bool flag);
+
+    /** Does nothing: threads can't be killed on this platform. */
+    static void terminateThread(pthread_t thread, unsigned int exitCode);
+
+    /**
+     * Waits for a thread to end and forgets it; a thread is closed once.
+     * @return 1; 0 for a thread that createThread didn't start
+     */
+    static int closeThread(pthread_t thread);
+
+    /** Whether the thread was started by createThread and is not closed yet, running or not; that is meant. @p exitCode
+     * is left as it is. */
+    static bool hasEnded(pthread_t thread, unsigned int* exitCode);
+
+    /** Sleeps. @return 0, or -1 when the system refuses */
+    static int usleep(int microseconds);
+};
+
+} // namespace ImportCommon

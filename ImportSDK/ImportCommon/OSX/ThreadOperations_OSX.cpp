@@ -1,0 +1,85 @@
+#include <ImportCommon/Signal.h>
+#include <ImportCommon/ThreadOperations.h>
+
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <set>
+
+namespace ImportCommon {
+
+namespace {
+
+/** What a new thread starts from. It is never released; a list keeps all of them reachable. */
+struct Launch {
+    unsigned int (*function)(void*, unsigned long);
+    const void* data;
+    unsigned long size;
+    std::unique_ptr<Signal> started;
+    Launch* earlier;
+};
+
+/** Threads that were created and not closed yet. */
+std::set<pthread_t> s_pthreads;
+
+Launch* latestLaunch = nullptr;
+
+void* threadStart(void* argument) {
+    const Launch* launch = static_cast<const Launch*>(argument);
+    void* copy = std::malloc(launch->size);
+    if (copy != nullptr && launch->size > 0) {
+        std::memcpy(copy, launch->data, launch->size);
+    }
+    launch->started->raise();
+    const unsigned int result = launch->function(copy, launch->size);
+    std::free(copy);
+    return reinterpret_cast<void*>(static_cast<std::uintptr_t>(result));
+}
+
+} // namespace
+
+pthread_t ThreadOperations::createThread(unsigned int (*function)(void* data, unsigned long size), const void* data,
+                                         unsigned long size, bool) {
+    std::unique_ptr<Launch> launch(new (std::nothrow) Launch{function, data, size, nullptr, latestLaunch});
+    if (!launch) {
+        return pthread_t{};
+    }
+    launch->started = std::make_unique<Signal>();
+    // The place in the set comes first: once the thread runs nothing may fail any more.
+    std::set<pthread_t> place = {pthread_t{}};
+    auto node = place.extract(place.begin());
+    pthread_t thread;
+    if (pthread_create(&thread, nullptr, threadStart, launch.get()) != 0) {
+        return pthread_t{};
+    }
+    latestLaunch = launch.release();
+    node.value() = thread;
+    s_pthreads.insert(std::move(node));
+    return thread;
+}
+
+void ThreadOperations::terminateThread(pthread_t, unsigned int) {
+}
+
+int ThreadOperations::closeThread(pthread_t thread) {
+    if (thread == pthread_t{}) {
+        return 0;
+    }
+    void* exitValue = nullptr;
+    pthread_join(thread, &exitValue);
+    return static_cast<int>(s_pthreads.erase(thread));
+}
+
+bool ThreadOperations::hasEnded(pthread_t thread, unsigned int*) {
+    return s_pthreads.count(thread) != 0;
+}
+
+int ThreadOperations::usleep(int microseconds) {
+    return ::usleep(static_cast<useconds_t>(microseconds));
+}
+
+} // namespace ImportCommon
