@@ -22,13 +22,13 @@ IFC2X3Property::IFC2X3Property() : type_(Type_Null), name_{}, description_{} {
 
 IFC2X3Property::IFC2X3Property(const IFC2X3Property& other)
     : type_(other.type_),
-      singleValue_(other.singleValue_ ? new IFC2X3PropertySingleValue(*other.singleValue_) : nullptr),
+      singleValue_(other.singleValue_),
       complex_(other.complex_ ? new IFC2X3PropertyComplex(*other.complex_) : nullptr) {
     copyTexts(other);
 }
 
 IFC2X3Property::IFC2X3Property(IFC2X3Property&& other) noexcept
-    : type_(other.type_), singleValue_(std::move(other.singleValue_)), complex_(std::move(other.complex_)) {
+    : type_(other.type_), singleValue_(other.singleValue_), complex_(std::move(other.complex_)) {
     copyTexts(other);
     other.becomeNull();
 }
@@ -37,9 +37,7 @@ IFC2X3Property::IFC2X3Property(const wchar_t* name, const wchar_t* description,
                                IFC2X3PropertySingleValue::ValueType_t type, bool boolValue,
                                IFC2X3PropertySingleValue::Logical_s logicalValue, int intValue, long long int64Value,
                                double realValue, const wchar_t* text)
-    : type_(Type_SingleValue),
-      singleValue_(
-          new IFC2X3PropertySingleValue(type, boolValue, logicalValue, intValue, int64Value, realValue, text)) {
+    : type_(Type_SingleValue), singleValue_(type, boolValue, logicalValue, intValue, int64Value, realValue, text) {
     copyPropertyText<textSize>(name_, name);
     copyPropertyText<textSize>(description_, description);
 }
@@ -63,7 +61,7 @@ IFC2X3Property& IFC2X3Property::operator=(IFC2X3Property&& other) noexcept {
         // The other property may stand in this property's set, which must outlive the move.
         const std::unique_ptr<IFC2X3PropertyComplex> replaced = std::move(complex_);
         type_ = other.type_;
-        singleValue_ = std::move(other.singleValue_);
+        singleValue_ = other.singleValue_;
         complex_ = std::move(other.complex_);
         copyTexts(other);
         other.becomeNull();
@@ -105,10 +103,7 @@ const wchar_t* IFC2X3Property::getDescription2() const {
 
 const IFC2X3PropertySingleValue& IFC2X3Property::getPropertySingleValue() const {
     static const CIFC2X3PropertySingleValueNull none;
-    if (type_ != Type_SingleValue || !singleValue_) {
-        return none;
-    }
-    return *singleValue_;
+    return type_ == Type_SingleValue ? singleValue_ : static_cast<const IFC2X3PropertySingleValue&>(none);
 }
 
 const IFC2X3PropertyComplex& IFC2X3Property::getPropertyComplex() const {

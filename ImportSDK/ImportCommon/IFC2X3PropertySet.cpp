@@ -1,7 +1,10 @@
 #include <ImportCommon/IFC2X3Property.h>
 #include <ImportCommon/IFC2X3PropertySet.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdlib>
+#include <new>
 #include <utility>
 
 namespace ImportCommon {
@@ -9,11 +12,45 @@ namespace ImportCommon {
 namespace {
 
 constexpr unsigned int growth = 50;
+constexpr unsigned int propertiesPerChunk = 4;
 
 /** What a set shows at an index that it doesn't have. */
 class CIFC2X3PropertyNull : public IFC2X3Property {};
 
 } // namespace
+
+/**
+ * Memory for several properties; they stand behind it. A property is three kilobytes of inline text, so that asking for
+ * memory one by one would cost more than writing it.
+ */
+struct alignas(std::max_align_t) IFC2X3PropertySet::Chunk_s {
+    Chunk_s* next;
+    unsigned int capacity;
+    unsigned int used;
+
+    IFC2X3Property* properties() { return reinterpret_cast<IFC2X3Property*>(this + 1); }
+};
+
+/** Memory for a property, in a chunk for at least @p expected of them if a new one is needed. */
+void* IFC2X3PropertySet::placeForProperty(unsigned int expected) {
+    if (chunks_ == nullptr || chunks_->used == chunks_->capacity) {
+        const unsigned int capacity = std::max(expected, propertiesPerChunk);
+        void* memory = std::malloc(sizeof(Chunk_s) + capacity * sizeof(IFC2X3Property));
+        if (memory == nullptr) {
+            throw std::bad_alloc();
+        }
+        chunks_ = new (memory) Chunk_s{chunks_, capacity, 0};
+    }
+    return chunks_->properties() + chunks_->used;
+}
+
+/** Constructs a property in the room that hasRoom made; when that throws, nothing has changed. */
+template <typename... Arguments>
+void IFC2X3PropertySet::emplace(Arguments&&... arguments) {
+    properties_[count_] = new (placeForProperty(1)) IFC2X3Property(std::forward<Arguments>(arguments)...);
+    ++chunks_->used;
+    ++count_;
+}
 
 IFC2X3PropertySet::IFC2X3PropertySet() noexcept = default;
 
@@ -26,9 +63,9 @@ IFC2X3PropertySet::IFC2X3PropertySet(const IFC2X3PropertySet& other) : IFC2X3Pro
         return;
     }
     capacity_ = other.count_;
-    // The count follows what is there, so that the destructor releases just that when a copy fails.
-    for (; count_ < other.count_; ++count_) {
-        properties_[count_] = new IFC2X3Property(*other.properties_[count_]);
+    placeForProperty(other.count_);
+    while (count_ < other.count_) {
+        emplace(*other.properties_[count_]);
     }
 }
 
@@ -58,6 +95,7 @@ void IFC2X3PropertySet::swap(IFC2X3PropertySet& other) noexcept {
     std::swap(count_, other.count_);
     std::swap(capacity_, other.capacity_);
     std::swap(properties_, other.properties_);
+    std::swap(chunks_, other.chunks_);
 }
 
 unsigned int IFC2X3PropertySet::getCount() const {
@@ -74,24 +112,33 @@ const IFC2X3Property& IFC2X3PropertySet::getProperty(unsigned int index) const {
 
 void IFC2X3PropertySet::addProperty(const IFC2X3Property& property) {
     if (hasRoom()) {
-        append(std::make_unique<IFC2X3Property>(property));
+        emplace(property);
     }
 }
 
 void IFC2X3PropertySet::addProperty(IFC2X3Property&& property) {
     if (hasRoom()) {
-        append(std::make_unique<IFC2X3Property>(std::move(property)));
+        emplace(std::move(property));
+    }
+}
+
+/** As addProperty of such a property with an empty description, constructed where the set keeps it. */
+void IFC2X3PropertySet::appendSingleValue(const wchar_t* name, IFC2X3PropertySingleValue::ValueType_t type,
+                                          bool boolValue, int intValue, double realValue, const wchar_t* text) {
+    if (hasRoom()) {
+        emplace(name, L"", type, boolValue, IFC2X3PropertySingleValue::Logical_Unknown, intValue, 0LL, realValue, text);
     }
 }
 
 void IFC2X3PropertySet::clear() {
-    for (unsigned int i = 0; i < count_; ++i) {
-        delete properties_[i];
-    }
+    std::for_each(properties_, properties_ + count_, [](IFC2X3Property* property) { property->~IFC2X3Property(); });
     count_ = 0;
+    while (chunks_ != nullptr) {
+        std::free(std::exchange(chunks_, chunks_->next));
+    }
 }
 
-/** Makes room for one more property, if there is memory for it. */
+/** Makes room in the list for one more property, if there is memory for it. */
 bool IFC2X3PropertySet::hasRoom() {
     if (count_ == capacity_) {
         void* grown = std::realloc(properties_, (std::size_t{capacity_} + growth) * sizeof(IFC2X3Property*));
@@ -102,11 +149,6 @@ bool IFC2X3PropertySet::hasRoom() {
         capacity_ += growth;
     }
     return true;
-}
-
-/** Puts the property in the room that hasRoom made. */
-void IFC2X3PropertySet::append(std::unique_ptr<IFC2X3Property> property) {
-    properties_[count_++] = property.release();
 }
 
 } // namespace ImportCommon

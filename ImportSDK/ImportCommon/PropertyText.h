@@ -17,7 +17,7 @@ namespace ImportCommon {
 template <std::size_t Size, std::size_t N>
 void copyPropertyText(wchar_t (&out)[N], const wchar_t* text) {
     static_assert(Size <= N, "the text must fit");
-    const std::size_t length = wcsnlen(text, Size);
+    const std::size_t length = *text == 0 ? 0 : wcsnlen(text, Size);
     std::copy_n(text, length, out);
     std::fill(out + length, out + N, L'\0');
 }

@@ -5,14 +5,15 @@
 namespace ImportCommon {
 
 IFC2X3_PSet_BeamCommon_s::operator IFC2X3_PSet_Custom_s() const {
-    return PSetBuilder(L"Pset_BeamCommon")
+    IFC2X3_PSet_Custom_s set;
+    PSetBuilder(set, L"Pset_BeamCommon")
         .text(L"Reference", Reference)
         .lengthOrAngle(L"Span", Span, SpanKind, hasSpan)
         .lengthOrAngle(L"Slope", Slope, SlopeKind, hasSlope)
         .text(L"FireRating", FireRating)
         .flag(L"IsExternal", IsExternal)
-        .flag(L"IsLoadBearing", IsLoadBearing)
-        .take();
+        .flag(L"IsLoadBearing", IsLoadBearing);
+    return set;
 }
 
 } // namespace ImportCommon

@@ -5,13 +5,14 @@
 namespace ImportCommon {
 
 IFC2X3_PSet_ColumnCommon_s::operator IFC2X3_PSet_Custom_s() const {
-    return PSetBuilder(L"Pset_ColumnCommon")
+    IFC2X3_PSet_Custom_s set;
+    PSetBuilder(set, L"Pset_ColumnCommon")
         .text(L"Reference", Reference)
         .lengthOrAngle(L"Slope", Slope, SlopeKind, hasSlope)
         .text(L"FireRating", FireRating)
         .flag(L"IsExternal", IsExternal)
-        .flag(L"IsLoadBearing", IsLoadBearing)
-        .take();
+        .flag(L"IsLoadBearing", IsLoadBearing);
+    return set;
 }
 
 } // namespace ImportCommon

@@ -5,7 +5,8 @@
 namespace ImportCommon {
 
 IFC2X3_PSet_DoorCommon_s::operator IFC2X3_PSet_Custom_s() const {
-    return PSetBuilder(L"Pset_DoorCommon")
+    IFC2X3_PSet_Custom_s set;
+    PSetBuilder(set, L"Pset_DoorCommon")
         .text(L"Reference", Reference)
         .text(L"FireRating", FireRating)
         .text(L"AcousticRating", AcousticRating)
@@ -17,8 +18,8 @@ IFC2X3_PSet_DoorCommon_s::operator IFC2X3_PSet_Custom_s() const {
         .flag(L"FireExit", IsExternal)
         .flag(L"SelfClosing", SelfClosing)
         .flag(L"SmokeStop", SmokeStop)
-        .flag(L"IsExternal", IsExternal)
-        .take();
+        .flag(L"IsExternal", IsExternal);
+    return set;
 }
 
 } // namespace ImportCommon

@@ -5,7 +5,8 @@
 namespace ImportCommon {
 
 IFC2X3_PSet_DoorWindowGlazingType_s::operator IFC2X3_PSet_Custom_s() const {
-    return PSetBuilder(L"Pset_DoorWindowGlazingType")
+    IFC2X3_PSet_Custom_s set;
+    PSetBuilder(set, L"Pset_DoorWindowGlazingType")
         .text(L"FillGas", FillGas)
         .text(L"GlassColor", GlassColor)
         .length(L"GlassThickness1", GlassThickness1, hasGlassThickness1)
@@ -21,8 +22,8 @@ IFC2X3_PSet_DoorWindowGlazingType_s::operator IFC2X3_PSet_Custom_s() const {
         .real(L"SolarHeatGainTransmittance", SolarHeatGainTransmittance, hasSolarHeatGainTransmittance)
         .real(L"ThermalTransmittanceSummer", ThermalTransmittanceSummer, hasThermalTransmittanceSummer)
         .real(L"ThermalTransmittanceWinter", ThermalTransmittanceWinter, hasThermalTransmittanceWinter)
-        .integer(L"GlassLayers", GlassLayers)
-        .take();
+        .integer(L"GlassLayers", GlassLayers);
+    return set;
 }
 
 } // namespace ImportCommon

@@ -5,11 +5,12 @@
 namespace ImportCommon {
 
 IFC2X3_PSet_DoorWindowShadingType_s::operator IFC2X3_PSet_Custom_s() const {
-    return PSetBuilder(L"Pset_DoorWindowShadingType")
+    IFC2X3_PSet_Custom_s set;
+    PSetBuilder(set, L"Pset_DoorWindowShadingType")
         .real(L"ExternalShadingCoefficient", ExternalShadingCoefficient, hasExternalShadingCoefficient)
         .real(L"InternalShadingCoefficient", InternalShadingCoefficient, hasInternalShadingCoefficient)
-        .real(L"InsetShadingCoefficient", InsetShadingCoefficient, hasInsetShadingCoefficient)
-        .take();
+        .real(L"InsetShadingCoefficient", InsetShadingCoefficient, hasInsetShadingCoefficient);
+    return set;
 }
 
 } // namespace ImportCommon

@@ -5,14 +5,15 @@
 namespace ImportCommon {
 
 IFC2X3_PSet_MemberCommon_s::operator IFC2X3_PSet_Custom_s() const {
-    return PSetBuilder(L"Pset_MemberCommon")
+    IFC2X3_PSet_Custom_s set;
+    PSetBuilder(set, L"Pset_MemberCommon")
         .text(L"Reference", Reference)
         .text(L"FireRating", FireRating)
         .lengthOrAngle(L"Span", Span, SpanKind, hasSpan)
         .lengthOrAngle(L"Slope", Slope, SlopeKind, hasSlope)
         .flag(L"IsExternal", IsExternal)
-        .flag(L"IsLoadBearing", IsLoadBearing)
-        .take();
+        .flag(L"IsLoadBearing", IsLoadBearing);
+    return set;
 }
 
 } // namespace ImportCommon

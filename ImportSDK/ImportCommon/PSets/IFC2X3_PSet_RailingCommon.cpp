@@ -5,12 +5,13 @@
 namespace ImportCommon {
 
 IFC2X3_PSet_RailingCommon_s::operator IFC2X3_PSet_Custom_s() const {
-    return PSetBuilder(L"Pset_RailingCommon")
+    IFC2X3_PSet_Custom_s set;
+    PSetBuilder(set, L"Pset_RailingCommon")
         .text(L"Reference", Reference)
         .length(L"Height", Height, hasHeight)
         .length(L"Diameter", Diameter, hasDiameter)
-        .flag(L"IsExternal", IsExternal)
-        .take();
+        .flag(L"IsExternal", IsExternal);
+    return set;
 }
 
 } // namespace ImportCommon

@@ -5,7 +5,8 @@
 namespace ImportCommon {
 
 IFC2X3_PSet_RampCommon_s::operator IFC2X3_PSet_Custom_s() const {
-    return PSetBuilder(L"Pset_RampCommon")
+    IFC2X3_PSet_Custom_s set;
+    PSetBuilder(set, L"Pset_RampCommon")
         .text(L"Reference", Reference)
         .text(L"FireRating", FireRating)
         .lengthOrAngle(L"Slope", Slope, SlopeKind, hasSlope)
@@ -13,8 +14,8 @@ IFC2X3_PSet_RampCommon_s::operator IFC2X3_PSet_Custom_s() const {
         .flag(L"HasNonSkidSurface", HasNonSkidSurface, hasHasNonSkidSurface)
         .flag(L"IsHandicapAccessible", IsHandicapAccessible)
         .flag(L"IsExternal", IsExternal)
-        .flag(L"FireExit", FireExit)
-        .take();
+        .flag(L"FireExit", FireExit);
+    return set;
 }
 
 } // namespace ImportCommon

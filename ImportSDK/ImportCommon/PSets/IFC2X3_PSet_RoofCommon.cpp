@@ -5,11 +5,12 @@
 namespace ImportCommon {
 
 IFC2X3_PSet_RoofCommon_s::operator IFC2X3_PSet_Custom_s() const {
-    return PSetBuilder(L"Pset_RoofCommon")
+    IFC2X3_PSet_Custom_s set;
+    PSetBuilder(set, L"Pset_RoofCommon")
         .text(L"Reference", Reference)
         .text(L"FireRating", FireRating)
-        .flag(L"IsExternal", IsExternal)
-        .take();
+        .flag(L"IsExternal", IsExternal);
+    return set;
 }
 
 } // namespace ImportCommon

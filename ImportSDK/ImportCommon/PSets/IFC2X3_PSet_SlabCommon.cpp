@@ -5,7 +5,8 @@
 namespace ImportCommon {
 
 IFC2X3_PSet_SlabCommon_s::operator IFC2X3_PSet_Custom_s() const {
-    return PSetBuilder(L"Pset_SlabCommon")
+    IFC2X3_PSet_Custom_s set;
+    PSetBuilder(set, L"Pset_SlabCommon")
         .text(L"Reference", Reference)
         .text(L"AcousticRating", AcousticRating)
         .text(L"SurfaceSpreadOfFlame", SurfaceSpreadOfFlame)
@@ -15,8 +16,8 @@ IFC2X3_PSet_SlabCommon_s::operator IFC2X3_PSet_Custom_s() const {
         .real(L"ThermalTransmittance", ThermalTransmittance, hasThermalTransmittance)
         .angle(L"PitchAngle", PitchAngle, hasPitchAngle)
         .flag(L"IsExternal", IsExternal)
-        .flag(L"IsLoadBearing", IsLoadBearing)
-        .take();
+        .flag(L"IsLoadBearing", IsLoadBearing);
+    return set;
 }
 
 } // namespace ImportCommon

@@ -5,7 +5,8 @@
 namespace ImportCommon {
 
 IFC2X3_PSet_StairCommon_s::operator IFC2X3_PSet_Custom_s() const {
-    return PSetBuilder(L"Pset_StairCommon")
+    IFC2X3_PSet_Custom_s set;
+    PSetBuilder(set, L"Pset_StairCommon")
         .text(L"Reference", Reference)
         .text(L"FireRating", FireRating)
         .integer(L"NumberOfRiser", NumberOfRiser, hasNumberOfRiser)
@@ -16,8 +17,8 @@ IFC2X3_PSet_StairCommon_s::operator IFC2X3_PSet_Custom_s() const {
         .flag(L"IsHandicapAccessible", IsHandicapAccessible)
         .flag(L"IsExternal", IsExternal)
         .flag(L"FireExit", FireExit)
-        .flag(L"HasNonSkidSurface", HasNonSkidSurface)
-        .take();
+        .flag(L"HasNonSkidSurface", HasNonSkidSurface);
+    return set;
 }
 
 } // namespace ImportCommon

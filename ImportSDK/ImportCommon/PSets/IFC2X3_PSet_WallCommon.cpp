@@ -5,7 +5,8 @@
 namespace ImportCommon {
 
 IFC2X3_PSet_WallCommon_s::operator IFC2X3_PSet_Custom_s() const {
-    return PSetBuilder(L"Pset_WallCommon")
+    IFC2X3_PSet_Custom_s set;
+    PSetBuilder(set, L"Pset_WallCommon")
         .text(L"Reference", Reference)
         .text(L"AcousticRating", AcousticRating)
         .text(L"FireRating", FireRating)
@@ -13,8 +14,8 @@ IFC2X3_PSet_WallCommon_s::operator IFC2X3_PSet_Custom_s() const {
         .real(L"ThermalTransmittance", ThermalTransmittance, hasThermalTransmittance)
         .flag(L"Combustible", Combustible, hasCombustible)
         .flag(L"ExtendToStructure", ExtendToStructure, hasExtendToStructure)
-        .flag(L"Compartmentation", Compartmentation, hasCompartmentation)
-        .take();
+        .flag(L"Compartmentation", Compartmentation, hasCompartmentation);
+    return set;
 }
 
 } // namespace ImportCommon

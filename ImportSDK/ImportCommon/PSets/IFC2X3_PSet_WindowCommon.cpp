@@ -5,7 +5,8 @@
 namespace ImportCommon {
 
 IFC2X3_PSet_WindowCommon_s::operator IFC2X3_PSet_Custom_s() const {
-    return PSetBuilder(L"Pset_WindowCommon")
+    IFC2X3_PSet_Custom_s set;
+    PSetBuilder(set, L"Pset_WindowCommon")
         .text(L"Reference", Reference)
         .text(L"FireRating", FireRating)
         .text(L"AcousticRating", AcousticRating)
@@ -14,8 +15,8 @@ IFC2X3_PSet_WindowCommon_s::operator IFC2X3_PSet_Custom_s() const {
         .real(L"ThermalTransmittance", ThermalTransmittance, hasThermalTransmittance)
         .real(L"GlazingAreaFraction", GlazingAreaFraction, hasGlazingAreaFraction)
         .flag(L"SmokeStop", SmokeStop, hasSmokeStop)
-        .flag(L"IsExternal", IsExternal)
-        .take();
+        .flag(L"IsExternal", IsExternal);
+    return set;
 }
 
 } // namespace ImportCommon

@@ -2,10 +2,7 @@
 
 #include "../PropertyText.h"
 
-#include <ImportCommon/IFC2X3Property.h>
-
 #include <algorithm>
-#include <utility>
 
 namespace ImportCommon {
 
@@ -18,47 +15,47 @@ constexpr int kindAngleInDegrees = 2;
 
 } // namespace
 
-PSetBuilder::PSetBuilder(const wchar_t* name) {
+PSetBuilder::PSetBuilder(IFC2X3_PSet_Custom_s& set, const wchar_t* name) : set_(set) {
     std::fill_n(set_.globalId, sizeof set_.globalId, '0');
     copyPropertyText<Value::TextSize>(set_.name, name);
 }
 
 PSetBuilder& PSetBuilder::text(const wchar_t* name, const wchar_t* value) {
-    append(name, Value::ValueType_String, false, 0, 0.0, value);
+    set_.properties.appendSingleValue(name, Value::ValueType_String, false, 0, 0.0, value);
     return *this;
 }
 
 PSetBuilder& PSetBuilder::flag(const wchar_t* name, bool value, bool present) {
     if (present) {
-        append(name, Value::ValueType_Boolean, value, 0, 0.0, L"");
+        set_.properties.appendSingleValue(name, Value::ValueType_Boolean, value, 0, 0.0, L"");
     }
     return *this;
 }
 
 PSetBuilder& PSetBuilder::integer(const wchar_t* name, int value, bool present) {
     if (present) {
-        append(name, Value::ValueType_Integer, false, value, 0.0, L"");
+        set_.properties.appendSingleValue(name, Value::ValueType_Integer, false, value, 0.0, L"");
     }
     return *this;
 }
 
 PSetBuilder& PSetBuilder::real(const wchar_t* name, double value, bool present) {
     if (present) {
-        append(name, Value::ValueType_Real, false, 0, value, L"");
+        set_.properties.appendSingleValue(name, Value::ValueType_Real, false, 0, value, L"");
     }
     return *this;
 }
 
 PSetBuilder& PSetBuilder::length(const wchar_t* name, double value, bool present) {
     if (present) {
-        append(name, Value::ValueType_Length, false, 0, value, L"");
+        set_.properties.appendSingleValue(name, Value::ValueType_Length, false, 0, value, L"");
     }
     return *this;
 }
 
 PSetBuilder& PSetBuilder::angle(const wchar_t* name, double value, bool present) {
     if (present) {
-        append(name, Value::ValueType_PlaneAngle, false, 0, value, L"");
+        set_.properties.appendSingleValue(name, Value::ValueType_PlaneAngle, false, 0, value, L"");
     }
     return *this;
 }
@@ -66,18 +63,6 @@ PSetBuilder& PSetBuilder::angle(const wchar_t* name, double value, bool present)
 PSetBuilder& PSetBuilder::lengthOrAngle(const wchar_t* name, double value, int kind, bool present) {
     length(name, value, present && kind == kindLength);
     return angle(name, value / 180.0 * 3.141592653589793, present && kind == kindAngleInDegrees);
-}
-
-IFC2X3_PSet_Custom_s PSetBuilder::take() {
-    return std::move(set_);
-}
-
-void PSetBuilder::append(const wchar_t* name, Value::ValueType_t type, bool boolValue, int intValue, double realValue,
-                         const wchar_t* text) {
-    if (set_.properties.hasRoom()) {
-        set_.properties.append(std::unique_ptr<IFC2X3Property>(
-            new IFC2X3Property(name, L"", type, boolValue, Value::Logical_Unknown, intValue, 0, realValue, text)));
-    }
 }
 
 } // namespace ImportCommon

@@ -14,7 +14,8 @@ namespace ImportCommon {
  */
 class PSetBuilder {
 public:
-    explicit PSetBuilder(const wchar_t* name);
+    /** Fills @p set, which is new and outlives the builder. */
+    PSetBuilder(IFC2X3_PSet_Custom_s& set, const wchar_t* name);
 
     PSetBuilder& text(const wchar_t* name, const wchar_t* value);
     PSetBuilder& flag(const wchar_t* name, bool value, bool present = true);
@@ -28,14 +29,8 @@ public:
     /** A length if @p kind is 1, an angle in degrees if it is 2; nothing for any other kind. */
     PSetBuilder& lengthOrAngle(const wchar_t* name, double value, int kind, bool present);
 
-    /** Hands the set over. */
-    IFC2X3_PSet_Custom_s take();
-
 private:
-    void append(const wchar_t* name, IFC2X3PropertySingleValue::ValueType_t type, bool boolValue, int intValue,
-                double realValue, const wchar_t* text);
-
-    IFC2X3_PSet_Custom_s set_;
+    IFC2X3_PSet_Custom_s& set_;
 };
 
 } // namespace ImportCommon

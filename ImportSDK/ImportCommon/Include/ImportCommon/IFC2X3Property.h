@@ -69,7 +69,7 @@ protected:
                    const IFC2X3PropertySet& set);
 
 private:
-    friend class PSetBuilder;
+    friend class IFC2X3PropertySet;
 
     static constexpr unsigned int textSize = IFC2X3PropertySingleValue::TextSize;
 
@@ -79,7 +79,7 @@ private:
     Type_t type_;
     wchar_t name_[textSize + 1];
     wchar_t description_[textSize + 1];
-    std::unique_ptr<IFC2X3PropertySingleValue> singleValue_;
+    IFC2X3PropertySingleValue singleValue_; // inline: a property with a value is one block of memory
     std::unique_ptr<IFC2X3PropertyComplex> complex_;
 };
 

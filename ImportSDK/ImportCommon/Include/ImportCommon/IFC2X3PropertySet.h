@@ -5,8 +5,7 @@
 #pragma once
 
 #include <ImportCommon/Export.h>
-
-#include <memory>
+#include <ImportCommon/IFC2X3PropertySingleValue.h>
 
 namespace ImportCommon {
 
@@ -55,14 +54,20 @@ public:
 
 private:
     friend class PSetBuilder;
+    struct Chunk_s;
 
     void swap(IFC2X3PropertySet& other) noexcept;
     bool hasRoom();
-    void append(std::unique_ptr<IFC2X3Property> property);
+    void* placeForProperty(unsigned int expected);
+    template <typename... Arguments>
+    void emplace(Arguments&&... arguments);
+    void appendSingleValue(const wchar_t* name, IFC2X3PropertySingleValue::ValueType_t type, bool boolValue,
+                           int intValue, double realValue, const wchar_t* text);
 
     unsigned int count_ = 0;
     unsigned int capacity_ = 0;
     IFC2X3Property** properties_ = nullptr;
+    Chunk_s* chunks_ = nullptr;
 };
 
 } // namespace ImportCommon
