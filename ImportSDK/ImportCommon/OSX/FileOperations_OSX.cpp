@@ -117,6 +117,7 @@ unsigned long long FileOperations::GetFileLastWriteTime(const std::wstring& path
 
 SystemTime_s FileOperations::ConvertToSystemTime(unsigned long long time) {
     const std::time_t seconds = static_cast<std::time_t>((time - ticksFrom1601To1970) / ticksPerSecond);
+    tzset(); // the re-entrant function does not look whether the time zone has changed
     std::tm local = {};
     if (localtime_r(&seconds, &local) == nullptr) {
         return {};
