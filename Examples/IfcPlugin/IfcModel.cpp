@@ -1,7 +1,6 @@
 #include "IfcModel.h"
 
 #include "IfcFile.h"
-#include "IfcNames.h"
 #include "ProductName.h"
 
 #include <assimp/config.h>
@@ -34,12 +33,11 @@ Matrix zUp() {
 
 } // namespace
 
-IfcModel::IfcModel(const std::string& fileName, const Progress& progress) {
-    const std::string text = readIfcFile(fileName);
-
+IfcModel::IfcModel(const std::string& fileName, const Progress& progress)
+    : text_(readIfcFile(fileName)), properties_(text_) {
     importer_.SetProgressHandler(new ProgressAdapter(progress)); // the importer owns it
     // No post-processing: it costs more time than reading, and the measurements take polygons as they come.
-    scene_ = importer_.ReadFileFromMemory(text.data(), text.size(), 0, "ifc");
+    scene_ = importer_.ReadFileFromMemory(text_.data(), text_.size(), 0, "ifc");
     if (scene_ == nullptr || scene_->mRootNode == nullptr)
         throw ModelError(importer_.GetErrorString());
 
@@ -47,9 +45,8 @@ IfcModel::IfcModel(const std::string& fileName, const Progress& progress) {
     unit_ = std::cbrt(std::abs(root.Determinant()));
     collect(*scene_->mRootNode, root, Matrix(), Matrix(), Product::none);
 
-    const IfcNames names(text);
     for (Product& product : products_)
-        product.name = names.find(product.globalId).value_or(product.name);
+        product.name = properties_.nameOf(product.globalId).value_or(product.name);
 }
 
 /**

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "Geometry.h"
+#include "IfcProperties.h"
 
 #include <assimp/scene.h>
 
@@ -57,6 +58,9 @@ public:
     /** All products, each after its parent. */
     const std::vector<Product>& products() const { return products_; }
 
+    /** What the file says of the products besides. */
+    IfcProperties& properties() { return properties_; }
+
     const aiScene& scene() const { return *scene_; }
 
 private:
@@ -64,6 +68,8 @@ private:
                  const Matrix& parentToProduct, std::size_t product);
     Matrix placementIn(const Matrix& parentToWorld, const Matrix& placement) const;
 
+    std::string text_;
+    IfcProperties properties_;
     Assimp::Importer importer_;
     const aiScene* scene_ = nullptr;
     double unit_ = 1.0; ///< of length in the file, in metres

@@ -5,12 +5,15 @@
 #include "../ImportHost/PluginInterface.h"
 #include "IfcModel.h"
 #include "Measure.h"
+#include "PropertyModel.h"
+#include "Solid.h"
 #include "Streams.h"
 
 #include <ImportCommon/ExternalGUID.h>
 #include <ImportCommon/ExternalGUIDDatabase.h>
 #include <ImportCommon/ExternalVersion.h>
 #include <ImportCommon/ForeignObjectEnv.h>
+#include <ImportCommon/PngTexture.h>
 #include <ImportCommon/StringOperations.h>
 
 #include <memory>
@@ -73,16 +76,28 @@ void importObject(const Product& product, const std::vector<Surface>& surfaces, 
                    measurement.centre() + product.origin, product);
     for (const Surface& surface : surfaces)
         streams.polygons(surface, product.origin);
+    streams.solid(solidOf(surfaces, product.origin));
+}
+
+/** Writes the images that are in the file as PNG; others have no form here. */
+void importTextures(const aiScene& scene, Streams& streams) {
+    for (unsigned int i = 0; i < scene.mNumTextures; ++i) {
+        const aiTexture& texture = *scene.mTextures[i];
+        const char* bytes = reinterpret_cast<const char*>(texture.pcData);
+        if (texture.mHeight == 0 && texture.CheckFormat("png")) // compressed: the width is the number of bytes
+            streams.texture(PngTexture(std::vector<char>(bytes, bytes + texture.mWidth)), texture.mFilename.C_Str());
+    }
 }
 
 void importModel(const ForeignObjectEnv_t& env, Streams& streams) {
     const std::string fileName = StringOperations::ConvertToCurrentLocale(env.fileName);
     streams.info("file", fileName);
     streams.progress(0.0, "reading");
-    const IfcModel model(fileName, [&](double part) { streams.progress(part * readingShare, "reading"); });
+    IfcModel model(fileName, [&](double part) { streams.progress(part * readingShare, "reading"); });
 
     for (unsigned int i = 0; i < model.scene().mNumMaterials; ++i)
         streams.material(*model.scene().mMaterials[i]);
+    importTextures(model.scene(), streams);
 
     const std::vector<Product>& products = model.products();
     std::unordered_set<int> knownIds;
@@ -94,11 +109,14 @@ void importModel(const ForeignObjectEnv_t& env, Streams& streams) {
         const std::vector<Surface> surfaces = surfacesOf(product);
         if (!surfaces.empty())
             importObject(product, surfaces, knownIds, streams);
+        writeProperties(product, model.properties().setsOf(product.globalId), !surfaces.empty(), streams);
         streams.progress(readingShare +
                              (1.0 - readingShare) * static_cast<double>(i) / static_cast<double>(products.size()),
                          "measuring");
     }
 
+    if (model.properties().isCutShort())
+        streams.warning("the file attaches so many properties to its products that not all were read");
     streams.info("products", std::to_string(products.size()));
     streams.info("objects", std::to_string(streams.objectCount()));
     streams.end();

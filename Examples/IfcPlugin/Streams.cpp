@@ -43,7 +43,7 @@ public:
         return *this;
     }
 
-    Line& number(long value) {
+    Line& number(long long value) {
         next();
         return append(value);
     }
@@ -97,6 +97,50 @@ void writeGuid(Line& line, const ExternalGUID& guid) {
 
 std::string_view idOrDash(const Product* product) {
     return product == nullptr || product->globalId.empty() ? std::string_view("-") : product->globalId;
+}
+
+/** Bytes behind the line that tells their number. */
+void writeBytes(const char* bytes, std::size_t size, FILE* stream) {
+    if (stream == nullptr)
+        return;
+    std::fwrite(bytes, 1, size, stream);
+    std::fputc('\n', stream);
+}
+
+/** Type and value; @p text is all of a text that the value may hold only the beginning of. */
+void writeValue(Line& line, const IFC2X3PropertySingleValue& value, std::string_view text) {
+    using Value = IFC2X3PropertySingleValue;
+    const auto real = [&](std::string_view type) {
+        line.field(type).next();
+        line.append(value.getRealValue());
+    };
+    switch (value.getValueType()) {
+    case Value::ValueType_String:
+        line.field("text").escaped(text);
+        break;
+    case Value::ValueType_Boolean:
+        line.field("boolean").field(value.getBooleanValue() ? "true" : "false");
+        break;
+    case Value::ValueType_Logical:
+        line.field("logical").field(value.getLogicalValue() == Value::Logical_True    ? "true"
+                                    : value.getLogicalValue() == Value::Logical_False ? "false"
+                                                                                      : "unknown");
+        break;
+    case Value::ValueType_Integer:
+        line.field("integer").number(value.getIntValue());
+        break;
+    case Value::ValueType_Integer64:
+        line.field("integer").number(value.getInt64Value());
+        break;
+    case Value::ValueType_Length:
+        real("length");
+        break;
+    case Value::ValueType_PlaneAngle:
+        real("angle");
+        break;
+    default:
+        real("real");
+    }
 }
 
 } // namespace
@@ -182,6 +226,46 @@ void Streams::polygons(const Surface& surface, const Vector& origin) {
         }
     }
     line.writeTo(env_.polygons);
+}
+
+void Streams::solid(const ForeignObjectSolid& solid) {
+    unsigned int size = 0;
+    const char* bytes = solid.getBytes(&size);
+    Line line;
+    line.number(static_cast<long>(objectCount_)).number(solid.getType()).number(static_cast<long>(size));
+    line.writeTo(env_.solids);
+    writeBytes(bytes, size, env_.solids);
+}
+
+void Streams::texture(const PngTexture& texture, std::string_view name) {
+    const std::vector<char>& data = texture.getData();
+    Line().number(static_cast<long>(data.size())).escaped(name).writeTo(env_.textures);
+    writeBytes(data.data(), data.size(), env_.textures);
+}
+
+void Streams::propertySet(const Product& product, bool isObject, std::string_view form, const IFC2X3_PSet_Custom_s& set,
+                          const IfcPropertySet& source, std::string_view name) {
+    Line line;
+    line.field("set").number(isObject ? static_cast<long>(objectCount_) : 0).field(idOrDash(&product)).field(form);
+    line.field(std::string_view(set.globalId, sizeof set.globalId)).escaped(name).escaped(source.description);
+    if (name != source.name)
+        line.escaped(source.name);
+    line.writeTo(env_.attributes);
+}
+
+void Streams::property(const IFC2X3Property& property, const IfcProperty& source, std::string_view name, int depth) {
+    Line line;
+    line.field("property").number(depth).escaped(name).escaped(source.description);
+    const IFC2X3PropertySet& nested = property.getPropertyComplex().getPropertySet();
+    if (property.getType() == IFC2X3Property::Type_Complex)
+        line.field("complex").escaped(source.usageName);
+    else
+        writeValue(line, property.getPropertySingleValue(), source.value.text);
+    if (name != source.name)
+        line.escaped(source.name);
+    line.writeTo(env_.attributes);
+    for (unsigned int i = 0; i < nested.getCount() && i < source.nested.size(); ++i)
+        this->property(nested.getProperty(i), source.nested[i], source.nested[i].name, depth + 1);
 }
 
 void Streams::end() {

@@ -10,6 +10,9 @@
 #include <ImportCommon/ExternalGUID.h>
 #include <ImportCommon/ExternalGUIDDatabase.h>
 #include <ImportCommon/ForeignObjectEnv.h>
+#include <ImportCommon/ForeignObjectSolid.h>
+#include <ImportCommon/IFC2X3_PSet_Custom.h>
+#include <ImportCommon/PngTexture.h>
 
 #include <string>
 #include <string_view>
@@ -40,6 +43,26 @@ public:
 
     /** One surface of the object that was written last. */
     void polygons(const Surface& surface, const Vector& origin);
+
+    /** The geometry of the object that was written last. */
+    void solid(const ForeignObjectSolid& solid);
+
+    void texture(const ImportCommon::PngTexture& texture, std::string_view name);
+
+    /**
+     * A property set, whose properties follow.
+     * @param isObject  whether the product is the object that was written last
+     * @param form      the record that the set comes from, or "custom"
+     * @param source    the set in the file: its texts may be longer than the library's
+     * @param name      the set's name, which may be another one than in the file
+     */
+    void propertySet(const Product& product, bool isObject, std::string_view form,
+                     const ImportCommon::IFC2X3_PSet_Custom_s& set, const IfcPropertySet& source,
+                     std::string_view name);
+
+    /** A property of the set that was written last; the name may be another one than in the file. */
+    void property(const ImportCommon::IFC2X3Property& property, const IfcProperty& source, std::string_view name,
+                  int depth = 0);
 
     /** The closing line: without it the host takes the import for incomplete. */
     void end();

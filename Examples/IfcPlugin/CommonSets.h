@@ -1,0 +1,37 @@
+/**
+ * @file CommonSets.h
+ * The common property sets of IFC 2x3 that the library has records for.
+ */
+#pragma once
+
+#include "IfcProperties.h"
+
+#include <ImportCommon/IFC2X3_PSet_Custom.h>
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+/** A set that a record was converted to. */
+struct CommonSet {
+    std::string_view record; ///< name of the record
+    ImportCommon::IFC2X3_PSet_Custom_s set;
+
+    /** What the set says and the file says too: names in the set with the file's properties. */
+    struct Held {
+        std::string_view name;
+        const IfcProperty* property;
+    };
+    std::vector<Held> held;
+
+    bool holds(const IfcProperty& property) const {
+        return std::any_of(held.begin(), held.end(), [&](const Held& entry) { return entry.property == &property; });
+    }
+};
+
+/**
+ * Fills the record for a property set of a product and converts it; nothing when the product's class has no record of
+ * that set. A property goes into the record only when its type is the one that the record gives it again.
+ */
+std::optional<CommonSet> commonSetOf(std::string_view className, const IfcPropertySet& set);
