@@ -119,6 +119,14 @@ void matchSpatialHashes(ExternalGUIDDatabase& database, const std::vector<const 
     }
 }
 
+void compareProperties(Change& change) {
+    if (change.before == nullptr)
+        return;
+    change.properties = differencesOf(change.before->properties, change.now->properties);
+    if (change.status == Status::Unchanged && !change.properties.empty())
+        change.status = Status::Properties;
+}
+
 /** The objects that no change has taken up. */
 std::vector<const ObjectRecord*> goneObjects(const std::vector<ObjectRecord>& before,
                                              const std::vector<Change>& changes) {
@@ -139,6 +147,8 @@ const char* statusName(Status status) {
     switch (status) {
     case Status::Unchanged:
         return "unchanged";
+    case Status::Properties:
+        return "properties";
     case Status::Moved:
         return "moved";
     case Status::Reshaped:
@@ -179,6 +189,8 @@ std::vector<Change> compare(const std::vector<ObjectRecord>& before, const std::
     ExternalGUIDDatabase database;
     matchIdentities(database, before, changes);
     matchSpatialHashes(database, goneObjects(before, changes), changes);
+    for (Change& change : changes)
+        compareProperties(change);
     for (const ObjectRecord* object : goneObjects(before, changes))
         changes.push_back({Status::Removed, object, nullptr});
     return changes;

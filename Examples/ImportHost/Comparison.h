@@ -8,19 +8,21 @@
 
 #include <vector>
 
-enum class Status { Unchanged, Moved, Reshaped, Reclassed, Reidentified, Added, Removed };
+enum class Status { Unchanged, Properties, Moved, Reshaped, Reclassed, Reidentified, Added, Removed };
 
 /** All statuses, in the order in which they are counted and reported. */
-constexpr Status allStatuses[] = {Status::Unchanged,    Status::Moved, Status::Reshaped, Status::Reclassed,
-                                  Status::Reidentified, Status::Added, Status::Removed};
+constexpr Status allStatuses[] = {Status::Unchanged, Status::Properties,   Status::Moved, Status::Reshaped,
+                                  Status::Reclassed, Status::Reidentified, Status::Added, Status::Removed};
 
 const char* statusName(Status status);
 
-/** An object's status with its records, which belong to the lists that were compared. */
+/** An object's status and changed properties with its records, which belong to the lists that were compared. */
 struct Change {
     Status status;
     const ObjectRecord* before; ///< null when the object was added
     const ObjectRecord* now;    ///< null when it was removed
+
+    std::vector<PropertyDifference> properties = {}; ///< whatever else happened to the object
 
     const ObjectRecord& record() const { return now != nullptr ? *now : *before; }
 };

@@ -62,7 +62,7 @@ std::string recordToLine(const ObjectRecord& record) {
     return guidToHex(record.identity) + '\t' + guidToHex(record.spatialHash) + '\t' + toHex(version, versionSize) +
            '\t' + escaped(record.className) + '\t' + numberText(record.position[0]) + ' ' +
            numberText(record.position[1]) + ' ' + numberText(record.position[2]) + '\t' + escaped(record.name) + '\t' +
-           footprintToText(record.footprint);
+           footprintToText(record.footprint) + '\t' + propertyListToFields(record.properties);
 }
 
 ObjectRecord recordFromLine(std::string_view line) {
@@ -86,6 +86,9 @@ ObjectRecord recordFromLine(std::string_view line) {
     record.name = unescaped(fields[5]);
     if (fields.size() > 6)
         record.footprint = footprintFromText(fields[6]);
+    if (fields.size() > 7)
+        record.properties =
+            propertyListFromFields(line.substr(static_cast<std::size_t>(fields[7].data() - line.data())));
     return record;
 }
 
@@ -115,6 +118,14 @@ std::vector<ObjectRecord> readObjects(const std::string& folder, const std::stri
             records[i].footprint = std::move(footprints[i]);
     } catch (const std::runtime_error& e) {
         throw Failure(plugin, std::string("wrong polygons stream, ") + e.what());
+    }
+    const std::string attributes = readFile(folder + "/attributes");
+    try {
+        std::vector<PropertyList> properties = readPropertyLists(attributes, records.size());
+        for (std::size_t i = 0; i < records.size(); ++i)
+            records[i].properties = std::move(properties[i]);
+    } catch (const std::runtime_error& e) {
+        throw Failure(plugin, std::string("wrong attributes stream, ") + e.what());
     }
     return records;
 }

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "Footprint.h"
+#include "PropertyList.h"
 
 #include <ImportCommon/ExternalGUID.h>
 #include <ImportCommon/ExternalVersion.h>
@@ -22,12 +23,13 @@ struct ObjectRecord {
     std::array<double, 3> position{}; ///< centre of the bounding box in the world, in metres
     std::string name;                 ///< UTF-8 as the plug-in wrote it
     Footprint footprint;
+    PropertyList properties;
 };
 
 /** A GlobalId, or for an identity of another kind a text that tells it from others. */
 std::string identityText(const ImportCommon::ExternalGUID& identity);
 
-/** The line of an objects stream with the footprint behind it. */
+/** The line of an objects stream with the footprint and the properties behind it. */
 std::string recordToLine(const ObjectRecord& record);
 
 /** Reads a line of an objects stream or of the state. Throws std::runtime_error. */

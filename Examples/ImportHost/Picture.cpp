@@ -101,7 +101,8 @@ std::string objectPath(const Plan& plan, const Change& change) {
         text += 'Z';
     }
     return text + "\"><title>" + xmlText(record.className) + ' ' + xmlText(record.name) + " (" +
-           statusName(change.status) + ")</title></path>\n";
+           statusName(change.status) + ')' +
+           xmlText((change.properties.empty() ? "" : " ") + shortText(change.properties)) + "</title></path>\n";
 }
 
 /** Unchanged objects below changed ones, and large ones below small ones. */
@@ -133,7 +134,7 @@ std::string legend(const std::vector<Change>& changes) {
         text += "<rect class=\"" + std::string(statusName(status)) + "\" x=\"" + number(x) +
                 "\" y=\"56\" width=\"18\" height=\"18\"/><text x=\"" + number(x + 26.0) + "\" y=\"70\">" +
                 statusName(status) + ' ' + std::to_string(count) + "</text>\n";
-        x += (pictureWidth - 2.0 * margin) / 7.0;
+        x += (pictureWidth - 2.0 * margin) / static_cast<double>(std::size(allStatuses));
     }
     return text;
 }
@@ -158,6 +159,7 @@ text { font: 15px sans-serif; fill: #222; }
 .scale { fill: none; stroke: #222; stroke-width: 1.5; }
 path { stroke-linejoin: round; stroke-width: 2; paint-order: stroke; opacity: 0.85; }
 .unchanged { fill: #e9e9e9; stroke: #8f8f8f; stroke-width: 1.2; }
+.properties { fill: #f4a3c8; stroke: #a3286b; }
 .moved { fill: #5b9bea; stroke: #1d4f9e; }
 .reshaped { fill: #ffb547; stroke: #a86400; }
 .reclassed { fill: #c08be6; stroke: #6a2c9c; }

@@ -25,6 +25,23 @@ std::string jsonNumber(double value) {
     return std::isfinite(value) ? numberText(value) : "null";
 }
 
+std::string jsonValue(const std::optional<std::string>& value) {
+    if (!value)
+        return "null";
+    if (value->compare(0, 1, "'") == 0)
+        return jsonString(value->substr(1));
+    return *value == "unknown" ? jsonString(*value) : *value;
+}
+
+std::string jsonProperties(const std::vector<PropertyDifference>& differences) {
+    std::string text;
+    for (const PropertyDifference& difference : differences)
+        text += (text.empty() ? "{\"set\": " : ", {\"set\": ") + jsonString(difference.set) +
+                ", \"name\": " + jsonString(difference.name) + ", \"old\": " + jsonValue(difference.before) +
+                ", \"new\": " + jsonValue(difference.now) + '}';
+    return '[' + text + ']';
+}
+
 std::string jsonObject(const Change& change) {
     const ObjectRecord& record = change.record();
     std::string text =
@@ -35,6 +52,8 @@ std::string jsonObject(const Change& change) {
         text += ", \"previousIdentity\": " + jsonString(identityText(change.before->identity));
     if (change.status == Status::Reclassed)
         text += ", \"previousClass\": " + jsonString(change.before->className);
+    if (!change.properties.empty())
+        text += ", \"properties\": " + jsonProperties(change.properties);
     return text + '}';
 }
 

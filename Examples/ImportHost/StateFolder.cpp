@@ -9,7 +9,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <stdexcept>
@@ -19,25 +18,15 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view format = "import-host-state";
-constexpr std::string_view version = "1";
+constexpr std::string_view version = "2";
+
+/** Objects without properties, which count as not known. */
+constexpr std::string_view oldVersion = "1";
 
 /** Folder of the streams while an import runs, as mkdtemp takes it, and of the last import's while it is replaced. */
 constexpr char outputTemplate[] = "output-of-import.XXXXXX";
 constexpr std::size_t outputPrefixLength = sizeof outputTemplate - sizeof "XXXXXX";
 constexpr char previousOutput[] = "output-of-import.previous";
-
-/** FNV-1a: tells a file that was cut or damaged, not one that was forged. */
-std::string checksum(std::string_view text) {
-    std::uint64_t sum = 0xcbf29ce484222325u;
-    for (const char c : text)
-        sum = (sum ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
-    std::string result;
-    for (int shift = 56; shift >= 0; shift -= 8) {
-        const char byte = static_cast<char>(sum >> shift & 0xFF);
-        result += toHex(&byte, 1);
-    }
-    return result;
-}
 
 std::string stateText(const std::vector<ObjectRecord>& objects) {
     std::string text = std::string(format) + ' ' + std::string(version) + '\n';
@@ -52,7 +41,7 @@ std::vector<ObjectRecord> objectsFromText(std::string_view text) {
     const std::vector<std::string_view> words = split(header, ' ');
     if (words.size() != 2 || words[0] != format)
         throw std::runtime_error("not a state of import-host");
-    if (words[1] != version)
+    if (words[1] != version && words[1] != oldVersion)
         throw std::runtime_error("written by another version of import-host");
 
     const std::size_t end = text.rfind("\nend ");

@@ -9,7 +9,7 @@
 
 namespace {
 
-using Row = std::array<std::string, 6>;
+using Row = std::array<std::string, 7>;
 
 /** Characters that UTF-8 text takes on the screen. */
 std::size_t width(const std::string& text) {
@@ -53,7 +53,7 @@ std::string alignedText(const std::vector<Row>& rows) {
 
 std::string tableText(const std::vector<Change>& changes, bool firstImport) {
     std::string text;
-    std::vector<Row> rows = {{"class", "name", "id", "what happened", "similarity", "moved by"}};
+    std::vector<Row> rows = {{"class", "name", "id", "what happened", "similarity", "moved by", "properties"}};
     for (const Status status : allStatuses) {
         std::size_t count = 0;
         for (const Change& change : changes) {
@@ -64,7 +64,8 @@ std::string tableText(const std::vector<Change>& changes, bool firstImport) {
             if (status != Status::Unchanged)
                 rows.push_back({printable(record.className), printable(record.name),
                                 printable(identityText(record.identity)), whatHappened(change),
-                                fixed(similarityOf(change), 3, ""), fixed(distanceOf(change), 3, " m")});
+                                fixed(similarityOf(change), 3, ""), fixed(distanceOf(change), 3, " m"),
+                                shortText(change.properties)});
         }
         char line[64];
         std::snprintf(line, sizeof line, "%-13s %6zu\n", statusName(status), count);

@@ -1,6 +1,7 @@
 #include "Text.h"
 
 #include <charconv>
+#include <cstdint>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -97,6 +98,18 @@ std::string fromHex(std::string_view text) {
         bytes += static_cast<char>(high * 16 + low);
     }
     return bytes;
+}
+
+std::string checksum(std::string_view text) {
+    std::uint64_t sum = 0xcbf29ce484222325u;
+    for (const char c : text)
+        sum = (sum ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
+    std::string result;
+    for (int shift = 56; shift >= 0; shift -= 8) {
+        const char byte = static_cast<char>(sum >> shift & 0xFF);
+        result += toHex(&byte, 1);
+    }
+    return result;
 }
 
 double toDouble(std::string_view text) {

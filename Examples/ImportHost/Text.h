@@ -19,6 +19,9 @@ std::string toHex(const char* bytes, std::size_t size);
 /** The bytes; empty when the text is not hexadecimal. */
 std::string fromHex(std::string_view text);
 
+/** 64-bit FNV-1a in hexadecimal: tells a text that was cut or changed, not one that was forged. */
+std::string checksum(std::string_view text);
+
 /** The number that the whole text stands for. Throws std::runtime_error. */
 double toDouble(std::string_view text);
 long toLong(std::string_view text);
