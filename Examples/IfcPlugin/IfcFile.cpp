@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <string_view>
 
@@ -18,6 +19,10 @@ std::string readAll(const std::string& fileName) {
         throw ModelError(std::strerror(errno));
 
     std::string text;
+    std::error_code error;
+    const std::uintmax_t expected = std::filesystem::file_size(fileName, error);
+    if (!error)
+        text.reserve(static_cast<std::size_t>(expected));
     char block[65536];
     std::size_t size = 0;
     while ((size = std::fread(block, 1, sizeof block, file.get())) > 0)

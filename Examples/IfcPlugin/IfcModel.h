@@ -55,6 +55,9 @@ public:
     /** Reads a file. Throws ModelError. */
     IfcModel(const std::string& fileName, const Progress& progress);
 
+    IfcModel(const IfcModel&) = delete;
+    IfcModel& operator=(const IfcModel&) = delete;
+
     /** All products, each after its parent. */
     const std::vector<Product>& products() const { return products_; }
 
@@ -68,7 +71,7 @@ private:
                  const Matrix& parentToProduct, std::size_t product);
     Matrix placementIn(const Matrix& parentToWorld, const Matrix& placement) const;
 
-    std::string text_;
+    std::string text_; ///< the properties are views of it
     IfcProperties properties_;
     Assimp::Importer importer_;
     const aiScene* scene_ = nullptr;

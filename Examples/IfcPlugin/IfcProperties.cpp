@@ -115,16 +115,18 @@ IfcProperties::Kind IfcProperties::kindOf(const StepInstance& instance) {
     return isType ? Kind::Type : Kind::Product;
 }
 
-IfcProperties::IfcProperties(std::string_view text) : budget_(std::max(maxSharing * text.size(), smallestBudget)) {
+IfcProperties::IfcProperties(std::string& text) : budget_(std::max(maxSharing * text.size(), smallestBudget)) {
     StepInstances all(text);
     std::optional<Instance> units;
     while (const auto read = all.next()) {
         const Instance instance = {read->id, kindOf(*read), read->arguments};
-        if (instance.kind == Kind::Relation)
+        if (instance.kind == Kind::Relation) {
             addLinks(instance);
-        else if (instance.kind == Kind::UnitAssignment)
+            text[static_cast<std::size_t>(read->keyword.data() - text.data())] = 'X';
+        }
+        if (instance.kind == Kind::UnitAssignment)
             units = units.value_or(instance);
-        else if (instance.kind != Kind::Other)
+        else if (instance.kind != Kind::Relation && instance.kind != Kind::Other)
             instances_.push_back(instance);
         if (instance.kind != Kind::Product)
             continue;

@@ -46,6 +46,10 @@ std::string readFile(const std::string& path) {
     if (!file)
         throw Failure(path, std::strerror(errno));
     std::string content;
+    std::error_code error;
+    const std::uintmax_t expected = fs::file_size(path, error);
+    if (!error)
+        content.reserve(static_cast<std::size_t>(expected));
     char block[65536];
     std::size_t size = 0;
     while ((size = std::fread(block, 1, sizeof block, file.get())) > 0)
