@@ -1,0 +1,245 @@
+/**
+ * @file ImportPropertiesTest.cpp
+ * Property sets, from the text of a model to the report of the example host.
+ */
+#include "ImportExample.h"
+
+#include <cstdint>
+#include <cstring>
+#include <iomanip>
+#include <vector>
+
+namespace {
+
+using ImportPropertiesTest = ImportExampleTest;
+
+/** The house in which the table has one more set, with the property #9001 that @p instances begin with. */
+std::string withTableProperty(const std::string& house, const std::string& instances) {
+    return replaced(house, "ENDSEC;\nEND-ISO",
+                    "#9000=IFCPROPERTYSET('1aaaaaaaaaaaaaaaaaaaa1',#5,'Extra',$,(#9001,#9099));\n#9001=" + instances +
+                        ";\n#9098=IFCRELDEFINESBYPROPERTIES('1bbbbbbbbbbbbbbbbbbbb1',#5,$,$,(#3413,#3413),#9000);\n"
+                        "ENDSEC;\nEND-ISO");
+}
+
+/** A state as version 1 wrote it: lines without properties. */
+std::string stateOfVersion1(const std::string& state) {
+    std::istringstream lines(state);
+    std::string line;
+    std::getline(lines, line);
+    std::string text = "import-host-state 1\n";
+    while (std::getline(lines, line) && line.compare(0, 4, "end ") != 0) {
+        std::size_t end = 0;
+        for (int field = 0; field < 7; ++field)
+            end = line.find('\t', end + 1);
+        text += line.substr(0, end) + '\n';
+    }
+    std::uint64_t sum = 0xcbf29ce484222325u;
+    for (const char c : text)
+        sum = (sum ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
+    std::ostringstream checksum;
+    checksum << std::hex << std::setw(16) << std::setfill('0') << sum;
+    return text + line.substr(0, line.rfind(' ') + 1) + checksum.str() + '\n';
+}
+
+TEST_F(ImportPropertiesTest, EveryEditedPropertyIsNamed) {
+    const struct {
+        const char* from;
+        const char* to;
+        std::vector<const char*> identities;
+        const char* set;
+        const char* name;
+        json before;
+        json now;
+    } edits[] = {{"LoadBearing',$,IFCBOOLEAN(.T.),$);\n#821=",
+                  "LoadBearing',$,IFCBOOLEAN(.F.),$);\n#821=",
+                  {"3NvphVz4P4ogB_cxwdPnnC"},
+                  "Pset_WallCommon",
+                  "LoadBearing",
+                  true,
+                  false},
+                 {"IFCLABEL('F120')",
+                  "IFCLABEL('It''s \\X2\\4E2D\\X0\\\t 100%')",
+                  {"06vImXCGDCHQY58Q6Vm3lt"},
+                  "Pset_SlabCommon",
+                  "FireRating",
+                  "F120",
+                  "It's \xE4\xB8\xAD\t 100%"},
+                 {"IFCPLANEANGLEMEASURE(26.56505)",
+                  "IFCPLANEANGLEMEASURE(30.)",
+                  {"1kbCgeJprEhOMeq1JaCPJG", "1nqWHkJSLBwf$X0ZEa12m_"},
+                  "Pset_SlabCommon",
+                  "PitchAngle",
+                  26.56505,
+                  30.0},
+                 {"'FireExit',$,IFCBOOLEAN(.F.)",
+                  "'FireExit',$,IFCBOOLEAN(.T.)",
+                  {"0Ls4IvI2v5nORbKYJdD5Z1"},
+                  "Pset_DoorCommon",
+                  "FireExit",
+                  false,
+                  true},
+                 {"IFCPLANEANGLEMEASURE(4.764)",
+                  "IFCPLANEANGLEMEASURE(4.5)",
+                  {"3oEgqfQLz4dxETxKAwbBXH"},
+                  "Pset_RampCommon",
+                  "RequiredSlope",
+                  4.764,
+                  4.5},
+                 {"IFCPOSITIVELENGTHMEASURE(0.05)",
+                  "IFCPOSITIVELENGTHMEASURE(4.E-002)",
+                  {"1ObFvFM$51Ux3ZQh4LFFOP"},
+                  "Pset_RailingCommon",
+                  "Diameter",
+                  0.05,
+                  0.04},
+                 {"IFCINTEGER(24)",
+                  "IFCINTEGER(3000000000)",
+                  {"1Hd7MYGzT7xfPnKQ1cRawj"},
+                  "GardenFurniture",
+                  "Warranty.Months",
+                  24,
+                  3000000000},
+                 {"IFCLOGICAL(.U.)",
+                  "IFCLOGICAL(.T.)",
+                  {"1Hd7MYGzT7xfPnKQ1cRawj"},
+                  "GardenFurniture",
+                  "StaysOutside",
+                  "unknown",
+                  true},
+                 {"IFCMASSMEASURE(31.5)", "$", {"1Hd7MYGzT7xfPnKQ1cRawj"}, "GardenFurniture", "Weight", 31.5, nullptr},
+                 {"IFCCOUNTMEASURE(3)",
+                  "IFCCOUNTMEASURE(2)",
+                  {"1cytZbM913oPTxhjZHfVcM", "1S212e$JDE99gGm31lBhd8", "03a6ITW7vBEPSH9OqDCYxE",
+                   "3dBWPFtdvEpwYkB2jZAWq5", "2l8cIIoOb71wumkfi_tGE2"},
+                  "Pset_DoorWindowGlazingType",
+                  "GlassLayers",
+                  3,
+                  2}};
+
+    const json first = import(house_);
+    std::string edited = house_;
+    PropertyChanges expected;
+    std::set<std::string> objects;
+    for (const auto& edit : edits) {
+        edited = replaced(edited, edit.from, edit.to);
+        for (const char* identity : edit.identities) {
+            expected.insert(json::array({identity, edit.set, edit.name, edit.before, edit.now}));
+            objects.insert(identity);
+        }
+    }
+    const json report = import(edited);
+    EXPECT_EQ(changedProperties(report), expected);
+    EXPECT_EQ(report["counts"]["properties"], objects.size());
+    EXPECT_EQ(report["counts"]["unchanged"], first["objects"].size() - objects.size());
+
+    // Properties say nothing of where an object is, and are listed wherever it is.
+    const json moved = import(movedHouse(house_, "5.,0.,0."));
+    EXPECT_EQ(moved["counts"]["moved"], moved["objects"].size());
+    EXPECT_EQ(changedProperties(moved).size(), expected.size());
+}
+
+TEST_F(ImportPropertiesTest, ValuesOfAllKindsAreCompared) {
+    const std::string longText(400, 'x');
+    const std::string type = "IFCPROPERTYSINGLEVALUE('P',$,IFCREAL(1.),$);\n"
+                             "#9010=IFCFURNITURETYPE('1cccccccccccccccccccc1',#5,'T',$,$,(#9011),$,$,$,.NOTDEFINED.);\n"
+                             "#9011=IFCPROPERTYSET('1dddddddddddddddddddd1',#5,'Extra',$,(#9012,#9013));\n"
+                             "#9012=IFCPROPERTYSINGLEVALUE('P',$,IFCREAL(7.),$);\n"
+                             "#9013=IFCPROPERTYSINGLEVALUE('Q',$,IFCREAL(8.),$);\n"
+                             "#9014=IFCRELDEFINESBYTYPE('1eeeeeeeeeeeeeeeeeeee1',#5,$,$,(#3413),#9010)";
+    const struct {
+        std::string before;
+        std::string after;
+        std::string changes; // of set "Extra": name, old and new value
+    } cases[] = {
+        {"IFCPROPERTYENUMERATEDVALUE('P',$,(IFCLABEL('a'),IFCLABEL('b')),$)",
+         "IFCPROPERTYENUMERATEDVALUE('P',$,(IFCLABEL('a'),IFCLABEL('c, d')),$)", R"([["P", "a, b", "a, c, d"]])"},
+        {"IFCPROPERTYLISTVALUE('P',$,(IFCINTEGER(1),IFCINTEGER(2)),$)", "IFCPROPERTYLISTVALUE('P',$,$,$)",
+         R"([["P", "1, 2", null]])"},
+        {"IFCPROPERTYBOUNDEDVALUE('P',$,IFCREAL(5.),IFCREAL(1.),$)", "IFCPROPERTYBOUNDEDVALUE('P',$,$,IFCREAL(1.),$)",
+         R"([["P", "1. .. 5.", "1. .. "]])"},
+        {"IFCPROPERTYSINGLEVALUE('P',$,IFCTEXT('" + longText + "a'),$)",
+         "IFCPROPERTYSINGLEVALUE('P',$,IFCTEXT('" + longText + "b'),$)",
+         R"([["P", ")" + longText + R"(a", ")" + longText + R"(b"]])"},
+        {"IFCPROPERTYSINGLEVALUE('P',$,IFCLABEL('a'';b'),$)",
+         "IFCPROPERTYSINGLEVALUE /*'*/ (\r\n'P', $,/* ; */IFCTEXT\n( 'a'';\nb' /*)*/ ) , $ )", "[]"},
+        {"IFCPROPERTYSINGLEVALUE('Weight',$,IFCREAL(1.),$)", "IFCPROPERTYSINGLEVALUE('Weight',$,IFCREAL(2.),$)",
+         R"([["Weight", 1.0, 2.0]])"},
+        {"IFCPROPERTYSINGLEVALUE('P',$,$,$)", "IFCPROPERTYSINGLEVALUE('P',$,IFCBOOLEAN(.U.),$)",
+         R"([["P", null, "unknown"]])"},
+        {"IFCPROPERTYSINGLEVALUE('P',$,IFCREAL(1.E999),$)", "IFCPROPERTYSINGLEVALUE('P',$,IFCREAL(-1.5E-3),$)",
+         R"([["P", "1.E999", -0.0015]])"},
+        {"IFCPROPERTYSINGLEVALUE('P',$,IFCLENGTHMEASURE(2.5),$)",
+         "IFCPROPERTYSINGLEVALUE('P',$,IFCLENGTHMEASURE(2500.),#9002);\n"
+         "#9002=IFCSIUNIT(*,.LENGTHUNIT.,.MILLI.,.METRE.)",
+         "[]"},
+        {"IFCCOMPLEXPROPERTY('C',$,'',(#9002,#9003));\n#9002=IFCPROPERTYSINGLEVALUE('P',$,IFCREAL(1.),$);\n"
+         "#9003=IFCCOMPLEXPROPERTY('D',$,'',())",
+         "IFCCOMPLEXPROPERTY('C',$,'',(#9003));\n#9002=IFCPROPERTYSINGLEVALUE('P',$,IFCREAL(1.),$);\n"
+         "#9003=IFCCOMPLEXPROPERTY('D',$,'',(#9002))",
+         R"([["C.D.P", null, 1.0], ["C.P", 1.0, null]])"},
+        {"IFCPROPERTYSINGLEVALUE('P',$,$,$)",
+         "IFCCOMPLEXPROPERTY('C',$,'',(#9001,#9001,#9002,#777777));\n#9002=IFCPROPERTYSET('short',$,$,$,(#9002))",
+         "[]"},
+        {type, replaced(type, "IFCREAL(7.)", "IFCREAL(6.)"), "[]"},
+        {type, replaced(type, "IFCREAL(8.)", "IFCREAL(9.)"), R"([["Q", 8.0, 9.0]])"},
+        {type, replaced(type, "IFCREAL(1.)", "$"), R"([["P", 1.0, 7.0]])"}};
+    for (const auto& [before, after, changes] : cases) {
+        SCOPED_TRACE(after);
+        import(withTableProperty(house_, before));
+        json found = json::array();
+        for (const json& change : changedProperties(import(withTableProperty(house_, after)))) {
+            EXPECT_EQ(change[0], "1Hd7MYGzT7xfPnKQ1cRawj");
+            EXPECT_EQ(change[1], "Extra");
+            found.push_back(json::array({change[2], change[3], change[4]}));
+        }
+        EXPECT_EQ(found, json::parse(changes));
+    }
+}
+
+TEST_F(ImportPropertiesTest, StreamsHoldSetsAndSolids) {
+    import(house_);
+    EXPECT_NE(read(file("state/output/attributes"))
+                  .find("set\t22\t0Ls4IvI2v5nORbKYJdD5Z1\tcustom\t1ijk8xBsT24eX9U0L4H$Fn\tPset_DoorCommon\t\n"
+                        "property\t0\tFireExit\t\tboolean\tfalse\n"),
+              std::string::npos);
+    EXPECT_NE(read(file("state/output/attributes"))
+                  .find("\tIFC2X3_PSet_RampCommon\t1$1XnNqF58ROLChDaYVun2\tPset_RampCommon\t\n"
+                        "property\t0\tReference\t\ttext\tRA-5\n"
+                        "property\t0\tRequiredHeadroom\t\tlength\t2.2\n"
+                        "property\t0\tSlope\t\tangle\t0.08314748556500987\tRequiredSlope\n"),
+              std::string::npos);
+
+    // Each solid is as long as its line says, and its first surface has as many vertices as its bytes have room for.
+    std::istringstream solids(read(file("state/output/solids")));
+    int object = 0;
+    int type = 0;
+    std::size_t size = 0;
+    int count = 0;
+    while (solids >> object >> type >> size) {
+        EXPECT_EQ(object, ++count);
+        EXPECT_EQ(type, 2);
+        std::string bytes(size + 2, '\0');
+        solids.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        ASSERT_EQ(bytes.front(), '\n');
+        ASSERT_EQ(bytes.back(), '\n');
+        std::uint32_t head[3];
+        ASSERT_GE(size, sizeof head);
+        std::memcpy(head, bytes.data() + 1, sizeof head);
+        EXPECT_GE(head[0], 1u);
+        EXPECT_GE(head[2], 3u);
+        EXPECT_LE(sizeof head + head[2] * 3 * sizeof(double), size);
+    }
+    EXPECT_EQ(count, 35);
+}
+
+TEST_F(ImportPropertiesTest, StatesWithoutPropertiesStillServe) {
+    const std::size_t objects = import(house_)["objects"].size();
+    write(file("state/objects.state"), stateOfVersion1(read(file("state/objects.state"))));
+    const std::string edited = replaced(house_, "IFCMASSMEASURE(31.5)", "IFCMASSMEASURE(30.)");
+    const json report = import(edited);
+    EXPECT_EQ(report["counts"]["unchanged"], objects);
+    EXPECT_TRUE(changedProperties(report).empty());
+    EXPECT_EQ(import(house_)["counts"]["properties"], 1);
+}
+
+} // namespace
