@@ -135,6 +135,7 @@ TEST_F(ImportExampleTest, BadModelsAreRefused) {
         {"solid cube\nendsolid", "not an IFC file"},
         {house_.substr(0, house_.size() / 2), "truncated"},
         {house_.substr(0, house_.find("END-ISO")), "truncated"},
+        {replaced(house_, "#3402,#3412", "#3402,#777777"), "#777777"},
         {replaced(house_, "IFC2X3", "IFC4"), "IFC4"},
         {replaced(house_, "FILE_SCHEMA(('IFC2X3'));", ""), "schema"},
         {replaced(house_, "=IFCPROJECT(", "=IFCPROJECTS("), "IfcProject"}};

@@ -1,6 +1,7 @@
 #include "IfcFile.h"
 
 #include "IfcModel.h"
+#include "StepText.h"
 
 #include <algorithm>
 #include <cctype>
@@ -10,6 +11,7 @@
 #include <filesystem>
 #include <memory>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -55,6 +57,21 @@ std::string schemaOf(std::string_view text) {
     return schema;
 }
 
+/** The instances that others refer to must be there: the reader stumbles over one that is not. Throws ModelError. */
+void checkReferences(std::string_view model) {
+    std::vector<std::uint64_t> known;
+    std::vector<std::uint64_t> needed;
+    StepInstances instances(model);
+    while (const auto instance = instances.next()) {
+        known.push_back(instance->id);
+        appendStepReferences(instance->arguments, needed);
+    }
+    std::sort(known.begin(), known.end());
+    for (const std::uint64_t id : needed)
+        if (!std::binary_search(known.begin(), known.end(), id))
+            throw ModelError("the file is damaged: #" + std::to_string(id) + " is referred to and not there");
+}
+
 } // namespace
 
 std::string readIfcFile(const std::string& fileName) {
@@ -74,5 +91,6 @@ std::string readIfcFile(const std::string& fileName) {
     const std::string schema = schemaOf(model);
     if (schema.compare(0, 6, "IFC2X3") != 0)
         throw ModelError("not an IFC 2x3 model: its schema is " + (schema.empty() ? "missing" : schema));
+    checkReferences(model);
     return text;
 }

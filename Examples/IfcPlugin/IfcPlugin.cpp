@@ -123,22 +123,8 @@ void importModel(const ForeignObjectEnv_t& env, Streams& streams) {
     streams.progress(1.0, "done");
 }
 
-} // namespace
-
-PLUGIN_EXPORT void PluginInit() {
-    identities.reset(new (std::nothrow) ExternalGUIDDatabase);
-}
-
-PLUGIN_EXPORT void PluginDeInit() {
-    identities.reset();
-}
-
-/** Nothing may be thrown into the host: what goes wrong goes to the log stream. */
-PLUGIN_EXPORT int ImportModel() {
-    ForeignObjectEnv_t env;
-    if (!foreignobject_env_deserialize(env))
-        return ImportResult_WrongVersion;
-
+/** Imports the model; what goes wrong goes to the log stream. */
+int importInto(const ForeignObjectEnv_t& env) {
     Streams streams(env);
     try {
         if (!identities)
@@ -153,4 +139,24 @@ PLUGIN_EXPORT int ImportModel() {
         streams.error("unknown fault");
     }
     return ImportResult_Failed;
+}
+
+} // namespace
+
+PLUGIN_EXPORT void PluginInit() {
+    identities.reset(new (std::nothrow) ExternalGUIDDatabase);
+}
+
+PLUGIN_EXPORT void PluginDeInit() {
+    identities.reset();
+}
+
+/** Nothing may be thrown into the host. */
+PLUGIN_EXPORT int ImportModel() {
+    try {
+        ForeignObjectEnv_t env;
+        return foreignobject_env_deserialize(env) ? importInto(env) : ImportResult_WrongVersion;
+    } catch (...) {
+        return ImportResult_Failed; // not even memory to say why
+    }
 }

@@ -144,6 +144,14 @@ std::optional<std::uint64_t> stepReference(std::string_view argument) {
     return take(argument, '#') ? takeNumber<std::uint64_t>(argument) : std::nullopt;
 }
 
+void appendStepReferences(std::string_view arguments, std::vector<std::uint64_t>& references) {
+    for (takeUpTo(arguments, '#', '#', false); !arguments.empty(); takeUpTo(arguments, '#', '#', false)) {
+        if (const auto reference = stepReference(arguments))
+            references.push_back(*reference);
+        arguments.remove_prefix(1);
+    }
+}
+
 std::optional<std::string_view> stepQuoted(std::string_view argument) {
     if (!take(argument, '\''))
         return std::nullopt;

@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /** One instance: #7=IFCWALL('2O2Fr$t4X7Zf8NOew3FNtn',#33,'Wall'); */
 struct StepInstance {
@@ -53,6 +54,9 @@ StepArguments listMembers(std::string_view argument);
 
 /** The number behind the '#' of an argument that names an instance. */
 std::optional<std::uint64_t> stepReference(std::string_view argument);
+
+/** Appends the numbers of all instances that arguments name, also inside lists. */
+void appendStepReferences(std::string_view arguments, std::vector<std::uint64_t>& references);
 
 /** The text between the quotes of an argument, as encoded; nothing for an argument of another kind. */
 std::optional<std::string_view> stepQuoted(std::string_view argument);
