@@ -144,11 +144,34 @@ TEST_F(ImportExampleTest, BadModelsAreRefused) {
         expectFailure("--state state bad.ifc", 1, "bad.ifc: ", reason);
     }
     expectFailure("--state state missing.ifc", 1, "missing.ifc: ", "No such file");
-    expectFailure("--state state .", 1, ".: ", "folder");
 
     write(file("bad.ifc"), "");
     EXPECT_EQ(run("bad.ifc").exitCode, 1);
     EXPECT_FALSE(fs::exists(file("bad.ifc.import"))) << "a first import that fails leaves nothing behind";
+}
+
+TEST_F(ImportExampleTest, ModelsOfAFolderAreImportedEachForItself) {
+    import(house_);
+    fs::create_directory(file("models"));
+    expectFailure("models", 1, "models: ", "no model");
+    write(file("models/b.IFC"), house_);
+    write(file("models/a.ifc"), "");
+    write(file("models/notes.txt"), "no model");
+    for (int time = 0; time < 2; ++time) {
+        const Result result = run("models");
+        EXPECT_EQ(result.exitCode, 1);
+        EXPECT_NE(result.error.find("a.ifc: the file is empty"), std::string::npos) << result.error;
+        EXPECT_NE(read(file("stdout")).find(time == 0 ? "added             35" : "unchanged         35"),
+                  std::string::npos);
+    }
+    EXPECT_FALSE(fs::exists(file("models/a.ifc.import")));
+
+    EXPECT_EQ(run("--list models/b.IFC.import").exitCode, 0);
+    const std::string list = read(file("stdout"));
+    EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), 36);
+    EXPECT_NE(list.find("2Q3D669m15Uwr_ACk1kweT  IFCFURNISHINGELEMENT  Bench\n"), std::string::npos) << list;
+    expectFailure("--list models", 1, "models/objects.state: ", "No such file");
+    expectFailure("--list state house.ifc", 2, "without a model", "usage: ");
 }
 
 TEST_F(ImportExampleTest, BadPluginsAndPlacesAreRefused) {
@@ -184,6 +207,7 @@ TEST_F(ImportExampleTest, BadPluginsAndPlacesAreRefused) {
     expectFailure("--report house.ifc house.ifc", 2, "house.ifc is the model itself", "usage: ");
     expectFailure("house.ifc house.ifc", 2, "more than one model", "usage: ");
     expectFailure("--report new.json --picture new.json house.ifc", 2, "same file", "usage: ");
+    expectFailure("--state state .", 2, "not with a folder", "usage: ");
     expectFailure("--state state --report state/objects.state house.ifc", 2, "in the state folder", "usage: ");
     EXPECT_EQ(read(file("house.ifc")), house_);
 }

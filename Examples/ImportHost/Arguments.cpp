@@ -84,6 +84,7 @@ Arguments readArguments(int count, char** texts) {
                                    : text == "--state"   ? &arguments.state
                                    : text == "--report"  ? &arguments.report
                                    : text == "--picture" ? &arguments.picture
+                                   : text == "--list"    ? &arguments.list
                                                          : nullptr;
         if (value == nullptr && text != "--environment-version")
             throw UsageError("unknown option " + printable(text));
@@ -94,12 +95,21 @@ Arguments readArguments(int count, char** texts) {
         else
             arguments.environmentVersion = wholeNumber(text, texts[i]);
     }
+    if (!arguments.list.empty() && models.empty())
+        return arguments;
+    if (!arguments.list.empty())
+        throw UsageError("--list goes without a model");
     if (models.size() != 1 || models[0].empty())
         throw UsageError(models.size() > 1 ? "more than one model" : "no model");
 
     arguments.model = models[0];
     if (arguments.plugin.empty())
         arguments.plugin = (programFolder(texts[0]) / "ifc-plugin.so").string();
+    if (fs::is_directory(arguments.model)) {
+        if (!arguments.state.empty() || !arguments.report.empty() || !arguments.picture.empty())
+            throw UsageError("--state, --report and --picture go with one model, not with a folder");
+        return arguments;
+    }
     if (arguments.state.empty())
         arguments.state = arguments.model + ".import";
     checkTargets(arguments);

@@ -8,7 +8,8 @@
 #include <string>
 
 constexpr const char* usage = "usage: import-host [--plugin FILE] [--state DIR] [--report FILE.json] "
-                              "[--picture FILE.svg] [--environment-version N] MODEL.ifc";
+                              "[--picture FILE.svg] [--environment-version N] MODEL.ifc | FOLDER, "
+                              "or import-host --list STATE";
 
 class UsageError : public std::runtime_error {
 public:
@@ -16,9 +17,10 @@ public:
 };
 
 struct Arguments {
-    std::string model;
+    std::string model;          ///< a file, or a folder whose IFC files are all imported
     std::string plugin;         ///< by default the IFC plug-in beside the program
     std::string state;          ///< by default MODEL.ifc.import beside the model
+    std::string list;           ///< state whose objects are listed; nothing is imported then
     std::string report;         ///< empty: none
     std::string picture;        ///< empty: none
     int environmentVersion = 1; ///< another one is for testing what a plug-in says to it

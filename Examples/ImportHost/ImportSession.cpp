@@ -12,7 +12,9 @@
 #include <ImportCommon/DynamicLibrary.h>
 #include <ImportCommon/EnvironmentVariables.h>
 #include <ImportCommon/StringOperations.h>
+#include <ImportCommon/ThreadOperations.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <memory>
@@ -20,8 +22,11 @@
 using ImportCommon::DynamicLibrary;
 using ImportCommon::EnvironmentVariables;
 using ImportCommon::StringOperations;
+using ImportCommon::ThreadOperations;
 
 namespace {
+
+constexpr int progressInterval = 5000; ///< between two looks at the progress stream, in microseconds
 
 /** Sets a variable to a path. Throws Failure for a path that a plug-in would not read as it is. */
 void setPath(const std::wstring& key, const std::string& path) {
@@ -59,15 +64,46 @@ std::unique_ptr<DynamicLibrary> loadPlugin(const std::string& fileName) {
     return plugin;
 }
 
-int callImport(ImportModelFunction importModel, const ImportJob& job) {
-    const Progress progress(job.outputFolder + "/progress");
+/** A call of an import function on a thread of its own. */
+struct ImportCall {
+    ImportModelFunction importModel;
+    int result = ImportResult_Failed;
+    std::string exception; ///< that was thrown instead of a result
+    std::atomic<bool> hasEnded{false};
+};
+
+/** Runs on the new thread; @p data is a copy of the address of the call. */
+unsigned int runImportCall(void* data, unsigned long) {
+    ImportCall& call = **static_cast<ImportCall**>(data);
     try {
-        return importModel();
+        call.result = call.importModel();
     } catch (const std::exception& e) {
-        throw Failure(job.plugin, std::string("the import function threw an exception: ") + e.what());
+        call.exception = std::string("the import function threw an exception: ") + e.what();
     } catch (...) {
-        throw Failure(job.plugin, "the import function threw an exception");
+        call.exception = "the import function threw an exception";
     }
+    call.hasEnded = true;
+    return 0;
+}
+
+/** Calls the import function, and shows its progress until it returns. */
+int callImport(ImportModelFunction importModel, const ImportJob& job) {
+    ImportCall call;
+    call.importModel = importModel;
+    ImportCall* const address = &call;
+    Progress progress(job.outputFolder + "/progress");
+    const pthread_t thread = ThreadOperations::createThread(runImportCall, &address, sizeof address, false);
+    if (thread == pthread_t{})
+        throw Failure(job.plugin, "there is no thread for the import function");
+    while (!call.hasEnded) {
+        progress.update();
+        ThreadOperations::usleep(progressInterval);
+    }
+    ThreadOperations::closeThread(thread);
+    progress.update();
+    if (!call.exception.empty())
+        throw Failure(job.plugin, call.exception);
+    return call.result;
 }
 
 /** The last error that the plug-in wrote to the log stream. */

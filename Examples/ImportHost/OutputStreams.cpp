@@ -3,11 +3,15 @@
 #include "Failure.h"
 
 #include <ImportCommon/EnvironmentVariables.h>
+#include <ImportCommon/StringOperations.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 using ImportCommon::EnvironmentVariables;
+using ImportCommon::FileStream;
+using ImportCommon::StringOperations;
 
 namespace {
 
@@ -22,17 +26,12 @@ static_assert(sizeof streamNames / sizeof streamNames[0] == 16, "the import envi
 OutputStreams::OutputStreams(const std::string& folder) {
     for (const std::string name : streamNames) {
         const std::string fileName = std::string(folder).append("/").append(name);
-        FILE* file = std::fopen(fileName.c_str(), "wb");
         const std::wstring key = L"fo_handle_" + std::wstring(name.begin(), name.end());
-        if (file == nullptr || EnvironmentVariables::SetFileStreamHandle(key, file) != 0) {
-            const int reason = errno;
-            if (file != nullptr)
-                std::fclose(file);
-            for (Stream& stream : streams_)
-                closeStream(stream);
-            throw Failure(fileName, std::strerror(reason));
-        }
-        streams_.push_back({key, fileName, file});
+        std::unique_ptr<FileStream> file(
+            FileStream::createFileForWriting(StringOperations::ConvertFromCurrentLocale(fileName)));
+        if (!file || EnvironmentVariables::SetFileStreamHandle(key, file->getHandle()) != 0)
+            throw Failure(fileName, std::strerror(errno));
+        streams_.push_back({key, fileName, std::move(file)});
     }
 }
 
@@ -42,16 +41,17 @@ OutputStreams::~OutputStreams() {
 }
 
 int OutputStreams::closeStream(Stream& stream) {
-    if (stream.file == nullptr)
+    if (!stream.file)
         return 0;
     // Nobody may find a handle in the environment that is no longer open.
     EnvironmentVariables::SetFileStreamHandle(stream.key, nullptr);
 
-    const bool failedBefore = std::ferror(stream.file) != 0;
+    // A stream is closed by its destructor, which has no result: whatever can fail happens here.
+    const bool failedBefore = std::ferror(stream.file->getHandle()) != 0;
     errno = 0;
-    const bool failedNow = std::fclose(stream.file) != 0;
+    const bool failedNow = std::fflush(stream.file->getHandle()) != 0;
     const int reason = errno;
-    stream.file = nullptr;
+    stream.file.reset();
     if (!failedBefore && !failedNow)
         return 0;
     return reason != 0 ? reason : EIO;

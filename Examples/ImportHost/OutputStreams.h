@@ -4,7 +4,9 @@
  */
 #pragma once
 
-#include <cstdio>
+#include <ImportCommon/FileStream.h>
+
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -27,7 +29,7 @@ private:
     struct Stream {
         std::wstring key;
         std::string fileName;
-        FILE* file;
+        std::unique_ptr<ImportCommon::FileStream> file;
     };
 
     /** Closes one stream. @return 0, or the error number of what went wrong with it since it was opened */

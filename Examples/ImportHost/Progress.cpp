@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <stdexcept>
 #include <vector>
 
@@ -17,35 +16,20 @@ constexpr int barWidth = 40;
 
 Progress::Progress(const std::string& progressFile)
     : file_(std::fopen(progressFile.c_str(), "rb")), onTerminal_(::isatty(STDOUT_FILENO) != 0) {
-    if (file_ != nullptr)
-        thread_ = std::thread([this] { run(); });
 }
 
 Progress::~Progress() {
     if (file_ == nullptr)
         return;
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        done_ = true;
-    }
-    wake_.notify_one();
-    thread_.join();
     std::fclose(file_);
     if (onTerminal_ && shown_ >= 0)
         std::printf("\n");
     std::fflush(stdout);
 }
 
-void Progress::run() {
-    std::unique_lock<std::mutex> lock(mutex_);
-    while (!done_) {
-        readOn();
-        wake_.wait_for(lock, std::chrono::milliseconds(50));
-    }
-    readOn();
-}
-
-void Progress::readOn() {
+void Progress::update() {
+    if (file_ == nullptr)
+        return;
     std::clearerr(file_);
     for (int c = std::fgetc(file_); c != EOF; c = std::fgetc(file_)) {
         if (c != '\n') {

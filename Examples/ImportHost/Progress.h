@@ -4,15 +4,12 @@
  */
 #pragma once
 
-#include <condition_variable>
 #include <cstdio>
-#include <mutex>
 #include <string>
-#include <thread>
 
 /**
  * Reads along in the file of a progress stream while the plug-in writes to it, and shows a bar on a terminal, or a line
- * for every tenth of the way elsewhere. The plug-in works in the caller's thread, this object in one of its own.
+ * for every tenth of the way elsewhere.
  */
 class Progress {
 public:
@@ -22,17 +19,14 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
+    /** Shows what has come since the last call. */
+    void update();
+
 private:
-    void run();
-    void readOn();
     void show(double part, const std::string& what);
 
     FILE* file_;
     bool onTerminal_;
     std::string line_;
     int shown_ = -1;
-    bool done_ = false;
-    std::mutex mutex_;
-    std::condition_variable wake_;
-    std::thread thread_;
 };

@@ -112,18 +112,22 @@ void StateFolder::open() {
         throw Failure(path_, errno == EWOULDBLOCK ? "another import is running" : std::strerror(errno));
 }
 
+std::vector<ObjectRecord> StateFolder::read(const std::string& path) {
+    const std::string fileName = path + "/objects.state";
+    try {
+        return objectsFromText(readFile(fileName));
+    } catch (const Failure&) {
+        throw;
+    } catch (const std::runtime_error& e) {
+        throw Failure(fileName, e.what());
+    }
+}
+
 void StateFolder::load() {
-    const std::string fileName = path_ + "/objects.state";
     std::error_code error;
-    hasObjects_ = fs::exists(fs::symlink_status(fileName, error));
+    hasObjects_ = fs::exists(fs::symlink_status(path_ + "/objects.state", error));
     if (hasObjects_) {
-        try {
-            objects_ = objectsFromText(readFile(fileName));
-        } catch (const Failure&) {
-            throw;
-        } catch (const std::runtime_error& e) {
-            throw Failure(fileName, e.what());
-        }
+        objects_ = read(path_);
         return;
     }
     for (fs::directory_iterator entry(path_, error), end; !error && entry != end; entry.increment(error))

@@ -32,6 +32,9 @@ public:
     StateFolder(const StateFolder&) = delete;
     StateFolder& operator=(const StateFolder&) = delete;
 
+    /** The objects of a state, which must be there. Throws Failure. */
+    static std::vector<ObjectRecord> read(const std::string& path);
+
     /** Whether a model was imported before. */
     bool hasObjects() const { return hasObjects_; }
 

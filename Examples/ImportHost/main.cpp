@@ -7,20 +7,28 @@
 #include "Failure.h"
 #include "Files.h"
 #include "ImportSession.h"
+#include "Listing.h"
 #include "Picture.h"
 #include "Report.h"
 #include "StateFolder.h"
 #include "Table.h"
 #include "Text.h"
 
+#include <ImportCommon/FileOperations.h>
+#include <ImportCommon/StringOperations.h>
+
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 
 namespace fs = std::filesystem;
+
+using ImportCommon::FileOperations;
+using ImportCommon::StringOperations;
 
 namespace {
 
@@ -74,6 +82,40 @@ void importAndCompare(const Arguments& arguments) {
     state.commit();
 }
 
+/** The IFC files of a folder, by name. */
+std::vector<std::string> modelsIn(const std::string& folder) {
+    std::vector<std::string> models;
+    for (const std::wstring& file :
+         FileOperations::ScanFilesInDirectory(StringOperations::ConvertFromCurrentLocale(folder)))
+        if (FileOperations::MatchExtension(file, L"*.ifc"))
+            models.push_back(StringOperations::ConvertToCurrentLocale(file));
+    std::sort(models.begin(), models.end());
+    if (models.empty())
+        throw Failure(folder, "no model *.ifc in this folder");
+    return models;
+}
+
+int fail(const std::exception& reason) {
+    std::fprintf(stderr, "import-host: %s\n", printable(reason.what()).c_str());
+    return 1;
+}
+
+/** Imports each model of a folder into a state of its own; one that fails does not keep the others from it. */
+int importFolder(Arguments arguments) {
+    int result = 0;
+    for (const std::string& model : modelsIn(arguments.model)) {
+        print("== " + printable(model) + '\n');
+        arguments.model = model;
+        arguments.state = model + ".import";
+        try {
+            importAndCompare(arguments);
+        } catch (const std::exception& e) {
+            result = fail(e);
+        }
+    }
+    return result;
+}
+
 } // namespace
 
 int main(int count, char** texts) {
@@ -81,16 +123,17 @@ int main(int count, char** texts) {
         const Arguments arguments = readArguments(count, texts);
         if (arguments.help)
             print(std::string(usage) + '\n');
+        else if (!arguments.list.empty())
+            print(listingText(StateFolder::read(arguments.list)));
+        else if (fs::is_directory(arguments.model))
+            return importFolder(arguments);
         else
             importAndCompare(arguments);
         return 0;
     } catch (const UsageError& e) {
         std::fprintf(stderr, "import-host: %s; %s\n", e.what(), usage);
         return 2;
-    } catch (const Failure& e) {
-        std::fprintf(stderr, "import-host: %s\n", printable(e.what()).c_str());
     } catch (const std::exception& e) {
-        std::fprintf(stderr, "import-host: %s\n", printable(e.what()).c_str());
+        return fail(e);
     }
-    return 1;
 }
