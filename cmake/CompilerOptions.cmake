@@ -10,3 +10,6 @@ if(IMPORTCOMMON_SANITIZE)
         -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(importcommon-options INTERFACE -fsanitize=${IMPORTCOMMON_SANITIZE})
 endif()
+# What is built does not tell where: the same sources give the same bytes in any folder.
+target_compile_options(importcommon-options INTERFACE -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
+    -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
