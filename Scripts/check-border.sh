@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# Checks that every public header compiles alone without a warning, and that the library's bytes do not depend on the
+# folder that it is built in. Usage: Scripts/check-border.sh [BUILD_FOLDER]
+set -euo pipefail
+
+root=$(cd "$(dirname "$0")/.." && pwd)
+build=${1:-$root/build/border}
+flags="-I '$root/ImportSDK/ImportCommon/Include' -I '$root/DbFast/Include' -fsyntax-only"
+flags="$flags -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror"
+
+rm -rf "$build"
+mkdir -p "$build/headers"
+
+echo "-- Every header alone"
+for header in "$root"/ImportSDK/ImportCommon/Include/ImportCommon/*.h "$root"/DbFast/Include/DbFast/*.h; do
+    name=$(basename "$(dirname "$header")")/$(basename "$header")
+    source=$build/headers/$(basename "$header" .h)
+    # Twice, since a header may be included by several others.
+    printf '#include <%s>\n#include <%s>\n' "$name" "$name" | tee "$source.cpp" >"$source.c"
+    for compiler in g++ clang++; do
+        for standard in c++17 c++20; do
+            echo "$compiler -std=$standard $flags '$source.cpp'"
+        done
+    done
+    if [ "$name" = DbFast/dbfast.h ]; then
+        echo "gcc -std=c11 $flags '$source.c'"
+        echo "clang -std=c11 $flags '$source.c'"
+    fi
+done >"$build/commands"
+xargs -P "$(nproc)" -L 1 -a "$build/commands" env
+echo "$(wc -l <"$build/commands") compilations without a warning"
+
+echo "-- The same bytes from any folder"
+for folder in here some/where/else; do
+    sources=$build/$folder/sources
+    mkdir -p "$sources"
+    (cd "$root" && git ls-files -z | tar --null -T - -cf -) | tar -xf - -C "$sources"
+    cmake -S "$sources" -B "$build/$folder/build" -G Ninja -DIMPORTCOMMON_BUILD_EXAMPLES=OFF \
+        -DIMPORTCOMMON_BUILD_TESTS=OFF -DIMPORTCOMMON_BUILD_BENCHMARKS=OFF >"$build/configure.log"
+    cmake --build "$build/$folder/build" --target import-common >"$build/build.log" || { cat "$build/build.log"; exit 1; }
+done
+library=build/ImportSDK/ImportCommon/libimport-common.so
+cmp "$build/here/$library" "$build/some/where/else/$library"
+echo "Border: passed"

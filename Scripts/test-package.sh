@@ -1,0 +1,92 @@
+#!/usr/bin/env bash
+# Makes the packages, installs them, builds against them in every way that is promised, and removes them again. Needs
+# the rights to install packages. Usage: Scripts/test-package.sh [BUILD_FOLDER]
+set -euo pipefail
+
+root=$(cd "$(dirname "$0")/.." && pwd)
+build=${1:-$root/build/package}
+consumer=$root/Tests/Package
+packages=(libimport-common0 libimport-common-dev)
+warnings=(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+
+step() { printf -- '-- %s\n' "$*"; }
+fail() { echo "test-package.sh: $*" >&2; exit 1; }
+as_root() { if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi; }
+
+# quietly LOG COMMAND...: runs a command and shows what it said only when it fails.
+quietly() {
+    local log=$build/$1.log
+    shift
+    "$@" >"$log" 2>&1 || { cat "$log" >&2; fail "failed: $*"; }
+}
+
+# consume NAME [CMAKE_OPTION...]: builds and runs host and plug-in of Tests/Package.
+consume() {
+    local name=$1
+    shift
+    quietly "$name" cmake -S "$consumer" -B "$build/$name" -G Ninja "$@"
+    quietly "$name" cmake --build "$build/$name"
+    quietly "$name" ctest --test-dir "$build/$name" --output-on-failure --no-tests=error
+}
+
+# consume_with_pkgconfig NAME: the same without CMake.
+consume_with_pkgconfig() {
+    local folder=$build/$1 cflags libs
+    cflags=$(pkg-config --cflags import-common)
+    libs="$(pkg-config --libs import-common) -Wl,-rpath,$(pkg-config --variable=libdir import-common)"
+    mkdir -p "$folder"
+    # shellcheck disable=SC2086 # options are several words
+    {
+        cc -std=c11 "${warnings[@]}" $cflags -c "$consumer/table.c" -o "$folder/table.o"
+        c++ -std=c++17 "${warnings[@]}" $cflags "$consumer/host.cpp" "$folder/table.o" -o "$folder/host" $libs
+        c++ -std=c++17 "${warnings[@]}" $cflags -shared -fPIC "$consumer/plugin.cpp" -o "$folder/plugin.so" $libs
+    }
+    quietly "$1" "$folder/host" "$folder/plugin.so"
+}
+
+rm -rf "$build"
+mkdir -p "$build"
+
+step "Packages"
+options=(-DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr -DIMPORTCOMMON_BUILD_EXAMPLES=OFF
+    -DIMPORTCOMMON_BUILD_TESTS=OFF -DIMPORTCOMMON_BUILD_BENCHMARKS=OFF -DIMPORTCOMMON_WERROR=ON)
+quietly build cmake -S "$root" -B "$build/library" -G Ninja "${options[@]}"
+quietly build cmake --build "$build/library"
+(cd "$build/library" && quietly cpack cpack -B "$build/packages")
+
+remove() { as_root dpkg --purge "${packages[@]}" >/dev/null 2>&1; }
+trap remove EXIT
+quietly install as_root dpkg -i "$build"/packages/*.deb
+files=$(dpkg -L "${packages[@]}" | sort -u | while read -r file; do [ -d "$file" ] || echo "$file"; done)
+
+step "Against the installed packages: CMake, pkg-config, the examples, the guide"
+consume cmake
+consume_with_pkgconfig pkgconfig
+if cmake -S "$consumer" -B "$build/wrong-version" -DIMPORTCOMMON_VERSION=1.0 >"$build/wrong-version.log" 2>&1; then
+    fail "version 1.0 was asked for and $(pkg-config --modversion import-common) taken"
+fi
+quietly examples cmake -S /usr/share/import-common/examples -B "$build/examples" -G Ninja
+quietly examples cmake --build "$build/examples"
+"$root/Scripts/check-guide.py" "$build/guide"
+
+step "Removal"
+trap - EXIT
+quietly remove as_root dpkg --purge "${packages[@]}"
+[ -n "$files" ] || fail "the packages are empty"
+for file in $files; do
+    [ ! -e "$file" ] || fail "$file is left behind"
+done
+
+step "Against an installed folder that was moved"
+quietly moved cmake --install "$build/library" --prefix "$build/first"
+mv "$build/first" "$build/moved"
+libraries=$(dirname "$(find "$build/moved" -name libimport-common.so)")
+consume cmake-moved -DCMAKE_PREFIX_PATH="$build/moved"
+PKG_CONFIG_PATH=$libraries/pkgconfig consume_with_pkgconfig pkgconfig-moved
+
+step "As a part of another project"
+consume subdirectory -DIMPORTCOMMON_EMBED=subdirectory -DIMPORTCOMMON_SOURCE="$root"
+consume fetch -DIMPORTCOMMON_EMBED=fetch -DIMPORTCOMMON_SOURCE="$root"
+quietly subdirectory cmake --install "$build/subdirectory" --prefix "$build/nothing"
+[ ! -e "$build/nothing/include" ] || fail "a project that embeds the library installs it"
+echo "Packages: passed"
