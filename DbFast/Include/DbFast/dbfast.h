@@ -56,30 +56,35 @@ enum {
 
 /** One field of a row. `size` counts for DBF_STRING, DBF_BYTES (bytes) and DBF_WSTRING (characters); at least 1. */
 typedef struct dbf_fieldspec {
-    int32_t type;
-    int32_t size;
+    int32_t type; /**< a field type, or DBF_END behind the last field */
+    int32_t size; /**< bytes or characters; not looked at for the other types */
 } dbf_fieldspec;
 
 /** Storage of a table: rows to make room for at once (0 or more), and rows per bucket (1 to 65535). */
 typedef struct dbf_tablespec {
-    int32_t initialrows;
-    int32_t rowsperbucket;
+    int32_t initialrows;   /**< rows to make room for at once; 0 or more */
+    int32_t rowsperbucket; /**< rows that are allocated together; 1 to 65535 */
 } dbf_tablespec;
 
 /** Kind of an index (1, a hash index, is the only one) and whether a key may occur just once (not 0). */
 typedef struct dbf_indexspec {
-    int32_t kind;
-    int32_t unique;
+    int32_t kind;   /**< 1 for a hash index */
+    int32_t unique; /**< not 0 when a key may occur just once */
 } dbf_indexspec;
 
 /** Where a row lives. A row keeps its location until it is deleted or its table is cleared. */
 typedef struct dbf_rowid {
-    uint16_t bucket;
-    uint16_t slot;
+    uint16_t bucket; /**< number of the bucket, from 0 */
+    uint16_t slot;   /**< number of the row in its bucket, from 0 */
 } dbf_rowid;
 
+/** A table; opaque. */
 typedef struct dbf_table dbf_table;
+
+/** An index of a table; opaque. */
 typedef struct dbf_index dbf_index;
+
+/** A cursor over rows of a table; opaque. */
 typedef struct dbf_cursor dbf_cursor;
 
 /**
@@ -96,18 +101,22 @@ DBFAST_API dbf_table* dbf_createtable(const dbf_tablespec* tablespec, const dbf_
 
 /**
  * Drops a table with its indexes and rows. Cursors on it must be closed before.
+ * @param table  the table; may be null
  * @return DBF_OK
  */
 DBFAST_API int dbf_droptable(dbf_table* table);
 
 /**
  * Removes all rows and gives back the storage beyond the initial room; indexes stay, empty.
+ * @param table  the table
  * @return DBF_OK, or DBF_FAILED when the smaller index arrays could not be had (the table is empty and usable)
  */
 DBFAST_API int dbf_cleartable(dbf_table* table);
 
 /**
  * Stores a copy of @p row in the lowest free slot.
+ * @param table  the table
+ * @param row    a row in the layout of the table's fields; read during the call only
  * @return DBF_OK; DBF_DUPLICATE when a unique index holds the key already; DBF_FAILED without memory or room. After a
  *         DBF_FAILED nothing stored is lost, and a later insert tries again.
  */
@@ -115,12 +124,16 @@ DBFAST_API int dbf_insert(dbf_table* table, const void* row);
 
 /**
  * Finds the row whose key fields equal those in @p row and copies the whole row into @p row.
+ * @param index  a unique index
+ * @param row    the key fields are read; receives the whole row when there is one
  * @return DBF_OK, DBF_NOTFOUND, or DBF_NOTUNIQUE for an index that is not unique
  */
 DBFAST_API int dbf_select(dbf_index* index, void* row);
 
 /**
  * Overwrites the row whose key in @p index equals that of @p row, and moves it in every other index.
+ * @param index  a unique index
+ * @param row    the new row, with the key of the old one
  * @return DBF_OK, DBF_NOTFOUND, DBF_NOTUNIQUE; DBF_DUPLICATE when another unique index has the new key already (the row
  *         is unchanged)
  */
@@ -128,6 +141,8 @@ DBFAST_API int dbf_update(dbf_index* index, const void* row);
 
 /**
  * Deletes the row whose key equals that of @p row; its slot is free for a later insert.
+ * @param index  a unique index
+ * @param row    a row buffer, of which the key fields are read
  * @return DBF_OK, DBF_NOTFOUND, or DBF_NOTUNIQUE for an index that is not unique
  */
 DBFAST_API int dbf_delete(dbf_index* index, const void* row);
@@ -135,12 +150,16 @@ DBFAST_API int dbf_delete(dbf_index* index, const void* row);
 /**
  * Creates a hash index over the fields numbered in @p keyfields (from 0, ended by a negative number, each at most once)
  * and enters the rows that the table already holds.
+ * @param table      the table
+ * @param indexspec  kind and uniqueness; read during the call only
+ * @param keyfields  numbers of the key fields; read during the call only
  * @return the index, owned by the table; null for an invalid specification or without memory
  */
 DBFAST_API dbf_index* dbf_createindex(dbf_table* table, const dbf_indexspec* indexspec, const int32_t* keyfields);
 
 /**
  * Drops one index; the rows stay.
+ * @param index  the index; may be null
  * @return DBF_OK
  */
 DBFAST_API int dbf_dropindex(dbf_index* index);
@@ -151,6 +170,8 @@ DBFAST_API int dbf_dropindex(dbf_index* index);
  * Rows with the same key come newest first. When the table grows, its indexes are made anew from the rows as they are
  * stored, so that the rows come in descending order of their location then.
  *
+ * @param index   the index
+ * @param keyrow  a row buffer, of which the key fields are read
  * @return the row's location, owned by the index and valid until the next insert into or clearing of the table; null
  *         when there is none
  */
@@ -158,6 +179,8 @@ DBFAST_API const dbf_rowid* dbf_findhashmatch(dbf_index* index, const void* keyr
 
 /**
  * Finds the next row with the same key.
+ * @param index   the index
+ * @param keyrow  a row buffer with the same key
  * @param match  what dbf_findhashmatch or this function returned for the same index and key
  * @return as dbf_findhashmatch
  */
@@ -168,28 +191,39 @@ DBFAST_API const dbf_rowid* dbf_findhashmatch_next(dbf_index* index, const void*
  *
  * A cursor holds the locations of its rows as they were when it was opened. Rows inserted later are not seen. Close a
  * cursor before its table is dropped.
+ * @param table  the table
  * @return the cursor, owned by the caller until dbf_closecursor; null without memory
  */
 DBFAST_API dbf_cursor* dbf_opencursor_all(dbf_table* table);
 
 /**
  * Opens a cursor over the rows whose key fields equal those of @p keyrow, newest first. The index may be unique or not.
+ * @param index   the index
+ * @param keyrow  a row buffer, of which the key fields are read
  * @return as dbf_opencursor_all
  */
 DBFAST_API dbf_cursor* dbf_opencursor(dbf_index* index, const void* keyrow);
 
 /**
  * Goes to the next row and copies it into @p row.
+ * @param cursor  the cursor
+ * @param row     receives the row, in the layout of the table's fields
  * @return DBF_OK; DBF_NOTFOUND at the end, and once for a row that was deleted since (the next call goes on behind it;
  *         dbf_getcursorrowcount tells the two apart)
  */
 DBFAST_API int dbf_fetch(dbf_cursor* cursor, void* row);
 
-/** Number of rows not fetched yet, deleted ones included. */
+/**
+ * Number of rows not fetched yet, deleted ones included.
+ * @param cursor  the cursor
+ * @return the number
+ */
 DBFAST_API int dbf_getcursorrowcount(dbf_cursor* cursor);
 
 /**
  * Overwrites the row fetched last and moves it in every index whose key changes.
+ * @param cursor  the cursor
+ * @param row     the new row, in the layout of the table's fields
  * @return DBF_OK; DBF_NOTFOUND before the first fetch or when the row is gone; DBF_DUPLICATE when a unique index has
  * the new key already (nothing was changed)
  */
@@ -197,12 +231,14 @@ DBFAST_API int dbf_updatecurrent(dbf_cursor* cursor, const void* row);
 
 /**
  * Deletes the row fetched last; the cursor goes on behind it.
+ * @param cursor  the cursor
  * @return DBF_OK; DBF_NOTFOUND before the first fetch or when the row is gone
  */
 DBFAST_API int dbf_deletecurrent(dbf_cursor* cursor);
 
 /**
  * Closes a cursor.
+ * @param cursor  the cursor
  * @return DBF_OK
  */
 DBFAST_API int dbf_closecursor(dbf_cursor* cursor);

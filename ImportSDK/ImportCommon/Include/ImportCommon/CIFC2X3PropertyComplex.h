@@ -11,7 +11,11 @@ namespace ImportCommon {
 /** A complex value that is filled at construction; otherwise just an IFC2X3PropertyComplex. */
 class IMPORT_COMMON_API CIFC2X3PropertyComplex : public IFC2X3PropertyComplex {
 public:
-    /** Copies the first 256 characters of @p usageName, which must not be null, and the set. */
+    /**
+     * Copies the first 256 characters of @p usageName, which must not be null, and the set.
+     * @param usageName  what the set is used for
+     * @param set        the nested set
+     */
     CIFC2X3PropertyComplex(const wchar_t* usageName, const IFC2X3PropertySet& set)
         : IFC2X3PropertyComplex(usageName, set) {}
 };

@@ -18,6 +18,10 @@ public:
     /** Enters a section for as long as it lives; does nothing for a null section. */
     class IMPORT_COMMON_API Lock {
     public:
+        /**
+         * Enters the section.
+         * @param section  the section, which must live longer than the lock; may be null
+         */
         explicit Lock(CriticalSection* section);
         ~Lock();
 
@@ -35,10 +39,18 @@ public:
     CriticalSection(const CriticalSection&) = delete;
     CriticalSection& operator=(const CriticalSection&) = delete;
 
-    /** Notes @p lock, which may be null, and locks the mutex. @return 0 or the system's error number */
+    /**
+     * Notes @p lock, which may be null, and locks the mutex.
+     * @param lock  who enters
+     * @return 0 or the system's error number
+     */
     int Enter(Lock* lock);
 
-    /** Unlocks the mutex; @p lock is not looked at. @return 0 or the system's error number */
+    /**
+     * Unlocks the mutex; @p lock is not looked at.
+     * @param lock  who leaves
+     * @return 0 or the system's error number
+     */
     int Leave(Lock* lock);
 
 private:

@@ -20,7 +20,10 @@ public:
     /** What find returns when there is no match. */
     static constexpr unsigned int NotFound = 0xFFFFFFFF;
 
-    /** An empty tree for vectors of @p dimension doubles. Without memory it stays empty for good. */
+    /**
+     * An empty tree for vectors of @p dimension doubles. Without memory it stays empty for good.
+     * @param dimension  number of doubles in a vector
+     */
     explicit CDxKDTree(unsigned int dimension);
     ~CDxKDTree();
 
@@ -29,11 +32,16 @@ public:
 
     /**
      * Adds a copy of the vector unless a match is met on its way down.
+     * @param vector  as many doubles as the tree has dimensions; copied
      * @return the id of the new node or of the match; without memory 0, which can't be told from the first node's id
      */
     unsigned int insert(const double* vector);
 
-    /** Id of a match met on the vector's way down, or NotFound. */
+    /**
+     * Id of a match met on the vector's way down, or NotFound.
+     * @param vector  as many doubles as the tree has dimensions
+     * @return the id or NotFound
+     */
     unsigned int find(const double* vector);
 
     /**
@@ -44,7 +52,10 @@ public:
      */
     const double* getVector(unsigned int id);
 
-    /** Number of nodes. */
+    /**
+     * Number of nodes.
+     * @return the number
+     */
     unsigned int getCount() const;
 
 private:

@@ -23,15 +23,23 @@ public:
     /**
      * Loads the library at @p path (symbols are bound as they are used). The second text is not used. An empty path is
      * left to the system: on Linux it gives the running executable.
+     * @param path    path of the library
+     * @param second  not used
      * @return the library, owned by the caller, who deletes it to unload; null when it could not be loaded: the first
      *         failure in a process writes the system's reason to the log
      */
     static DynamicLibrary* loadDynamicLibrary(const std::wstring& path, const std::wstring& second);
 
-    /** The running executable as a library; owned by the caller; null on failure. */
+    /**
+     * The running executable as a library; owned by the caller; null on failure.
+     * @return the library or null
+     */
     static DynamicLibrary* getExecutable();
 
-    /** Takes over a handle of the system's loader (null: not loaded) and calls "PluginInit" if the library has it. */
+    /**
+     * Takes over a handle of the system's loader (null: not loaded) and calls "PluginInit" if the library has it.
+     * @param handle  the handle, closed with this object; may be null
+     */
     explicit DynamicLibrary(void* handle);
 
     /** Calls "PluginDeInit" if the library has it, and unloads. An exception from there ends the process. */
@@ -40,10 +48,17 @@ public:
     DynamicLibrary(const DynamicLibrary&) = delete;
     DynamicLibrary& operator=(const DynamicLibrary&) = delete;
 
-    /** Address of an exported symbol; null when there is none or nothing is loaded. Valid while this object lives. */
+    /**
+     * Address of an exported symbol; null when there is none or nothing is loaded. Valid while this object lives.
+     * @param name  the symbol's name, as the linker knows it
+     * @return the address or null
+     */
     void* getSymbolAddress(const std::string& name);
 
-    /** Whether a library is loaded. */
+    /**
+     * Whether a library is loaded.
+     * @return whether one is
+     */
     bool isValid() const;
 
 private:

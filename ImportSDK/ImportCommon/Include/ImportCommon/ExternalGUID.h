@@ -10,6 +10,7 @@ namespace ImportCommon {
 
 /** A PX GUID: 16 bytes that the library only copies and compares. */
 struct PXGUID_t {
+    /** The bytes, in the order in which they are stored. */
     unsigned char bytes[16];
 };
 
@@ -45,30 +46,58 @@ public:
 
     /** Kinds of identity; the numbers are part of the stored form. */
     enum Type_t : unsigned int {
-        GUIDTypeNone = 0,
-        GUIDTypeSpatialHash = 1,
-        GUIDTypeIFCGlobalID = 2,
-        GUIDTypePX = 3,
-        GUIDTypeHalvorneObi = 4
+        GUIDTypeNone = 0,        ///< no identity
+        GUIDTypeSpatialHash = 1, ///< a hash of the vertices: 11 doubles
+        GUIDTypeIFCGlobalID = 2, ///< an IFC GlobalId: 22 characters
+        GUIDTypePX = 3,          ///< a PX GUID: 16 bytes
+        GUIDTypeHalvorneObi = 4  ///< a Halvorne object id: an integer
     };
 
     /** An identity of kind GUIDTypeNone. */
     ExternalGUID();
+
+    /**
+     * A deep copy.
+     * @param other  what is copied
+     */
     ExternalGUID(const ExternalGUID& other);
+
+    /**
+     * A deep copy; an empty value stays empty.
+     * @param other  what is copied
+     * @return this identity
+     */
     ExternalGUID& operator=(const ExternalGUID& other);
     ~ExternalGUID();
 
-    /** Identity from the first 22 characters of a GlobalId; of a shorter text the rest is zero. A null pointer gives no
-     * identity. */
+    /**
+     * Identity from the first 22 characters of a GlobalId; of a shorter text the rest is zero. A null pointer gives no
+     * identity.
+     * @param globalId  the text; read during the call only
+     * @return the identity
+     */
     static ExternalGUID fromIFCGlobalID(const char* globalId);
 
-    /** Identity from a PX GUID. */
+    /**
+     * Identity from a PX GUID.
+     * @param guid  the PX GUID
+     * @return the identity
+     */
     static ExternalGUID fromPX(const PXGUID_t& guid);
 
-    /** Identity from a Halvorne object id. */
+    /**
+     * Identity from a Halvorne object id.
+     * @param obi  the id
+     * @return the identity
+     */
     static ExternalGUID fromHalvorneObi(int obi);
 
-    /** Identity from a stored record: takes the first 96 of @p size bytes; what a shorter stream lacks is zero. */
+    /**
+     * Identity from a stored record: takes the first 96 of @p size bytes; what a shorter stream lacks is zero.
+     * @param size   number of bytes
+     * @param bytes  the bytes; read during the call only
+     * @return the identity
+     */
     static ExternalGUID fromByteStream(unsigned int size, const char* bytes);
 
     /**
@@ -81,28 +110,51 @@ public:
      * @param count  number of vertices
      * @param xyz    their coordinates, three doubles each. With a count of 0 or 1 the first vertex is the centre, so
      *               there must be one even with 0; a null pointer gives a zero hash.
+     * @return the identity
      */
     static ExternalGUID spatialHashFromVertexes(unsigned int count, const double* xyz);
 
-    /** Makes this identity a spatial hash of the given 11 doubles. */
+    /**
+     * Makes this identity a spatial hash of the given 11 doubles.
+     * @param values  SpatialHashSize doubles; copied
+     */
     void fromSpatialHash(const double* values);
 
-    /** The record of 96 bytes, owned by this object; @p size receives 96. */
+    /**
+     * The record of 96 bytes, owned by this object; @p size receives 96.
+     * @param size  receives the number of bytes
+     * @return the record
+     */
     const char* getBytes(unsigned int* size) const;
 
-    /** The kind. After fromByteStream it is whatever number the stream began with. */
+    /**
+     * The kind. After fromByteStream it is whatever number the stream began with.
+     * @return the kind
+     */
     Type_t getType() const;
 
-    /** The 11 doubles of a spatial hash, owned by this object; 11 zeros for any other kind. */
+    /**
+     * The 11 doubles of a spatial hash, owned by this object; 11 zeros for any other kind.
+     * @return the doubles
+     */
     const double* getSpatialHash() const;
 
-    /** The GlobalId as zero-terminated text, owned by this object; "" for any other kind. */
+    /**
+     * The GlobalId as zero-terminated text, owned by this object; "" for any other kind.
+     * @return the text
+     */
     const char* getIFCGlobalID() const;
 
-    /** The PX GUID; all zero for any other kind. */
+    /**
+     * The PX GUID; all zero for any other kind.
+     * @return the PX GUID
+     */
     const PXGUID_t& getPXGUID() const;
 
-    /** The Halvorne object id; 0 for any other kind. */
+    /**
+     * The Halvorne object id; 0 for any other kind.
+     * @return the id
+     */
     int getHalvorneObi() const;
 
 private:

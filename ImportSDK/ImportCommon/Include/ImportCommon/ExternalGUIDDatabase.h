@@ -12,7 +12,9 @@ namespace ImportCommon {
  * Runtime id of an identity: 0 and up for spatial hashes, -2 and below for all other kinds, -1 for none or failure.
  * Ids are valid within one database and are not stored.
  */
-enum ExternalGUIDRuntimeID_e : int { ExternalGUIDRuntimeID_None = -1 };
+enum ExternalGUIDRuntimeID_e : int {
+    ExternalGUIDRuntimeID_None = -1 ///< no identity, or failure
+};
 
 /**
  * Gives every external identity of an import a compact runtime id and turns an id back into its identity.
@@ -33,15 +35,24 @@ public:
 
     /**
      * The identity's runtime id; an identity that is not known yet is added.
+     * @param guid  the identity; copied
      * @return -1 for an identity of no kind, or when it could not be stored. A spatial hash that could not be stored
      * for lack of memory gives 0.
      */
     ExternalGUIDRuntimeID_e insertGUID(const ExternalGUID& guid);
 
-    /** The identity's runtime id, or -1 when it is not known. */
+    /**
+     * The identity's runtime id, or -1 when it is not known.
+     * @param guid  the identity
+     * @return the id or -1
+     */
     ExternalGUIDRuntimeID_e findGUID(const ExternalGUID& guid);
 
-    /** The identity of a runtime id; an identity of kind GUIDTypeNone for an id that was never handed out. */
+    /**
+     * The identity of a runtime id; an identity of kind GUIDTypeNone for an id that was never handed out.
+     * @param id  a runtime id of this database
+     * @return the identity
+     */
     ExternalGUID findGUID(ExternalGUIDRuntimeID_e id);
 
 private:

@@ -18,13 +18,25 @@ class IMPORT_COMMON_API ExternalVersion {
 public:
     /** An invalid version. */
     ExternalVersion();
+
+    /**
+     * A deep copy.
+     * @param other  what is copied
+     */
     ExternalVersion(const ExternalVersion& other);
 
-    /** Adopts @p version, which this handle now owns and deletes. */
+    /**
+     * Adopts @p version, which this handle now owns and deletes.
+     * @param version  an object from `new`, or null
+     */
     ExternalVersion(CExternalVersion* version);
     ~ExternalVersion();
 
-    /** Replaces the owned object by a copy. A handle assigned to itself becomes an invalid version; that is meant. */
+    /**
+     * Replaces the owned object by a copy. A handle assigned to itself becomes an invalid version; that is meant.
+     * @param other  what is copied
+     * @return this handle
+     */
     ExternalVersion& operator=(const ExternalVersion& other);
 
     /** @copydoc CExternalVersion::operator== */
@@ -63,13 +75,35 @@ private:
     CExternalVersion* version_;
 };
 
-/** A bounding box version from the box's dimensions. */
+/**
+ * A bounding box version from the box's dimensions.
+ * @param x  length of the box along x
+ * @param y  length along y
+ * @param z  length along z
+ * @return the version
+ */
 IMPORT_COMMON_API ExternalVersion createFromBoundingBox(double x, double y, double z);
 
-/** A geometry version from the box's dimensions and eight distances, which are copied. */
+/**
+ * A geometry version from the box's dimensions and eight distances, which are copied.
+ * @param x          length of the box along x
+ * @param y          length along y
+ * @param z          length along z
+ * @param distances  eight distances
+ * @return the version
+ */
 IMPORT_COMMON_API ExternalVersion createFromGeometry(double x, double y, double z, const double* distances);
 
-/** A solid version from the box's dimensions, eight distances, volume and centroid (three coordinates), all copied. */
+/**
+ * A solid version from the box's dimensions, eight distances, volume and centroid (three coordinates), all copied.
+ * @param x          length of the box along x
+ * @param y          length along y
+ * @param z          length along z
+ * @param distances  eight distances
+ * @param volume     the volume
+ * @param centroid   x, y and z of the centroid
+ * @return the version
+ */
 IMPORT_COMMON_API ExternalVersion createFromSolid(double x, double y, double z, const double* distances, double volume,
                                                   const double* centroid);
 

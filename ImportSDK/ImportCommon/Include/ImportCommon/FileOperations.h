@@ -27,99 +27,201 @@ struct SystemTime_s {
  */
 class IMPORT_COMMON_API FileOperations {
 public:
-    /** Whether a regular file is at the path; a socket counts as one, since just the bit of regular files is tested. */
+    /**
+     * Whether a regular file is at the path; a socket counts as one, since just the bit of regular files is tested.
+     * @param path  the path
+     * @return whether there is one
+     */
     static bool Exists(const std::wstring& path);
 
-    /** Whether a folder is at the path; a block device or a socket counts as one, since just a bit is tested. */
+    /**
+     * Whether a folder is at the path; a block device or a socket counts as one, since just a bit is tested.
+     * @param path  the path
+     * @return whether there is one
+     */
     static bool IsDirectory(const std::wstring& path);
 
-    /** Removes a file. */
+    /**
+     * Removes a file.
+     * @param path  the file
+     * @return whether it was removed
+     */
     static bool Delete(const std::wstring& path);
 
-    /** Makes one folder with mode 0755; its parent must exist. */
+    /**
+     * Makes one folder with mode 0755; its parent must exist.
+     * @param path  the folder to make
+     * @return whether it was made; false when there is one already
+     */
     static bool MakeDirectory(const std::wstring& path);
 
-    /** Removes an empty folder. */
+    /**
+     * Removes an empty folder.
+     * @param path  the folder
+     * @return whether it was removed
+     */
     static bool DeleteDirectory(std::wstring path);
 
-    /** Whether the owner may read the file, whoever asks. */
+    /**
+     * Whether the owner may read the file, whoever asks.
+     * @param path  the file
+     * @return whether the owner may; false when it can't be examined
+     */
     static bool HasReadAccess(const std::wstring& path);
 
-    /** Whether the owner may write the file, whoever asks. */
+    /**
+     * Whether the owner may write the file, whoever asks.
+     * @param path  the file
+     * @return whether the owner may; false when it can't be examined
+     */
     static bool HasWriteAccess(const std::wstring& path);
 
-    /** Size in bytes; 0 for a file that can't be examined. */
+    /**
+     * Size in bytes; 0 for a file that can't be examined.
+     * @param path  the file
+     * @return the size or 0
+     */
     static unsigned long long GetFileSize(const std::wstring& path);
 
-    /** Free bytes of the path's file system, those reserved for the superuser included; 0 on failure. */
+    /**
+     * Free bytes of the path's file system, those reserved for the superuser included; 0 on failure.
+     * @param path  any file or folder in the file system
+     * @return the number or 0
+     */
     static unsigned long long GetFreeBytesAvailable(const std::wstring& path);
 
-    /** Time of the last change in units of 100 nanoseconds since 1601-01-01 00:00 UTC; 0 on failure. */
+    /**
+     * Time of the last change in units of 100 nanoseconds since 1601-01-01 00:00 UTC; 0 on failure.
+     * @param path  the file
+     * @return the time or 0
+     */
     static unsigned long long GetFileLastWriteTime(const std::wstring& path);
 
-    /** A time of GetFileLastWriteTime as local time; all zero for one that the system can't break down. */
+    /**
+     * A time of GetFileLastWriteTime as local time; all zero for one that the system can't break down.
+     * @param time  units of 100 nanoseconds since 1601-01-01 00:00 UTC
+     * @return the time
+     */
     static SystemTime_s ConvertToSystemTime(unsigned long long time);
 
-    /** Always "no time on OSX". */
+    /**
+     * Always "no time on OSX".
+     * @param time  not looked at
+     * @return that text
+     */
     static std::wstring ConvertSystemTimeToTimeString(const SystemTime_s& time);
 
-    /** Always "no time on OSX". */
+    /**
+     * Always "no time on OSX".
+     * @param time  not looked at
+     * @return that text
+     */
     static std::wstring ConvertSystemTimeToDateString(const SystemTime_s& time);
 
     /**
      * The absolute path without links and dots. A path that begins with "/" is returned as it is. A bare name that
      * doesn't exist is put behind the current folder; of a longer path that doesn't exist comes back what the system
      * could resolve. Empty when the result would be longer than the system's longest path.
+     * @param path  the path
+     * @return the absolute path
      */
     static std::wstring GetFullPath(const std::wstring& path);
 
-    /** The last component of the path; "." for an empty path. */
+    /**
+     * The last component of the path; "." for an empty path.
+     * @param path  the path
+     * @return the component
+     */
     static std::wstring GetFileWithoutPath(const std::wstring& path);
 
-    /** The last component up to its last "."; the spelling of the name is part of the interface. */
+    /**
+     * The last component up to its last "."; the spelling of the name is part of the interface.
+     * @param path  the path
+     * @return the name
+     */
     static std::wstring GetFileWithoutExtenstion(const std::wstring& path);
 
     /**
      * The folder of an existing file, absolute, without a slash at its end; empty on failure. A path that begins with
      * "/" is returned whole, its file part included; that is meant.
+     * @param path  the file
+     * @return the folder
      */
     static std::wstring GetFullFolder(const std::wstring& path);
 
-    /** Always empty on this platform. */
+    /**
+     * Always empty on this platform.
+     * @param address  not looked at
+     * @return an empty text
+     */
     static std::wstring GetModuleByAddress(const void* address);
 
     /**
      * Whether a file name ends as one of the patterns in a list like `*.ifc|*.ifcxml` says, in either case of ASCII
      * letters. An empty list matches everything; an empty pattern ends the list.
+     * @param file        the file name
+     * @param extensions  patterns, separated by "|"
+     * @return whether one matches
      */
     static bool MatchExtension(const std::wstring& file, const std::wstring& extensions);
 
-    /** Length of the first pattern of a list: up to "|" or the end. */
+    /**
+     * Length of the first pattern of a list: up to "|" or the end.
+     * @param extensions  zero-terminated list of patterns
+     * @return the number of characters
+     */
     static unsigned int ParseExtension(const wchar_t* extensions);
 
     /**
      * Whether a file name ends as a pattern of @p length characters does. The first character of either is never
      * looked at, and a name that is shorter than the pattern matches when all its characters do.
+     * @param file     the file name
+     * @param pattern  the pattern, such as `*.ifc`
+     * @param length   its number of characters
+     * @return whether it matches
      */
     static bool MatchExtension(const std::wstring& file, const wchar_t* pattern, unsigned int length);
 
-    /** The path with "/" added, unless it is empty or ends with a slash or backslash. */
+    /**
+     * The path with "/" added, unless it is empty or ends with a slash or backslash.
+     * @param path  the path
+     * @return the path with the slash
+     */
     static std::wstring InsertEndingDirectorySlash(const std::wstring& path);
 
     /**
      * Paths of all entries of a folder that aren't folders, in the system's order; empty when the folder can't be read.
      * Entries whose names aren't valid UTF-8 of the Basic Multilingual Plane are left out.
+     * @param directory  the folder
+     * @return the paths
      */
     static std::vector<std::wstring> ScanFilesInDirectory(const std::wstring& directory);
 
-    /** Not available on this platform: gives four zeros and true. */
+    /**
+     * Not available on this platform: gives four zeros and true.
+     * @param path      not looked at
+     * @param major     receives 0
+     * @param minor     receives 0
+     * @param revision  receives 0
+     * @param build     receives 0
+     * @return true
+     */
     static bool GetProductVersion(const std::wstring& path, unsigned int* major, unsigned int* minor,
                                   unsigned int* revision, unsigned int* build);
 
-    /** Not available on this platform: does nothing, and leaves the results as they are. */
+    /**
+     * Not available on this platform: does nothing, and leaves the results as they are.
+     * @param path      not looked at
+     * @param readable  left as it is
+     * @param writable  left as it is
+     */
     static void oe_file_access_core(const std::wstring& path, bool* readable, bool* writable);
 
-    /** Upper case of an ASCII letter; any other value unchanged. */
+    /**
+     * Upper case of an ASCII letter; any other value unchanged.
+     * @param character  the character
+     * @return the upper case
+     */
     static int MyToUpper(int character);
 };
 

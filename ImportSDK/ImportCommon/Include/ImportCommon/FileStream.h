@@ -21,42 +21,74 @@ public:
     /** No stream: reads and writes fail. */
     FileStream();
 
-    /** A stream on @p handle, which is closed with this object if @p owns says so. */
+    /**
+     * A stream on @p handle, which is closed with this object if @p owns says so.
+     * @param handle  the stream; may be null
+     * @param owns    whether to close it
+     */
     FileStream(FILE* handle, bool owns);
     ~FileStream();
 
     FileStream(const FileStream&) = delete;
     FileStream& operator=(const FileStream&) = delete;
 
-    /** Creates and opens a new file "/tmp/QLM." with eight more characters. It is not removed when it is closed. */
+    /**
+     * Creates and opens a new file "/tmp/QLM." with eight more characters. It is not removed when it is closed.
+     * @return the stream or null
+     */
     static FileStream* createTemporaryFile();
 
-    /** Opens an existing file. */
+    /**
+     * Opens an existing file.
+     * @param path  the file
+     * @return the stream or null
+     */
     static FileStream* openFileForReading(const std::wstring& path);
 
-    /** Creates a file, or empties an existing one, and opens it for writing and reading. */
+    /**
+     * Creates a file, or empties an existing one, and opens it for writing and reading.
+     * @param path  the file
+     * @return the stream or null
+     */
     static FileStream* createFileForWriting(const std::wstring& path);
 
-    /** A stream on a handle that stays open when the stream is deleted. */
+    /**
+     * A stream on a handle that stays open when the stream is deleted.
+     * @param handle  the open stream
+     * @return the stream or null
+     */
     static FileStream* createFromHandle(FILE* handle);
 
     /** Goes to the start. */
     void seekToBegin();
 
-    /** Goes to a byte; a failure is not reported. */
+    /**
+     * Goes to a byte; a failure is not reported.
+     * @param offset  from the start, in bytes
+     */
     void seekToOffset(unsigned long offset);
 
     /**
      * Reads up to @p size bytes into @p out, which is resized to what was read. Only the low 32 bits of the size count,
      * as a signed number; a negative one reads nothing. Throws `std::bad_alloc` without memory.
+     * @param size  number of bytes to read
+     * @param out   receives what was read
      * @return whether anything was read; false without a handle, which leaves @p out as it is
      */
     bool read(unsigned long size, std::vector<char>& out);
 
-    /** Writes @p size bytes. @return whether all were written; never for 2 GiB and more, though they are written */
+    /**
+     * Writes @p size bytes.
+     * @param size  number of bytes to write
+     * @param data  the bytes
+     * @return whether all were written; never for 2 GiB and more, though they are written
+     */
     bool write(unsigned long size, const char* data);
 
-    /** The stream's handle, owned as before; null without one. */
+    /**
+     * The stream's handle, owned as before; null without one.
+     * @return the handle or null
+     */
     FILE* getHandle() const;
 
 private:

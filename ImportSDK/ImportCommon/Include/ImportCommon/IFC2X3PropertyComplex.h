@@ -14,21 +14,36 @@ class IMPORT_COMMON_API IFC2X3PropertyComplex {
 public:
     /** An empty usage name and an empty set. */
     IFC2X3PropertyComplex();
+
+    /**
+     * A deep copy.
+     * @param other  what is copied
+     */
     IFC2X3PropertyComplex(const IFC2X3PropertyComplex& other);
     IFC2X3PropertyComplex& operator=(const IFC2X3PropertyComplex&) = delete;
     ~IFC2X3PropertyComplex();
 
-    /** The zero-terminated usage name, owned by this object. */
+    /**
+     * The zero-terminated usage name, owned by this object.
+     * @return the text
+     */
     const wchar_t* getUsageName() const;
 
     /** @copydoc getUsageName */
     const wchar_t* getUsageName2() const;
 
-    /** The nested set, owned by this object. */
+    /**
+     * The nested set, owned by this object.
+     * @return the set
+     */
     const IFC2X3PropertySet& getPropertySet() const;
 
 protected:
-    /** Copies the first 256 characters of @p usageName, and the set. */
+    /**
+     * Copies the first 256 characters of @p usageName, and the set.
+     * @param usageName  what the set is used for
+     * @param set        the nested set
+     */
     IFC2X3PropertyComplex(const wchar_t* usageName, const IFC2X3PropertySet& set);
 
 private:

@@ -22,31 +22,58 @@ public:
     /** An empty set. */
     IFC2X3PropertySet() noexcept;
 
-    /** A deep copy with exactly as much room as it needs. Without memory for the list it is empty; without memory for a
-     * property it throws `std::bad_alloc`. */
+    /**
+     * A deep copy with exactly as much room as it needs. Without memory for the list it is empty; without memory for a
+     * property it throws `std::bad_alloc`.
+     * @param other  what is copied
+     */
     IFC2X3PropertySet(const IFC2X3PropertySet& other);
 
-    /** Takes the properties over; @p other is empty afterwards. */
+    /**
+     * Takes the properties over; @p other is empty afterwards.
+     * @param other  what is taken over
+     */
     IFC2X3PropertySet(IFC2X3PropertySet&& other) noexcept;
 
-    /** A deep copy, as the copy constructor makes it; when that throws, this set is unchanged. */
+    /**
+     * A deep copy, as the copy constructor makes it; when that throws, this set is unchanged.
+     * @param other  what is copied
+     * @return this set
+     */
     IFC2X3PropertySet& operator=(const IFC2X3PropertySet& other);
 
-    /** Takes the properties over; @p other is empty afterwards. */
+    /**
+     * Takes the properties over; @p other is empty afterwards.
+     * @param other  what is taken over
+     * @return this set
+     */
     IFC2X3PropertySet& operator=(IFC2X3PropertySet&& other) noexcept;
     ~IFC2X3PropertySet();
 
-    /** Number of properties. */
+    /**
+     * Number of properties.
+     * @return the number
+     */
     unsigned int getCount() const;
 
-    /** The property at an index, owned by the set; a shared property of Type_Null for an index beyond the last. */
+    /**
+     * The property at an index, owned by the set; a shared property of Type_Null for an index beyond the last.
+     * @param index  from 0
+     * @return the property
+     */
     const IFC2X3Property& getProperty(unsigned int index) const;
 
-    /** Appends a deep copy. Without memory for a longer list nothing is added, silently; without memory for the
-     * property `std::bad_alloc` is thrown and the set is unchanged. */
+    /**
+     * Appends a deep copy. Without memory for a longer list nothing is added, silently; without memory for the
+     * property `std::bad_alloc` is thrown and the set is unchanged.
+     * @param property  what is copied
+     */
     void addProperty(const IFC2X3Property& property);
 
-    /** Appends the property, whose value is taken over; otherwise as the copying form. */
+    /**
+     * Appends the property, whose value is taken over; otherwise as the copying form.
+     * @param property  what is taken over
+     */
     void addProperty(IFC2X3Property&& property);
 
     /** Removes all properties; the room of the list is kept. */

@@ -36,43 +36,81 @@ public:
     };
 
     /** A three-state value. The library itself produces only Logical_Unknown and interprets none. */
-    enum Logical_s : int { Logical_False = 0, Logical_True = 1, Logical_Unknown = 2 };
+    enum Logical_s : int {
+        Logical_False = 0,  ///< false
+        Logical_True = 1,   ///< true
+        Logical_Unknown = 2 ///< neither is known
+    };
 
     /** A value of type ValueType_Default. */
     IFC2X3PropertySingleValue();
 
-    /** The type, which says which getter serves. */
+    /**
+     * The type, which says which getter serves.
+     * @return the type
+     */
     ValueType_t getValueType() const;
 
-    /** The flag of a ValueType_Boolean; false for any other type. */
+    /**
+     * The flag of a ValueType_Boolean; false for any other type.
+     * @return the flag
+     */
     bool getBooleanValue() const;
 
-    /** The state of a ValueType_Logical; Logical_Unknown for any other type. */
+    /**
+     * The state of a ValueType_Logical; Logical_Unknown for any other type.
+     * @return the state
+     */
     Logical_s getLogicalValue() const;
 
-    /** The number of a ValueType_Integer; 0 for any other type. */
+    /**
+     * The number of a ValueType_Integer; 0 for any other type.
+     * @return the number
+     */
     int getIntValue() const;
 
-    /** The number of a ValueType_Integer64; 0 for any other type. */
+    /**
+     * The number of a ValueType_Integer64; 0 for any other type.
+     * @return the number
+     */
     long long getInt64Value() const;
 
-    /** The number of a real-valued type: ValueType_Default, Real, Length, RealMeasure6 to 8 and PlaneAngle; 0.0 for any
-     * other type. */
+    /**
+     * The number of a real-valued type: ValueType_Default, Real, Length, RealMeasure6 to 8 and PlaneAngle; 0.0 for any
+     * other type.
+     * @return the number
+     */
     double getRealValue() const;
 
-    /** The zero-terminated text of a ValueType_String, owned by this object; empty for any other type. */
+    /**
+     * The zero-terminated text of a ValueType_String, owned by this object; empty for any other type.
+     * @return the text
+     */
     const wchar_t* getStringValue() const;
 
     /** @copydoc getStringValue */
     const wchar_t* getStringValue2() const;
 
-    /** Whether values of the type are real numbers. */
+    /**
+     * Whether values of the type are real numbers.
+     * @param type  a type of value
+     * @return whether they are
+     */
     static constexpr bool isRealType(ValueType_t type) {
         return type == ValueType_Default || (type >= ValueType_Real && type <= ValueType_PlaneAngle);
     }
 
 protected:
-    /** All fields; at most TextSize characters of @p text are read and stored. */
+    /**
+     * All fields; at most TextSize characters of @p text are read and stored.
+     * @param type          says which of the values counts
+     * @param boolValue     the flag
+     * @param logicalValue  the three-state value
+     * @param intValue      the 32-bit integer
+     * @param int64Value    the 64-bit integer
+     * @param realValue     the real number
+     * @param text          the text
+     */
     IFC2X3PropertySingleValue(ValueType_t type, bool boolValue, Logical_s logicalValue, int intValue,
                               long long int64Value, double realValue, const wchar_t* text);
 

@@ -21,7 +21,7 @@ struct IFC2X3_PSet_BeamCommon_s {
     bool hasSpan;            ///< whether `Span` is present
     bool hasSlope;           ///< whether `Slope` is present
 
-    /** The set "Pset_BeamCommon"; see IFC2X3_PSet_Custom_s. */
+    /** @return the set "Pset_BeamCommon"; see IFC2X3_PSet_Custom_s */
     IMPORT_COMMON_API operator IFC2X3_PSet_Custom_s() const;
 };
 

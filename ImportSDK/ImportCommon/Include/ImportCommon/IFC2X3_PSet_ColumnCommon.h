@@ -18,7 +18,7 @@ struct IFC2X3_PSet_ColumnCommon_s {
     int SlopeKind;           ///< what `Slope` is: 1 a length, 2 an angle in degrees; any other: it is left out
     bool hasSlope;           ///< whether `Slope` is present
 
-    /** The set "Pset_ColumnCommon"; see IFC2X3_PSet_Custom_s. */
+    /** @return the set "Pset_ColumnCommon"; see IFC2X3_PSet_Custom_s */
     IMPORT_COMMON_API operator IFC2X3_PSet_Custom_s() const;
 };
 

@@ -28,9 +28,31 @@ struct IFC2X3_PSet_Custom_s {
 
     /** Empty texts and no properties; whoever builds the set fills them. */
     IMPORT_COMMON_API IFC2X3_PSet_Custom_s();
+
+    /**
+     * A deep copy.
+     * @param other  what is copied
+     */
     IMPORT_COMMON_API IFC2X3_PSet_Custom_s(const IFC2X3_PSet_Custom_s& other);
+
+    /**
+     * Takes the properties over and copies the rest.
+     * @param other  has no properties afterwards
+     */
     IMPORT_COMMON_API IFC2X3_PSet_Custom_s(IFC2X3_PSet_Custom_s&& other) noexcept;
+
+    /**
+     * A deep copy.
+     * @param other  what is copied
+     * @return this set
+     */
     IMPORT_COMMON_API IFC2X3_PSet_Custom_s& operator=(const IFC2X3_PSet_Custom_s& other);
+
+    /**
+     * Takes the properties over and copies the rest.
+     * @param other  has no properties afterwards
+     * @return this set
+     */
     IMPORT_COMMON_API IFC2X3_PSet_Custom_s& operator=(IFC2X3_PSet_Custom_s&& other) noexcept;
     IMPORT_COMMON_API ~IFC2X3_PSet_Custom_s();
 };

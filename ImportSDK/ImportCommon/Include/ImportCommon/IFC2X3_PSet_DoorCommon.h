@@ -27,7 +27,7 @@ struct IFC2X3_PSet_DoorCommon_s {
     bool hasGlazingAreaFraction;  ///< whether `GlazingAreaFraction` is present
     bool hasHandicapAccessible;   ///< whether `HandicapAccessible` is present
 
-    /** The set "Pset_DoorCommon"; see IFC2X3_PSet_Custom_s. */
+    /** @return the set "Pset_DoorCommon"; see IFC2X3_PSet_Custom_s */
     IMPORT_COMMON_API operator IFC2X3_PSet_Custom_s() const;
 };
 

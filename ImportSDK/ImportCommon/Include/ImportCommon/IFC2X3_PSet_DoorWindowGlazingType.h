@@ -40,7 +40,7 @@ struct IFC2X3_PSet_DoorWindowGlazingType_s {
     bool hasThermalTransmittanceSummer; ///< whether `ThermalTransmittanceSummer` is present
     bool hasThermalTransmittanceWinter; ///< whether `ThermalTransmittanceWinter` is present
 
-    /** The set "Pset_DoorWindowGlazingType"; see IFC2X3_PSet_Custom_s. */
+    /** @return the set "Pset_DoorWindowGlazingType"; see IFC2X3_PSet_Custom_s */
     IMPORT_COMMON_API operator IFC2X3_PSet_Custom_s() const;
 };
 

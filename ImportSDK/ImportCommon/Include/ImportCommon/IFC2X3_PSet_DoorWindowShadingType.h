@@ -17,7 +17,7 @@ struct IFC2X3_PSet_DoorWindowShadingType_s {
     bool hasInternalShadingCoefficient; ///< whether `InternalShadingCoefficient` is present
     bool hasInsetShadingCoefficient;    ///< whether `InsetShadingCoefficient` is present
 
-    /** The set "Pset_DoorWindowShadingType"; see IFC2X3_PSet_Custom_s. */
+    /** @return the set "Pset_DoorWindowShadingType"; see IFC2X3_PSet_Custom_s */
     IMPORT_COMMON_API operator IFC2X3_PSet_Custom_s() const;
 };
 

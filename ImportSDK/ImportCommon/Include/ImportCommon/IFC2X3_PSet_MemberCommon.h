@@ -21,7 +21,7 @@ struct IFC2X3_PSet_MemberCommon_s {
     int SpanKind;            ///< what `Span` is: 1 a length, 2 an angle in degrees; any other: it is left out
     int SlopeKind;           ///< what `Slope` is: 1 a length, 2 an angle in degrees; any other: it is left out
 
-    /** The set "Pset_MemberCommon"; see IFC2X3_PSet_Custom_s. */
+    /** @return the set "Pset_MemberCommon"; see IFC2X3_PSet_Custom_s */
     IMPORT_COMMON_API operator IFC2X3_PSet_Custom_s() const;
 };
 

@@ -17,7 +17,7 @@ struct IFC2X3_PSet_RailingCommon_s {
     bool hasHeight;         ///< whether `Height` is present
     bool hasDiameter;       ///< whether `Diameter` is present
 
-    /** The set "Pset_RailingCommon"; see IFC2X3_PSet_Custom_s. */
+    /** @return the set "Pset_RailingCommon"; see IFC2X3_PSet_Custom_s */
     IMPORT_COMMON_API operator IFC2X3_PSet_Custom_s() const;
 };
 

@@ -23,7 +23,7 @@ struct IFC2X3_PSet_RampCommon_s {
     bool hasSlope;             ///< whether `Slope` is present
     int SlopeKind;             ///< what `Slope` is: 1 a length, 2 an angle in degrees; any other: it is left out
 
-    /** The set "Pset_RampCommon"; see IFC2X3_PSet_Custom_s. */
+    /** @return the set "Pset_RampCommon"; see IFC2X3_PSet_Custom_s */
     IMPORT_COMMON_API operator IFC2X3_PSet_Custom_s() const;
 };
 

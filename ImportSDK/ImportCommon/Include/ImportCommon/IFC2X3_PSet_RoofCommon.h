@@ -14,7 +14,7 @@ struct IFC2X3_PSet_RoofCommon_s {
     wchar_t FireRating[256]; ///< fire rating, by the national code
     bool IsExternal;         ///< whether it is part of the outer shell
 
-    /** The set "Pset_RoofCommon"; see IFC2X3_PSet_Custom_s. */
+    /** @return the set "Pset_RoofCommon"; see IFC2X3_PSet_Custom_s */
     IMPORT_COMMON_API operator IFC2X3_PSet_Custom_s() const;
 };
 

@@ -25,7 +25,7 @@ struct IFC2X3_PSet_SlabCommon_s {
     bool hasThermalTransmittance;      ///< whether `ThermalTransmittance` is present
     bool hasPitchAngle;                ///< whether `PitchAngle` is present
 
-    /** The set "Pset_SlabCommon"; see IFC2X3_PSet_Custom_s. */
+    /** @return the set "Pset_SlabCommon"; see IFC2X3_PSet_Custom_s */
     IMPORT_COMMON_API operator IFC2X3_PSet_Custom_s() const;
 };
 

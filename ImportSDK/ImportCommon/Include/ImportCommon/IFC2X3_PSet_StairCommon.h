@@ -27,7 +27,7 @@ struct IFC2X3_PSet_StairCommon_s {
     bool hasTreadLength;       ///< whether `TreadLength` is present
     bool hasRequiredHeadroom;  ///< whether `RequiredHeadroom` is present
 
-    /** The set "Pset_StairCommon"; see IFC2X3_PSet_Custom_s. */
+    /** @return the set "Pset_StairCommon"; see IFC2X3_PSet_Custom_s */
     IMPORT_COMMON_API operator IFC2X3_PSet_Custom_s() const;
 };
 

@@ -25,7 +25,7 @@ struct IFC2X3_PSet_WallCommon_s {
     bool hasExtendToStructure;         ///< whether `ExtendToStructure` is present
     bool hasCompartmentation;          ///< whether `Compartmentation` is present
 
-    /** The set "Pset_WallCommon"; see IFC2X3_PSet_Custom_s. */
+    /** @return the set "Pset_WallCommon"; see IFC2X3_PSet_Custom_s */
     IMPORT_COMMON_API operator IFC2X3_PSet_Custom_s() const;
 };
 

@@ -24,7 +24,7 @@ struct IFC2X3_PSet_WindowCommon_s {
     bool hasGlazingAreaFraction;  ///< whether `GlazingAreaFraction` is present
     bool hasSmokeStop;            ///< whether `SmokeStop` is present
 
-    /** The set "Pset_WindowCommon"; see IFC2X3_PSet_Custom_s. */
+    /** @return the set "Pset_WindowCommon"; see IFC2X3_PSet_Custom_s */
     IMPORT_COMMON_API operator IFC2X3_PSet_Custom_s() const;
 };
 

@@ -10,11 +10,11 @@ namespace ImportCommon {
 
 /** Severity of a log message. The library itself reports every warning and error as KitLogLevel_Warning. */
 enum KitLogLevel_e : int {
-    KitLogLevel_Trace = 0,
-    KitLogLevel_Debug = 1,
-    KitLogLevel_Info = 2,
-    KitLogLevel_Notice = 3,
-    KitLogLevel_Warning = 4
+    KitLogLevel_Trace = 0,  ///< steps of an operation
+    KitLogLevel_Debug = 1,  ///< for the developer
+    KitLogLevel_Info = 2,   ///< for the user
+    KitLogLevel_Notice = 3, ///< what the user should know
+    KitLogLevel_Warning = 4 ///< a fault
 };
 
 /**
@@ -22,6 +22,9 @@ enum KitLogLevel_e : int {
  *
  * Nothing is added, not even a newline, and @p level is not looked at: every message is written. That is meant; who
  * wants lines writes the newline.
+ *
+ * @param level   the severity
+ * @param format  as for `printf`, with the arguments that it asks for
  */
 #if defined(__GNUC__)
 __attribute__((format(printf, 2, 3)))
@@ -29,13 +32,24 @@ __attribute__((format(printf, 2, 3)))
 IMPORT_COMMON_API void
 KitLog(KitLogLevel_e level, const char* format, ...);
 
-/** Time in ticks; always 0 on this platform. */
+/**
+ * Time in ticks; always 0 on this platform.
+ * @return 0
+ */
 IMPORT_COMMON_API long long KitGetTime();
 
-/** Seconds between two times of KitGetTime; always 0.0 on this platform. */
+/**
+ * Seconds between two times of KitGetTime; always 0.0 on this platform.
+ * @param start  a time of KitGetTime
+ * @param end    a later one
+ * @return 0.0
+ */
 IMPORT_COMMON_API double KitTimeDeltaAsSeconds(long long start, long long end);
 
-/** Whether a debugger traces this process; false when the system can't tell. */
+/**
+ * Whether a debugger traces this process; false when the system can't tell.
+ * @return whether one does
+ */
 IMPORT_COMMON_API bool IsDebuggerPresent();
 
 /** Stops at a breakpoint when a debugger is attached, and does nothing otherwise. */

@@ -17,13 +17,30 @@ public:
     /** No bytes. */
     PngTexture();
 
-    /** A copy of the bytes. */
+    /**
+     * A copy of the bytes.
+     * @param data  the bytes of a PNG file
+     */
     PngTexture(const std::vector<char>& data);
+
+    /**
+     * A copy of the bytes.
+     * @param other  what is copied
+     */
     PngTexture(const PngTexture& other);
+
+    /**
+     * A copy of the bytes.
+     * @param other  what is copied
+     * @return this object
+     */
     PngTexture& operator=(const PngTexture& other);
     ~PngTexture();
 
-    /** The bytes, owned by this object. */
+    /**
+     * The bytes, owned by this object.
+     * @return the bytes
+     */
     const std::vector<char>& getData() const;
 
 private:

@@ -8,181 +8,181 @@
 
 namespace ImportCommon {
 
-/** Classes of PX objects; 0 has no name. */
+/** Classes of PX objects, with their labels; 0 has none. */
 enum AttributeClassPX_e : int {
-    AttributeClassPX_PXBEAM = 1,
-    AttributeClassPX_PXPOLYBEAM = 2,
-    AttributeClassPX_PXCONTOURPLATE = 3,
-    AttributeClassPX_PXCURVEDBEAM = 4
+    AttributeClassPX_PXBEAM = 1,         ///< "PXBEAM"
+    AttributeClassPX_PXPOLYBEAM = 2,     ///< "PXPOLYBEAM"
+    AttributeClassPX_PXCONTOURPLATE = 3, ///< "PXCONTOURPLATE"
+    AttributeClassPX_PXCURVEDBEAM = 4    ///< "PXCURVEDBEAM"
 };
 
-/** Classes of DGN elements. */
+/** Classes of DGN elements, with their labels. */
 enum AttributeClassDGN_e : int {
-    AttributeClassDGN_DGNINVALID = 0,
-    AttributeClassDGN_DGNCELL = 1,
-    AttributeClassDGN_DGNBSPLINESURFACE = 2,
-    AttributeClassDGN_DGNSHAPE = 3,
-    AttributeClassDGN_DGNCONE = 4,
-    AttributeClassDGN_DGNCOMPLEXCHAIN = 5,
-    AttributeClassDGN_DGNCOMPLEXSHAPE = 6,
-    AttributeClassDGN_DGN3DSURFACE = 7,
-    AttributeClassDGN_DGN3DSOLID = 8,
-    AttributeClassDGN_DGNSYMBOLREFERENCE = 9,
-    AttributeClassDGN_DGNSMARTSOLID = 10,
-    AttributeClassDGN_DGNMESH = 11
+    AttributeClassDGN_DGNINVALID = 0,         ///< "DGNINVALID"
+    AttributeClassDGN_DGNCELL = 1,            ///< "DGNCELL"
+    AttributeClassDGN_DGNBSPLINESURFACE = 2,  ///< "DGNBSPLINESURFACE"
+    AttributeClassDGN_DGNSHAPE = 3,           ///< "DGNSHAPE"
+    AttributeClassDGN_DGNCONE = 4,            ///< "DGNCONE"
+    AttributeClassDGN_DGNCOMPLEXCHAIN = 5,    ///< "DGNCOMPLEXCHAIN"
+    AttributeClassDGN_DGNCOMPLEXSHAPE = 6,    ///< "DGNCOMPLEXSHAPE"
+    AttributeClassDGN_DGN3DSURFACE = 7,       ///< "DGN3DSURFACE"
+    AttributeClassDGN_DGN3DSOLID = 8,         ///< "DGN3DSOLID"
+    AttributeClassDGN_DGNSYMBOLREFERENCE = 9, ///< "DGNSYMBOLREFERENCE"
+    AttributeClassDGN_DGNSMARTSOLID = 10,     ///< "DGNSMARTSOLID"
+    AttributeClassDGN_DGNMESH = 11            ///< "DGNMESH"
 };
 
-/** Classes of DWG entities; their prefixes differ and are meant as they stand. */
+/** Classes of DWG entities, with their labels; their prefixes differ and are meant as they stand. */
 enum AttributeClassDWG_e : int {
-    AttributeClassDWG_ACINVALID = 0,
-    AttributeClassDWG_ACBLOCKTABLE = 1,
-    AttributeClassDWG_ACPROXY = 2,
-    AttributeClassDWG_ACTEXT = 3,
-    AttributeClassDWG_ACMTEXT = 4,
-    AttributeClassDWG_ACPOLYFACEMESH = 5,
-    AttributeClassDWG_ACAECDBMVBLOCKREF = 6,
-    AttributeClassDWG_ACAECDBENTREF = 7,
-    AttributeClassDWG_ACAECDBCAMERA = 8,
-    AttributeClassDWG_ACAECDBMASKBLOCKREF = 9,
-    AttributeClassDWG_AECDBMASSELEM = 10,
-    AttributeClassDWG_AECDBPOLYGON = 11,
-    AttributeClassDWG_AECDBMASSGROUP = 12,
-    AttributeClassDWG_AECDBSLICE = 13,
-    AttributeClassDWG_AECDBLAYOUTCURVE = 14,
-    AttributeClassDWG_AECDBLAYOUTGRID2D = 15,
-    AttributeClassDWG_AECDBLAYOUTGRID3D = 16,
-    AttributeClassDWG_AECDBCLIPVOL = 17,
-    AttributeClassDWG_AECDB2DSECTION = 18,
-    AttributeClassDWG_AECDBBDGELEVLINE = 19,
-    AttributeClassDWG_AECDBBDGSECTIONLINE = 20,
-    AttributeClassDWG_AECDBBDGSECTION = 21,
-    AttributeClassDWG_AECDBCEILINGGRID = 22,
-    AttributeClassDWG_AECDBCURTAINWALLLAYOUT = 23,
-    AttributeClassDWG_AECDBCURTAINWALLUNIT = 24,
-    AttributeClassDWG_AECDBDOOR = 25,
-    AttributeClassDWG_AECDBOPENING = 26,
-    AttributeClassDWG_AECDBRAILING = 27,
-    AttributeClassDWG_AECDBROOF = 28,
-    AttributeClassDWG_AECDBROOFSLAB = 29,
-    AttributeClassDWG_AECDBSLAB = 30,
-    AttributeClassDWG_AECDBSPACE = 31,
-    AttributeClassDWG_AECDBSPACEBOUNDARY = 32,
-    AttributeClassDWG_AECDBSTAIR = 33,
-    AttributeClassDWG_AECDBWALL = 34,
-    AttributeClassDWG_AECDBWINDOW = 35,
-    AttributeClassDWG_AECDBWINDOWASSEMBLY = 36,
-    AttributeClassDWG_AECDBAREA = 37,
-    AttributeClassDWG_AECDBAREAGROUP = 38,
-    AttributeClassDWG_AECDBDIMENSIONGROUP = 39,
-    AttributeClassDWG_AECDBSCHEDULETABLE = 40,
-    AttributeClassDWG_AECSDBMEMBER = 41,
-    AttributeClassDWG_AC3DSOLID = 42,
-    AttributeClassDWG_ACBODY = 43,
-    AttributeClassDWG_ACREGION = 44,
-    AttributeClassDWG_ACPOLYGONMESH = 45,
-    AttributeClassDWG_ACRTEXT = 46,
-    AttributeClassDWG_ACPOLYLINE = 47,
-    AttributeClassDWG_ACCIRCLE = 48
+    AttributeClassDWG_ACINVALID = 0,               ///< "ACINVALID"
+    AttributeClassDWG_ACBLOCKTABLE = 1,            ///< "ACBLOCKTABLE"
+    AttributeClassDWG_ACPROXY = 2,                 ///< "ACPROXY"
+    AttributeClassDWG_ACTEXT = 3,                  ///< "ACTEXT"
+    AttributeClassDWG_ACMTEXT = 4,                 ///< "ACMTEXT"
+    AttributeClassDWG_ACPOLYFACEMESH = 5,          ///< "ACPOLYFACEMESH"
+    AttributeClassDWG_ACAECDBMVBLOCKREF = 6,       ///< "ACAECDBMVBLOCKREF"
+    AttributeClassDWG_ACAECDBENTREF = 7,           ///< "ACAECDBENTREF"
+    AttributeClassDWG_ACAECDBCAMERA = 8,           ///< "ACAECDBCAMERA"
+    AttributeClassDWG_ACAECDBMASKBLOCKREF = 9,     ///< "ACAECDBMASKBLOCKREF"
+    AttributeClassDWG_AECDBMASSELEM = 10,          ///< "AECDBMASSELEM"
+    AttributeClassDWG_AECDBPOLYGON = 11,           ///< "AECDBPOLYGON"
+    AttributeClassDWG_AECDBMASSGROUP = 12,         ///< "AECDBMASSGROUP"
+    AttributeClassDWG_AECDBSLICE = 13,             ///< "AECDBSLICE"
+    AttributeClassDWG_AECDBLAYOUTCURVE = 14,       ///< "AECDBLAYOUTCURVE"
+    AttributeClassDWG_AECDBLAYOUTGRID2D = 15,      ///< "AECDBLAYOUTGRID2D"
+    AttributeClassDWG_AECDBLAYOUTGRID3D = 16,      ///< "AECDBLAYOUTGRID3D"
+    AttributeClassDWG_AECDBCLIPVOL = 17,           ///< "AECDBCLIPVOL"
+    AttributeClassDWG_AECDB2DSECTION = 18,         ///< "AECDB2DSECTION"
+    AttributeClassDWG_AECDBBDGELEVLINE = 19,       ///< "AECDBBDGELEVLINE"
+    AttributeClassDWG_AECDBBDGSECTIONLINE = 20,    ///< "AECDBBDGSECTIONLINE"
+    AttributeClassDWG_AECDBBDGSECTION = 21,        ///< "AECDBBDGSECTION"
+    AttributeClassDWG_AECDBCEILINGGRID = 22,       ///< "AECDBCEILINGGRID"
+    AttributeClassDWG_AECDBCURTAINWALLLAYOUT = 23, ///< "AECDBCURTAINWALLLAYOUT"
+    AttributeClassDWG_AECDBCURTAINWALLUNIT = 24,   ///< "AECDBCURTAINWALLUNIT"
+    AttributeClassDWG_AECDBDOOR = 25,              ///< "AECDBDOOR"
+    AttributeClassDWG_AECDBOPENING = 26,           ///< "AECDBOPENING"
+    AttributeClassDWG_AECDBRAILING = 27,           ///< "AECDBRAILING"
+    AttributeClassDWG_AECDBROOF = 28,              ///< "AECDBROOF"
+    AttributeClassDWG_AECDBROOFSLAB = 29,          ///< "AECDBROOFSLAB"
+    AttributeClassDWG_AECDBSLAB = 30,              ///< "AECDBSLAB"
+    AttributeClassDWG_AECDBSPACE = 31,             ///< "AECDBSPACE"
+    AttributeClassDWG_AECDBSPACEBOUNDARY = 32,     ///< "AECDBSPACEBOUNDARY"
+    AttributeClassDWG_AECDBSTAIR = 33,             ///< "AECDBSTAIR"
+    AttributeClassDWG_AECDBWALL = 34,              ///< "AECDBWALL"
+    AttributeClassDWG_AECDBWINDOW = 35,            ///< "AECDBWINDOW"
+    AttributeClassDWG_AECDBWINDOWASSEMBLY = 36,    ///< "AECDBWINDOWASSEMBLY"
+    AttributeClassDWG_AECDBAREA = 37,              ///< "AECDBAREA"
+    AttributeClassDWG_AECDBAREAGROUP = 38,         ///< "AECDBAREAGROUP"
+    AttributeClassDWG_AECDBDIMENSIONGROUP = 39,    ///< "AECDBDIMENSIONGROUP"
+    AttributeClassDWG_AECDBSCHEDULETABLE = 40,     ///< "AECDBSCHEDULETABLE"
+    AttributeClassDWG_AECSDBMEMBER = 41,           ///< "AECSDBMEMBER"
+    AttributeClassDWG_AC3DSOLID = 42,              ///< "AC3DSOLID"
+    AttributeClassDWG_ACBODY = 43,                 ///< "ACBODY"
+    AttributeClassDWG_ACREGION = 44,               ///< "ACREGION"
+    AttributeClassDWG_ACPOLYGONMESH = 45,          ///< "ACPOLYGONMESH"
+    AttributeClassDWG_ACRTEXT = 46,                ///< "ACRTEXT"
+    AttributeClassDWG_ACPOLYLINE = 47,             ///< "ACPOLYLINE"
+    AttributeClassDWG_ACCIRCLE = 48                ///< "ACCIRCLE"
 };
 
-/** IFC 2x3 entities: products, groups and the project (ISO/PAS 16739:2005). */
+/** IFC 2x3 entities with their labels: products, groups and the project (ISO/PAS 16739:2005). */
 enum AttributeClassIFC_e : int {
-    AttributeClassIFC_IFCINVALID = 0,
-    AttributeClassIFC_IFCPRODUCT = 1,
-    AttributeClassIFC_IFCANNOTATION = 2,
-    AttributeClassIFC_IFCELEMENT = 3,
-    AttributeClassIFC_IFCBUILDINGELEMENT = 4,
-    AttributeClassIFC_IFCBEAM = 5,
-    AttributeClassIFC_IFCBUILDINGELEMENTCOMPONENT = 6,
-    AttributeClassIFC_IFCBUILDINGELEMENTPART = 7,
-    AttributeClassIFC_IFCREINFORCINGELEMENT = 8,
-    AttributeClassIFC_IFCREINFORCINGBAR = 9,
-    AttributeClassIFC_IFCREINFORCINGMESH = 10,
-    AttributeClassIFC_IFCTENDON = 11,
-    AttributeClassIFC_IFCTENDONANCHOR = 12,
-    AttributeClassIFC_IFCBUILDINGELEMENTPROXY = 13,
-    AttributeClassIFC_IFCCOLUMN = 14,
-    AttributeClassIFC_IFCCOVERING = 15,
-    AttributeClassIFC_IFCCURTAINWALL = 16,
-    AttributeClassIFC_IFCDOOR = 17,
-    AttributeClassIFC_IFCFOOTING = 18,
-    AttributeClassIFC_IFCMEMBER = 19,
-    AttributeClassIFC_IFCPILE = 20,
-    AttributeClassIFC_IFCPLATE = 21,
-    AttributeClassIFC_IFCRAILING = 22,
-    AttributeClassIFC_IFCRAMP = 23,
-    AttributeClassIFC_IFCRAMPFLIGHT = 24,
-    AttributeClassIFC_IFCROOF = 25,
-    AttributeClassIFC_IFCSLAB = 26,
-    AttributeClassIFC_IFCSTAIR = 27,
-    AttributeClassIFC_IFCSTAIRFLIGHT = 28,
-    AttributeClassIFC_IFCWALL = 29,
-    AttributeClassIFC_IFCWALLSTANDARDCASE = 30,
-    AttributeClassIFC_IFCWINDOW = 31,
-    AttributeClassIFC_IFCDISTRIBUTIONELEMENT = 32,
-    AttributeClassIFC_IFCDISTRIBUTIONCONTROLELEMENT = 33,
-    AttributeClassIFC_IFCDISTRIBUTIONFLOWELEMENT = 34,
-    AttributeClassIFC_IFCDISTRIBUTIONCHAMBERELEMENT = 35,
-    AttributeClassIFC_IFCENERGYCONVERSIONDEVICE = 36,
-    AttributeClassIFC_IFCFLOWCONTROLLER = 37,
-    AttributeClassIFC_IFCELECTRICDISTRIBUTIONPOINT = 38,
-    AttributeClassIFC_IFCFLOWFITTING = 39,
-    AttributeClassIFC_IFCFLOWMOVINGDEVICE = 40,
-    AttributeClassIFC_IFCFLOWSEGMENT = 41,
-    AttributeClassIFC_IFCFLOWSTORAGEDEVICE = 42,
-    AttributeClassIFC_IFCFLOWTERMINAL = 43,
-    AttributeClassIFC_IFCFLOWTREATMENTDEVICE = 44,
-    AttributeClassIFC_IFCELECTRICALELEMENT = 45,
-    AttributeClassIFC_IFCELEMENTASSEMBLY = 46,
-    AttributeClassIFC_IFCELEMENTCOMPONENT = 47,
-    AttributeClassIFC_IFCDISCRETEACCESSORY = 48,
-    AttributeClassIFC_IFCFASTENER = 49,
-    AttributeClassIFC_IFCMECHANICALFASTENER = 50,
-    AttributeClassIFC_IFCEQUIPMENTELEMENT = 51,
-    AttributeClassIFC_IFCFEATUREELEMENT = 52,
-    AttributeClassIFC_IFCFEATUREELEMENTADDITION = 53,
-    AttributeClassIFC_IFCPROJECTIONELEMENT = 54,
-    AttributeClassIFC_IFCFEATUREELEMENTSUBTRACTION = 55,
-    AttributeClassIFC_IFCEDGEFEATURE = 56,
-    AttributeClassIFC_IFCCHAMFEREDGEFEATURE = 57,
-    AttributeClassIFC_IFCROUNDEDEDGEFEATURE = 58,
-    AttributeClassIFC_IFCOPENINGELEMENT = 59,
-    AttributeClassIFC_IFCFURNISHINGELEMENT = 60,
-    AttributeClassIFC_IFCTRANSPORTELEMENT = 61,
-    AttributeClassIFC_IFCVIRTUALELEMENT = 62,
-    AttributeClassIFC_IFCGRID = 63,
-    AttributeClassIFC_IFCPORT = 64,
-    AttributeClassIFC_IFCDISTRIBUTIONPORT = 65,
-    AttributeClassIFC_IFCPROXY = 66,
-    AttributeClassIFC_IFCSPATIALSTRUCTUREELEMENT = 67,
-    AttributeClassIFC_IFCBUILDING = 68,
-    AttributeClassIFC_IFCBUILDINGSTOREY = 69,
-    AttributeClassIFC_IFCSITE = 70,
-    AttributeClassIFC_IFCSPACE = 71,
-    AttributeClassIFC_IFCSTRUCTURALACTIVITY = 72,
-    AttributeClassIFC_IFCSTRUCTURALACTION = 73,
-    AttributeClassIFC_IFCSTRUCTURALLINEARACTION = 74,
-    AttributeClassIFC_IFCSTRUCTURALLINEARACTIONVARYING = 75,
-    AttributeClassIFC_IFCSTRUCTURALPLANARACTION = 76,
-    AttributeClassIFC_IFCSTRUCTURALPLANARACTIONVARYING = 77,
-    AttributeClassIFC_IFCSTRUCTURALPOINTACTION = 78,
-    AttributeClassIFC_IFCSTRUCTURALREACTION = 79,
-    AttributeClassIFC_IFCSTRUCTURALPOINTREACTION = 80,
-    AttributeClassIFC_IFCSTRUCTURALITEM = 81,
-    AttributeClassIFC_IFCSTRUCTURALCONNECTION = 82,
-    AttributeClassIFC_IFCSTRUCTURALCURVECONNECTION = 83,
-    AttributeClassIFC_IFCSTRUCTURALPOINTCONNECTION = 84,
-    AttributeClassIFC_IFCSTRUCTURALSURFACECONNECTION = 85,
-    AttributeClassIFC_IFCSTRUCTURALMEMBER = 86,
-    AttributeClassIFC_IFCSTRUCTURALCURVEMEMBER = 87,
-    AttributeClassIFC_IFCSTRUCTURALCURVEMEMBERVARYING = 88,
-    AttributeClassIFC_IFCSTRUCTURALSURFACEMEMBER = 89,
-    AttributeClassIFC_IFCSTRUCTURALSURFACEMEMBERVARYING = 90,
-    AttributeClassIFC_IFCPROJECT = 91,
-    AttributeClassIFC_IFCGROUP = 92,
-    AttributeClassIFC_IFCSYSTEM = 93,
-    AttributeClassIFC_IFCZONE = 94,
-    AttributeClassIFC_IFCELECTRICALCIRCUIT = 95
+    AttributeClassIFC_IFCINVALID = 0,                         ///< "IFCINVALID"
+    AttributeClassIFC_IFCPRODUCT = 1,                         ///< "IFCPRODUCT"
+    AttributeClassIFC_IFCANNOTATION = 2,                      ///< "IFCANNOTATION"
+    AttributeClassIFC_IFCELEMENT = 3,                         ///< "IFCELEMENT"
+    AttributeClassIFC_IFCBUILDINGELEMENT = 4,                 ///< "IFCBUILDINGELEMENT"
+    AttributeClassIFC_IFCBEAM = 5,                            ///< "IFCBEAM"
+    AttributeClassIFC_IFCBUILDINGELEMENTCOMPONENT = 6,        ///< "IFCBUILDINGELEMENTCOMPONENT"
+    AttributeClassIFC_IFCBUILDINGELEMENTPART = 7,             ///< "IFCBUILDINGELEMENTPART"
+    AttributeClassIFC_IFCREINFORCINGELEMENT = 8,              ///< "IFCREINFORCINGELEMENT"
+    AttributeClassIFC_IFCREINFORCINGBAR = 9,                  ///< "IFCREINFORCINGBAR"
+    AttributeClassIFC_IFCREINFORCINGMESH = 10,                ///< "IFCREINFORCINGMESH"
+    AttributeClassIFC_IFCTENDON = 11,                         ///< "IFCTENDON"
+    AttributeClassIFC_IFCTENDONANCHOR = 12,                   ///< "IFCTENDONANCHOR"
+    AttributeClassIFC_IFCBUILDINGELEMENTPROXY = 13,           ///< "IFCBUILDINGELEMENTPROXY"
+    AttributeClassIFC_IFCCOLUMN = 14,                         ///< "IFCCOLUMN"
+    AttributeClassIFC_IFCCOVERING = 15,                       ///< "IFCCOVERING"
+    AttributeClassIFC_IFCCURTAINWALL = 16,                    ///< "IFCCURTAINWALL"
+    AttributeClassIFC_IFCDOOR = 17,                           ///< "IFCDOOR"
+    AttributeClassIFC_IFCFOOTING = 18,                        ///< "IFCFOOTING"
+    AttributeClassIFC_IFCMEMBER = 19,                         ///< "IFCMEMBER"
+    AttributeClassIFC_IFCPILE = 20,                           ///< "IFCPILE"
+    AttributeClassIFC_IFCPLATE = 21,                          ///< "IFCPLATE"
+    AttributeClassIFC_IFCRAILING = 22,                        ///< "IFCRAILING"
+    AttributeClassIFC_IFCRAMP = 23,                           ///< "IFCRAMP"
+    AttributeClassIFC_IFCRAMPFLIGHT = 24,                     ///< "IFCRAMPFLIGHT"
+    AttributeClassIFC_IFCROOF = 25,                           ///< "IFCROOF"
+    AttributeClassIFC_IFCSLAB = 26,                           ///< "IFCSLAB"
+    AttributeClassIFC_IFCSTAIR = 27,                          ///< "IFCSTAIR"
+    AttributeClassIFC_IFCSTAIRFLIGHT = 28,                    ///< "IFCSTAIRFLIGHT"
+    AttributeClassIFC_IFCWALL = 29,                           ///< "IFCWALL"
+    AttributeClassIFC_IFCWALLSTANDARDCASE = 30,               ///< "IFCWALLSTANDARDCASE"
+    AttributeClassIFC_IFCWINDOW = 31,                         ///< "IFCWINDOW"
+    AttributeClassIFC_IFCDISTRIBUTIONELEMENT = 32,            ///< "IFCDISTRIBUTIONELEMENT"
+    AttributeClassIFC_IFCDISTRIBUTIONCONTROLELEMENT = 33,     ///< "IFCDISTRIBUTIONCONTROLELEMENT"
+    AttributeClassIFC_IFCDISTRIBUTIONFLOWELEMENT = 34,        ///< "IFCDISTRIBUTIONFLOWELEMENT"
+    AttributeClassIFC_IFCDISTRIBUTIONCHAMBERELEMENT = 35,     ///< "IFCDISTRIBUTIONCHAMBERELEMENT"
+    AttributeClassIFC_IFCENERGYCONVERSIONDEVICE = 36,         ///< "IFCENERGYCONVERSIONDEVICE"
+    AttributeClassIFC_IFCFLOWCONTROLLER = 37,                 ///< "IFCFLOWCONTROLLER"
+    AttributeClassIFC_IFCELECTRICDISTRIBUTIONPOINT = 38,      ///< "IFCELECTRICDISTRIBUTIONPOINT"
+    AttributeClassIFC_IFCFLOWFITTING = 39,                    ///< "IFCFLOWFITTING"
+    AttributeClassIFC_IFCFLOWMOVINGDEVICE = 40,               ///< "IFCFLOWMOVINGDEVICE"
+    AttributeClassIFC_IFCFLOWSEGMENT = 41,                    ///< "IFCFLOWSEGMENT"
+    AttributeClassIFC_IFCFLOWSTORAGEDEVICE = 42,              ///< "IFCFLOWSTORAGEDEVICE"
+    AttributeClassIFC_IFCFLOWTERMINAL = 43,                   ///< "IFCFLOWTERMINAL"
+    AttributeClassIFC_IFCFLOWTREATMENTDEVICE = 44,            ///< "IFCFLOWTREATMENTDEVICE"
+    AttributeClassIFC_IFCELECTRICALELEMENT = 45,              ///< "IFCELECTRICALELEMENT"
+    AttributeClassIFC_IFCELEMENTASSEMBLY = 46,                ///< "IFCELEMENTASSEMBLY"
+    AttributeClassIFC_IFCELEMENTCOMPONENT = 47,               ///< "IFCELEMENTCOMPONENT"
+    AttributeClassIFC_IFCDISCRETEACCESSORY = 48,              ///< "IFCDISCRETEACCESSORY"
+    AttributeClassIFC_IFCFASTENER = 49,                       ///< "IFCFASTENER"
+    AttributeClassIFC_IFCMECHANICALFASTENER = 50,             ///< "IFCMECHANICALFASTENER"
+    AttributeClassIFC_IFCEQUIPMENTELEMENT = 51,               ///< "IFCEQUIPMENTELEMENT"
+    AttributeClassIFC_IFCFEATUREELEMENT = 52,                 ///< "IFCFEATUREELEMENT"
+    AttributeClassIFC_IFCFEATUREELEMENTADDITION = 53,         ///< "IFCFEATUREELEMENTADDITION"
+    AttributeClassIFC_IFCPROJECTIONELEMENT = 54,              ///< "IFCPROJECTIONELEMENT"
+    AttributeClassIFC_IFCFEATUREELEMENTSUBTRACTION = 55,      ///< "IFCFEATUREELEMENTSUBTRACTION"
+    AttributeClassIFC_IFCEDGEFEATURE = 56,                    ///< "IFCEDGEFEATURE"
+    AttributeClassIFC_IFCCHAMFEREDGEFEATURE = 57,             ///< "IFCCHAMFEREDGEFEATURE"
+    AttributeClassIFC_IFCROUNDEDEDGEFEATURE = 58,             ///< "IFCROUNDEDEDGEFEATURE"
+    AttributeClassIFC_IFCOPENINGELEMENT = 59,                 ///< "IFCOPENINGELEMENT"
+    AttributeClassIFC_IFCFURNISHINGELEMENT = 60,              ///< "IFCFURNISHINGELEMENT"
+    AttributeClassIFC_IFCTRANSPORTELEMENT = 61,               ///< "IFCTRANSPORTELEMENT"
+    AttributeClassIFC_IFCVIRTUALELEMENT = 62,                 ///< "IFCVIRTUALELEMENT"
+    AttributeClassIFC_IFCGRID = 63,                           ///< "IFCGRID"
+    AttributeClassIFC_IFCPORT = 64,                           ///< "IFCPORT"
+    AttributeClassIFC_IFCDISTRIBUTIONPORT = 65,               ///< "IFCDISTRIBUTIONPORT"
+    AttributeClassIFC_IFCPROXY = 66,                          ///< "IFCPROXY"
+    AttributeClassIFC_IFCSPATIALSTRUCTUREELEMENT = 67,        ///< "IFCSPATIALSTRUCTUREELEMENT"
+    AttributeClassIFC_IFCBUILDING = 68,                       ///< "IFCBUILDING"
+    AttributeClassIFC_IFCBUILDINGSTOREY = 69,                 ///< "IFCBUILDINGSTOREY"
+    AttributeClassIFC_IFCSITE = 70,                           ///< "IFCSITE"
+    AttributeClassIFC_IFCSPACE = 71,                          ///< "IFCSPACE"
+    AttributeClassIFC_IFCSTRUCTURALACTIVITY = 72,             ///< "IFCSTRUCTURALACTIVITY"
+    AttributeClassIFC_IFCSTRUCTURALACTION = 73,               ///< "IFCSTRUCTURALACTION"
+    AttributeClassIFC_IFCSTRUCTURALLINEARACTION = 74,         ///< "IFCSTRUCTURALLINEARACTION"
+    AttributeClassIFC_IFCSTRUCTURALLINEARACTIONVARYING = 75,  ///< "IFCSTRUCTURALLINEARACTIONVARYING"
+    AttributeClassIFC_IFCSTRUCTURALPLANARACTION = 76,         ///< "IFCSTRUCTURALPLANARACTION"
+    AttributeClassIFC_IFCSTRUCTURALPLANARACTIONVARYING = 77,  ///< "IFCSTRUCTURALPLANARACTIONVARYING"
+    AttributeClassIFC_IFCSTRUCTURALPOINTACTION = 78,          ///< "IFCSTRUCTURALPOINTACTION"
+    AttributeClassIFC_IFCSTRUCTURALREACTION = 79,             ///< "IFCSTRUCTURALREACTION"
+    AttributeClassIFC_IFCSTRUCTURALPOINTREACTION = 80,        ///< "IFCSTRUCTURALPOINTREACTION"
+    AttributeClassIFC_IFCSTRUCTURALITEM = 81,                 ///< "IFCSTRUCTURALITEM"
+    AttributeClassIFC_IFCSTRUCTURALCONNECTION = 82,           ///< "IFCSTRUCTURALCONNECTION"
+    AttributeClassIFC_IFCSTRUCTURALCURVECONNECTION = 83,      ///< "IFCSTRUCTURALCURVECONNECTION"
+    AttributeClassIFC_IFCSTRUCTURALPOINTCONNECTION = 84,      ///< "IFCSTRUCTURALPOINTCONNECTION"
+    AttributeClassIFC_IFCSTRUCTURALSURFACECONNECTION = 85,    ///< "IFCSTRUCTURALSURFACECONNECTION"
+    AttributeClassIFC_IFCSTRUCTURALMEMBER = 86,               ///< "IFCSTRUCTURALMEMBER"
+    AttributeClassIFC_IFCSTRUCTURALCURVEMEMBER = 87,          ///< "IFCSTRUCTURALCURVEMEMBER"
+    AttributeClassIFC_IFCSTRUCTURALCURVEMEMBERVARYING = 88,   ///< "IFCSTRUCTURALCURVEMEMBERVARYING"
+    AttributeClassIFC_IFCSTRUCTURALSURFACEMEMBER = 89,        ///< "IFCSTRUCTURALSURFACEMEMBER"
+    AttributeClassIFC_IFCSTRUCTURALSURFACEMEMBERVARYING = 90, ///< "IFCSTRUCTURALSURFACEMEMBERVARYING"
+    AttributeClassIFC_IFCPROJECT = 91,                        ///< "IFCPROJECT"
+    AttributeClassIFC_IFCGROUP = 92,                          ///< "IFCGROUP"
+    AttributeClassIFC_IFCSYSTEM = 93,                         ///< "IFCSYSTEM"
+    AttributeClassIFC_IFCZONE = 94,                           ///< "IFCZONE"
+    AttributeClassIFC_IFCELECTRICALCIRCUIT = 95               ///< "IFCELECTRICALCIRCUIT"
 };
 
 /**
@@ -194,11 +194,48 @@ enum AttributeClassIFC_e : int {
  */
 class IMPORT_COMMON_API ReferenceObjectClass {
 public:
+    /**
+     * Writes the label of a PX class.
+     * @param value   the class
+     * @param buffer  receives the label
+     * @param size    room in @p buffer in bytes
+     * @return true
+     */
     static bool asString(AttributeClassPX_e value, char* buffer, unsigned int size);
+
+    /**
+     * Writes the label of an IFC 2x3 entity.
+     * @param value   the class
+     * @param buffer  receives the label
+     * @param size    room in @p buffer in bytes
+     * @return true
+     */
     static bool asString(AttributeClassIFC_e value, char* buffer, unsigned int size);
+
+    /**
+     * Writes the label of a DWG class.
+     * @param value   the class
+     * @param buffer  receives the label
+     * @param size    room in @p buffer in bytes
+     * @return true
+     */
     static bool asString(AttributeClassDWG_e value, char* buffer, unsigned int size);
+
+    /**
+     * Writes the label of a DGN class.
+     * @param value   the class
+     * @param buffer  receives the label
+     * @param size    room in @p buffer in bytes
+     * @return true
+     */
     static bool asString(AttributeClassDGN_e value, char* buffer, unsigned int size);
-    /** A Halvorne object: its single class is "halvorne", whatever the integer. */
+    /**
+     * A Halvorne object: its single class is "halvorne", whatever the integer.
+     * @param value   not looked at
+     * @param buffer  receives the label
+     * @param size    room in @p buffer in bytes
+     * @return true
+     */
     static bool asString(int value, char* buffer, unsigned int size);
 };
 

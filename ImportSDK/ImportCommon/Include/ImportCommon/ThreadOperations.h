@@ -20,6 +20,8 @@ public:
      * has started. The copy is released when the function returns; it is null when there was no memory for it. A few
      * dozen bytes per thread are kept until the process ends.
      *
+     * @param function  what the thread does; its result is dropped
+     * @param data      what is copied for it
      * @param size  number of bytes at @p data
      * @param flag  has no effect on this platform
      * @return the thread, to be given to closeThread; 0 when it could not be started. Throws `std::bad_alloc` without
@@ -28,20 +30,34 @@ public:
     static pthread_t createThread(unsigned int (*function)(void* data, unsigned long size), const void* data,
                                   unsigned long size, bool flag);
 
-    /** Does nothing: threads can't be killed on this platform. */
+    /**
+     * Does nothing: threads can't be killed on this platform.
+     * @param thread    not looked at
+     * @param exitCode  not looked at
+     */
     static void terminateThread(pthread_t thread, unsigned int exitCode);
 
     /**
      * Waits for a thread to end and forgets it; a thread is closed once.
+     * @param thread  the thread
      * @return 1; 0 for a thread that createThread didn't start
      */
     static int closeThread(pthread_t thread);
 
-    /** Whether the thread was started by createThread and is not closed yet, running or not; that is meant. @p exitCode
-     * is left as it is. */
+    /**
+     * Whether the thread was started by createThread and is not closed yet, running or not; that is meant. @p exitCode
+     * is left as it is.
+     * @param thread    the thread
+     * @param exitCode  left as it is
+     * @return whether it is
+     */
     static bool hasEnded(pthread_t thread, unsigned int* exitCode);
 
-    /** Sleeps. @return 0, or -1 when the system refuses */
+    /**
+     * Sleeps.
+     * @param microseconds  how long
+     * @return 0, or -1 when the system refuses
+     */
     static int usleep(int microseconds);
 };
 
