@@ -15,5 +15,6 @@ doxygen - <<SETTINGS
 @INCLUDE = Docs/Doxyfile
 PROJECT_NUMBER = $version
 OUTPUT_DIRECTORY = "$output"
+STRIP_FROM_PATH += "$root"
 SETTINGS
 echo "Documentation: $output/index.html"

@@ -13,7 +13,7 @@ cmake --build "$build"
 
 log=$build/test.log
 result=0
-ctest --test-dir "$build" --output-on-failure -j "$(nproc)" 2>&1 | tee "$log" | grep -v ' Passed ' || result=1
+ctest --test-dir "$build" --output-on-failure -j "$(getconf _NPROCESSORS_ONLN)" 2>&1 | tee "$log" | grep -v ' Passed ' || result=1
 summary=$(grep -E 'tests passed, .* out of' "$log" | tail -n 1 || true)
 total=${summary##* out of }
 failed=$(sed -E 's/.*passed, ([0-9]+) tests? failed.*/\1/' <<<"$summary")
