@@ -12,6 +12,9 @@ constexpr double pi = 3.141592653589793;
 /** A model has no deeper ones; a file in which properties contain each other has no end of them. */
 constexpr int maxDepth = 8;
 
+/** Properties inside of one, at any depth. */
+constexpr std::size_t maxNested = 10000;
+
 /** How often a file's text may be read for its sets; real models stay far below. */
 constexpr std::size_t maxSharing = 16;
 constexpr std::size_t smallestBudget = std::size_t{1} << 24;
@@ -229,6 +232,7 @@ std::vector<IfcPropertySet> IfcProperties::setsOf(const std::string& globalId) {
 /** Takes what an instance of a size costs; false when nothing is left. */
 bool IfcProperties::spend(std::size_t bytes) {
     budget_ -= std::min(budget_, bytes + 32);
+    isCutShort_ = isCutShort_ || budget_ == 0;
     return budget_ > 0;
 }
 
@@ -251,6 +255,11 @@ std::vector<IfcProperty> IfcProperties::propertiesOf(std::string_view list, int 
         const Instance* instance = find(stepReference(*member));
         if (instance == nullptr || !spend(instance->arguments.size()))
             continue;
+        nested_ = depth == 0 ? 0 : nested_ + 1;
+        if (nested_ > maxNested) {
+            isCutShort_ = true;
+            break;
+        }
         if (auto property = propertyOf(*instance, depth))
             properties.push_back(std::move(*property));
     }

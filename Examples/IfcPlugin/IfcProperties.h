@@ -55,8 +55,8 @@ public:
      */
     std::vector<IfcPropertySet> setsOf(const std::string& globalId);
 
-    /** Whether so much is shared between products that not every set was given in full. */
-    bool isCutShort() const { return budget_ == 0; }
+    /** Whether so much is shared between products, or inside of properties, that not every set was given in full. */
+    bool isCutShort() const { return isCutShort_; }
 
 private:
     enum class Kind {
@@ -118,4 +118,6 @@ private:
 
     /** Text that may still be read for sets: what products share is read again for each of them. */
     std::size_t budget_;
+    std::size_t nested_ = 0; ///< properties so far inside of the one that is read
+    bool isCutShort_ = false;
 };

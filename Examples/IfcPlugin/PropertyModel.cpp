@@ -16,6 +16,7 @@ using namespace ImportCommon;
 namespace {
 
 using Value = IFC2X3PropertySingleValue;
+using PropertyPointers = std::vector<const IfcProperty*>;
 constexpr double pi = 3.141592653589793;
 
 IFC2X3Property integerProperty(const wchar_t* name, const wchar_t* description, long long value) {
@@ -24,7 +25,7 @@ IFC2X3Property integerProperty(const wchar_t* name, const wchar_t* description, 
     return createPropertySingleValueInteger64(name, description, Value::ValueType_Integer64, value);
 }
 
-IFC2X3PropertySet toPropertySet(const std::vector<const IfcProperty*>& properties);
+IFC2X3PropertySet toPropertySet(const PropertyPointers& properties);
 
 IFC2X3Property toProperty(const IfcProperty& property) {
     const std::wstring nameText = wideText(property.name);
@@ -32,7 +33,7 @@ IFC2X3Property toProperty(const IfcProperty& property) {
     const wchar_t* name = nameText.c_str();
     const wchar_t* description = descriptionText.c_str();
     if (property.isComplex) {
-        std::vector<const IfcProperty*> nested;
+        PropertyPointers nested;
         for (const IfcProperty& inner : property.nested)
             nested.push_back(&inner);
         return createPropertyComplex(name, description, wideText(property.usageName).c_str(), toPropertySet(nested));
@@ -65,7 +66,7 @@ IFC2X3Property toProperty(const IfcProperty& property) {
     return createPropertySingleValueString(name, description, wideText(value.text).c_str());
 }
 
-IFC2X3PropertySet toPropertySet(const std::vector<const IfcProperty*>& properties) {
+IFC2X3PropertySet toPropertySet(const PropertyPointers& properties) {
     IFC2X3PropertySet set;
     for (const IfcProperty* property : properties)
         set.addProperty(toProperty(*property));
@@ -80,7 +81,7 @@ void identify(IFC2X3_PSet_Custom_s& set, const IfcPropertySet& source) {
         std::copy(source.globalId.begin(), source.globalId.end(), set.globalId);
 }
 
-IFC2X3_PSet_Custom_s customSet(const IfcPropertySet& source, const std::vector<const IfcProperty*>& properties) {
+IFC2X3_PSet_Custom_s customSet(const IfcPropertySet& source, const PropertyPointers& properties) {
     IFC2X3_PSet_Custom_s set;
     identify(set, source);
     const std::wstring name = wideText(source.name);
@@ -99,11 +100,27 @@ const IFC2X3Property& propertyNamed(std::string_view name, const IFC2X3PropertyS
     return set.getProperty(i);
 }
 
+/** Writes a set in parts of no more than a few megabytes, which is what a thousand properties take in memory. */
+void writeCustomSets(const Product& product, const IfcPropertySet& source, const PropertyPointers& properties,
+                     bool isObject, Streams& streams) {
+    constexpr std::size_t maxPart = 1000;
+    auto begin = properties.begin();
+    do {
+        const auto end = begin + std::min<std::ptrdiff_t>(maxPart, properties.end() - begin);
+        const PropertyPointers part(begin, end);
+        const IFC2X3_PSet_Custom_s custom = customSet(source, part);
+        streams.propertySet(product, isObject, "custom", custom, source, source.name);
+        for (unsigned int i = 0; i < part.size(); ++i)
+            streams.property(custom.properties.getProperty(i), *part[i], part[i]->name);
+        begin = end;
+    } while (begin != properties.end());
+}
+
 } // namespace
 
 void writeProperties(const Product& product, const std::vector<IfcPropertySet>& sets, bool isObject, Streams& streams) {
     for (const IfcPropertySet& source : sets) {
-        std::vector<const IfcProperty*> others;
+        PropertyPointers others;
         std::optional<CommonSet> common = commonSetOf(product.className, source);
         for (const IfcProperty& property : source.properties)
             if (!common || !common->holds(property))
@@ -116,11 +133,7 @@ void writeProperties(const Product& product, const std::vector<IfcPropertySet>& 
             for (const CommonSet::Held& held : common->held)
                 streams.property(propertyNamed(held.name, common->set.properties), *held.property, held.name);
         }
-        if (!common || !others.empty()) {
-            const IFC2X3_PSet_Custom_s custom = customSet(source, others);
-            streams.propertySet(product, isObject, "custom", custom, source, source.name);
-            for (unsigned int i = 0; i < others.size(); ++i)
-                streams.property(custom.properties.getProperty(i), *others[i], others[i]->name);
-        }
+        if (!common || !others.empty())
+            writeCustomSets(product, source, others, isObject, streams);
     }
 }
