@@ -132,7 +132,7 @@ std::string legend(const std::vector<Change>& changes) {
         const auto count = std::count_if(changes.begin(), changes.end(),
                                          [&](const Change& change) { return change.status == status; });
         text += "<rect class=\"" + std::string(statusName(status)) + "\" x=\"" + number(x) +
-                "\" y=\"56\" width=\"18\" height=\"18\"/><text x=\"" + number(x + 26.0) + "\" y=\"70\">" +
+                "\" y=\"56\" width=\"18\" height=\"18\"/><text x=\"" + number(x + 23.0) + "\" y=\"70\">" +
                 statusName(status) + ' ' + std::to_string(count) + "</text>\n";
         x += (pictureWidth - 2.0 * margin) / static_cast<double>(std::size(allStatuses));
     }
@@ -154,7 +154,7 @@ std::string scaleBar(const Plan& plan) {
 
 // Strokes are painted below fills: of polygons that overlap, only the outline of what they cover together shows.
 constexpr const char* style = R"(<style>
-text { font: 15px sans-serif; fill: #222; }
+text { font: 13px sans-serif; fill: #222; }
 .title { font-size: 22px; font-weight: bold; }
 .scale { fill: none; stroke: #222; stroke-width: 1.5; }
 path { stroke-linejoin: round; stroke-width: 2; paint-order: stroke; opacity: 0.85; }
