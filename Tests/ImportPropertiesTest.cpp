@@ -178,8 +178,7 @@ TEST_F(ImportPropertiesTest, ValuesOfAllKindsAreCompared) {
          "#9003=IFCCOMPLEXPROPERTY('D',$,'',(#9002))",
          R"([["C.D.P", null, 1.0], ["C.P", 1.0, null]])"},
         {"IFCPROPERTYSINGLEVALUE('P',$,$,$)",
-         "IFCCOMPLEXPROPERTY('C',$,'',(#9001,#9001,#9002));\n#9002=IFCPROPERTYSET('short',$,$,$,(#9002))",
-         "[]"},
+         "IFCCOMPLEXPROPERTY('C',$,'',(#9001,#9001,#9002));\n#9002=IFCPROPERTYSET('short',$,$,$,(#9002))", "[]"},
         {type, replaced(type, "IFCREAL(7.)", "IFCREAL(6.)"), "[]"},
         {type, replaced(type, "IFCREAL(8.)", "IFCREAL(9.)"), R"([["Q", 8.0, 9.0]])"},
         {type, replaced(type, "IFCREAL(1.)", "$"), R"([["P", 1.0, 7.0]])"}};
