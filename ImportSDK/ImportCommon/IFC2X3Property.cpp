@@ -2,7 +2,7 @@
 
 #include <ImportCommon/IFC2X3Property.h>
 
-#include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace ImportCommon {
@@ -52,8 +52,14 @@ IFC2X3Property::IFC2X3Property(const wchar_t* name, const wchar_t* description, 
 IFC2X3Property::~IFC2X3Property() = default;
 
 IFC2X3Property& IFC2X3Property::operator=(const IFC2X3Property& other) {
-    // The copy comes first: the other property may be one that this property's own set holds.
-    return *this = IFC2X3Property(other);
+    // The copy of the set comes first and the old one goes last: the other property may stand in it.
+    std::unique_ptr<IFC2X3PropertyComplex> copied(other.complex_ ? new IFC2X3PropertyComplex(*other.complex_)
+                                                                 : nullptr);
+    type_ = other.type_;
+    singleValue_ = other.singleValue_;
+    copyTexts(other);
+    complex_.swap(copied);
+    return *this;
 }
 
 IFC2X3Property& IFC2X3Property::operator=(IFC2X3Property&& other) noexcept {
@@ -70,8 +76,8 @@ IFC2X3Property& IFC2X3Property::operator=(IFC2X3Property&& other) noexcept {
 }
 
 void IFC2X3Property::copyTexts(const IFC2X3Property& other) {
-    std::copy_n(other.name_, textSize + 1, name_);
-    std::copy_n(other.description_, textSize + 1, description_);
+    std::memmove(name_, other.name_, sizeof name_); // a property may be assigned to itself
+    std::memmove(description_, other.description_, sizeof description_);
 }
 
 /** What a move leaves behind. */

@@ -31,23 +31,20 @@ struct alignas(std::max_align_t) IFC2X3PropertySet::Chunk_s {
     IFC2X3Property* properties() { return reinterpret_cast<IFC2X3Property*>(this + 1); }
 };
 
-/** Memory for a property, in a chunk for at least @p expected of them if a new one is needed. */
-void* IFC2X3PropertySet::placeForProperty(unsigned int expected) {
+/** Memory for a property, in a chunk for @p capacity of them if a new one is needed. */
+void* IFC2X3PropertySet::placeForProperty(unsigned int capacity) {
     if (chunks_ == nullptr || chunks_->used == chunks_->capacity) {
-        const unsigned int capacity = std::max(expected, propertiesPerChunk);
-        void* memory = std::malloc(sizeof(Chunk_s) + capacity * sizeof(IFC2X3Property));
-        if (memory == nullptr) {
-            throw std::bad_alloc();
-        }
+        void* memory = ::operator new(sizeof(Chunk_s) + capacity * sizeof(IFC2X3Property));
         chunks_ = new (memory) Chunk_s{chunks_, capacity, 0};
     }
     return chunks_->properties() + chunks_->used;
 }
 
-/** Constructs a property in the room that hasRoom made; when that throws, nothing has changed. */
+/** Constructs a property in the room that makeRoom made; when that throws, nothing has changed. */
 template <typename... Arguments>
 void IFC2X3PropertySet::emplace(Arguments&&... arguments) {
-    properties_[count_] = new (placeForProperty(1)) IFC2X3Property(std::forward<Arguments>(arguments)...);
+    properties_[count_] =
+        new (placeForProperty(propertiesPerChunk)) IFC2X3Property(std::forward<Arguments>(arguments)...);
     ++chunks_->used;
     ++count_;
 }
@@ -111,13 +108,13 @@ const IFC2X3Property& IFC2X3PropertySet::getProperty(unsigned int index) const {
 }
 
 void IFC2X3PropertySet::addProperty(const IFC2X3Property& property) {
-    if (hasRoom()) {
+    if (makeRoom()) {
         emplace(property);
     }
 }
 
 void IFC2X3PropertySet::addProperty(IFC2X3Property&& property) {
-    if (hasRoom()) {
+    if (makeRoom()) {
         emplace(std::move(property));
     }
 }
@@ -125,7 +122,7 @@ void IFC2X3PropertySet::addProperty(IFC2X3Property&& property) {
 /** As addProperty of such a property with an empty description, constructed where the set keeps it. */
 void IFC2X3PropertySet::appendSingleValue(const wchar_t* name, IFC2X3PropertySingleValue::ValueType_t type,
                                           bool boolValue, int intValue, double realValue, const wchar_t* text) {
-    if (hasRoom()) {
+    if (makeRoom()) {
         emplace(name, L"", type, boolValue, IFC2X3PropertySingleValue::Logical_Unknown, intValue, 0LL, realValue, text);
     }
 }
@@ -134,12 +131,12 @@ void IFC2X3PropertySet::clear() {
     std::for_each(properties_, properties_ + count_, [](IFC2X3Property* property) { property->~IFC2X3Property(); });
     count_ = 0;
     while (chunks_ != nullptr) {
-        std::free(std::exchange(chunks_, chunks_->next));
+        ::operator delete(std::exchange(chunks_, chunks_->next));
     }
 }
 
 /** Makes room in the list for one more property, if there is memory for it. */
-bool IFC2X3PropertySet::hasRoom() {
+bool IFC2X3PropertySet::makeRoom() {
     if (count_ == capacity_) {
         void* grown = std::realloc(properties_, (std::size_t{capacity_} + growth) * sizeof(IFC2X3Property*));
         if (grown == nullptr) {

@@ -24,9 +24,8 @@ int CriticalSection::Enter(Lock* lock) {
 }
 
 int CriticalSection::Leave(Lock*) {
-    const int result = mutex_ != nullptr ? pthread_mutex_unlock(mutex_) : EINVAL;
-    owner_ = nullptr;
-    return result;
+    owner_ = nullptr; // before the unlock, behind which another thread may destroy the section
+    return mutex_ != nullptr ? pthread_mutex_unlock(mutex_) : EINVAL;
 }
 
 CriticalSection::Lock::Lock(CriticalSection* section) : section_(section) {

@@ -40,8 +40,10 @@ FileStream* streamOn(FILE* handle) {
     return stream;
 }
 
-FileStream* open(const std::wstring& path, const char* mode) {
+FileStream* open(const std::wstring& path, const char* mode) try {
     return streamOn(std::fopen(StringOperations::ConvertToCurrentLocale(path).c_str(), mode));
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 /** A size as the streams count it: its low 32 bits, as a signed number. */

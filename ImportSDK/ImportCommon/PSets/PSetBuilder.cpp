@@ -40,29 +40,27 @@ PSetBuilder& PSetBuilder::integer(const wchar_t* name, int value, bool present) 
 }
 
 PSetBuilder& PSetBuilder::real(const wchar_t* name, double value, bool present) {
-    if (present) {
-        set_.properties.appendSingleValue(name, Value::ValueType_Real, false, 0, value, L"");
-    }
-    return *this;
+    return number(name, Value::ValueType_Real, value, present);
 }
 
 PSetBuilder& PSetBuilder::length(const wchar_t* name, double value, bool present) {
-    if (present) {
-        set_.properties.appendSingleValue(name, Value::ValueType_Length, false, 0, value, L"");
-    }
-    return *this;
+    return number(name, Value::ValueType_Length, value, present);
 }
 
 PSetBuilder& PSetBuilder::angle(const wchar_t* name, double value, bool present) {
-    if (present) {
-        set_.properties.appendSingleValue(name, Value::ValueType_PlaneAngle, false, 0, value, L"");
-    }
-    return *this;
+    return number(name, Value::ValueType_PlaneAngle, value, present);
 }
 
 PSetBuilder& PSetBuilder::lengthOrAngle(const wchar_t* name, double value, int kind, bool present) {
     length(name, value, present && kind == kindLength);
     return angle(name, value / 180.0 * 3.141592653589793, present && kind == kindAngleInDegrees);
+}
+
+PSetBuilder& PSetBuilder::number(const wchar_t* name, Value::ValueType_t type, double value, bool present) {
+    if (present) {
+        set_.properties.appendSingleValue(name, type, false, 0, value, L"");
+    }
+    return *this;
 }
 
 } // namespace ImportCommon

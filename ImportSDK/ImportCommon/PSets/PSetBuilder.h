@@ -30,6 +30,8 @@ public:
     PSetBuilder& lengthOrAngle(const wchar_t* name, double value, int kind, bool present);
 
 private:
+    PSetBuilder& number(const wchar_t* name, IFC2X3PropertySingleValue::ValueType_t type, double value, bool present);
+
     IFC2X3_PSet_Custom_s& set_;
 };
 

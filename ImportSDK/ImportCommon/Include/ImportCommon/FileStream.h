@@ -77,8 +77,7 @@ public:
      */
     bool read(unsigned long size, std::vector<char>& out);
 
-    /**
-     * Writes @p size bytes.
+    /** Writes @p size bytes. Between reading and writing there must be a seek.
      * @param size  number of bytes to write
      * @param data  the bytes
      * @return whether all were written; never for 2 GiB and more, though they are written

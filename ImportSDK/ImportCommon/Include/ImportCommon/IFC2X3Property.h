@@ -11,7 +11,7 @@
 
 namespace ImportCommon {
 
-class IFC2X3PropertyComplex;
+class IFC2X3PropertyComplex; // whose header may be in the middle of including this one
 
 /**
  * A property: name, description, and one typed value or a nested set. A value class; copies are deep.
@@ -122,6 +122,7 @@ protected:
 
 private:
     friend class IFC2X3PropertySet;
+    friend struct PropertyFactory;
 
     static constexpr unsigned int textSize = IFC2X3PropertySingleValue::TextSize;
 

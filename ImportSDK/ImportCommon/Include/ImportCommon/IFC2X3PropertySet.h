@@ -84,8 +84,8 @@ private:
     struct Chunk_s;
 
     void swap(IFC2X3PropertySet& other) noexcept;
-    bool hasRoom();
-    void* placeForProperty(unsigned int expected);
+    bool makeRoom();
+    void* placeForProperty(unsigned int capacity);
     template <typename... Arguments>
     void emplace(Arguments&&... arguments);
     void appendSingleValue(const wchar_t* name, IFC2X3PropertySingleValue::ValueType_t type, bool boolValue,

@@ -18,7 +18,7 @@ struct IFC2X3_PSet_DoorCommon_s {
     double ThermalTransmittance;  ///< heat flow per area and kelvin
     double GlazingAreaFraction;   ///< glazed part of the area, 0 to 1
     bool HandicapAccessible;      ///< whether a wheelchair user can use it
-    bool FireExit;                ///< not part of the set
+    bool FireExit;                ///< never read: the set's "FireExit" carries `IsExternal`
     bool SelfClosing;             ///< whether it closes by itself
     bool SmokeStop;               ///< whether it stops smoke
     bool IsExternal;              ///< whether it is part of the outer shell

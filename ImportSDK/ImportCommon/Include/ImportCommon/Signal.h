@@ -31,6 +31,7 @@ private:
     pthread_mutex_t mutex_;
     pthread_cond_t condition_;
     std::atomic<unsigned int> counter_;
+    std::atomic<unsigned int> raising_; // threads inside of raise
 };
 
 } // namespace ImportCommon

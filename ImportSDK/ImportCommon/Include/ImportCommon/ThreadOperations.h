@@ -16,8 +16,8 @@ public:
     /**
      * Starts a thread that calls @p function with a copy of @p data.
      *
-     * The copy is made on the new thread and this call doesn't wait for it: @p data must stay valid until the thread
-     * has started. The copy is released when the function returns; it is null when there was no memory for it. A few
+     * The copy is made on the new thread and this call doesn't wait for it: @p data must stay valid until
+     * @p function has been called, which the function can tell by raising a Signal. The copy is released when the function returns; it is null when there was no memory for it. A few
      * dozen bytes per thread are kept until the process ends.
      *
      * @param function  what the thread does; its result is dropped
