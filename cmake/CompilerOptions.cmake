@@ -13,3 +13,7 @@ endif()
 # What is built does not tell where: the same sources give the same bytes in any folder.
 target_compile_options(importcommon-options INTERFACE -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
     -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
+if(IMPORTCOMMON_BUILD_FUZZERS AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    # The library tells the fuzzers which of its branches an input has reached.
+    target_compile_options(importcommon-options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
