@@ -24,10 +24,11 @@ constexpr const char* streamKeys[] = {
 /** Variables of this target. They are put into the environment as they are: the system would keep each copy it makes. */
 class Variable {
 public:
-    explicit Variable(const char* key) : key_(key) { set(""); }
+    explicit Variable(const char* key) : key_(key) {}
     ~Variable() { unsetenv(key_.c_str()); }
 
     void set(const std::string& value) {
+        unsetenv(key_.c_str()); // the environment must not point to text that is replaced
         text_ = key_ + '=' + value.c_str();
         putenv(text_.data());
     }

@@ -36,8 +36,11 @@ public:
             act();
         check(openAll());
         for (std::size_t i = 1; i < model_.indexes.size(); ++i)
-            for (const auto& stored : model_.rows)
-                check(openByKey(model_.indexes[i], stored.second));
+            for (const auto& stored : model_.rows) {
+                const std::vector<Position> matches = model_.indexes[i].matches(stored.second);
+                if (matches.empty() || matches.back() == stored.first)
+                    check(openByKey(model_.indexes[i], stored.second));
+            }
     }
 
 private:

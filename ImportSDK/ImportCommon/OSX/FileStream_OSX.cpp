@@ -72,7 +72,11 @@ FileStream* FileStream::createTemporaryFile() {
         // Exclusively: a file or link that somebody else put there is never opened.
         FILE* handle = std::fopen(name, "w+x");
         if (handle != nullptr || errno != EEXIST) {
-            return streamOn(handle);
+            FileStream* stream = streamOn(handle);
+            if (handle != nullptr && stream == nullptr) {
+                unlink(name); // nobody would know of it
+            }
+            return stream;
         }
     }
     return nullptr;

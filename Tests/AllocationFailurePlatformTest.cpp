@@ -1,0 +1,384 @@
+/**
+ * @file AllocationFailurePlatformTest.cpp
+ * Every allocation of the operations around the stores may fail: texts, environment, files, streams, threads, libraries.
+ */
+#include "DescribeProperties.h"
+#include "FailingAllocator.h"
+#include "TemporaryFolder.h"
+
+#include <DbFast/dbfast.h>
+#include <ImportCommon/ImportCommon.h>
+
+#include <dirent.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+using namespace ImportCommon;
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TEST_HAS_ADDRESS_SANITIZER
+#endif
+#elif defined(__SANITIZE_ADDRESS__)
+#define TEST_HAS_ADDRESS_SANITIZER
+#endif
+
+#ifdef TEST_HAS_ADDRESS_SANITIZER
+/** A request that is too large to be served is a failure like any other. */
+extern "C" const char* __asan_default_options() {
+    return "allocator_may_return_null=1";
+}
+#endif
+
+namespace {
+
+using Stream = std::unique_ptr<FileStream>;
+using Library = std::unique_ptr<DynamicLibrary>;
+using Cursor = std::unique_ptr<dbf_cursor, decltype(&dbf_closecursor)>;
+
+// Results as text, made when there is memory again.
+
+std::wstring textOf(bool value) {
+    return value ? L"yes" : L"no";
+}
+
+std::wstring textOf(unsigned long long value) {
+    return std::to_wstring(value);
+}
+
+std::wstring textOf(const std::wstring& text) {
+    return text;
+}
+
+std::wstring textOf(const std::string& text) {
+    return {text.begin(), text.end()};
+}
+
+std::wstring textOf(const std::vector<std::wstring>& lines) {
+    std::wstring text;
+    for (const std::wstring& line : lines)
+        text += line + L";";
+    return text;
+}
+
+std::wstring textOf(const ForeignObjectEnv_t& env) {
+    return (env.textures == stderr ? L"all " : L"") + env.fileName + env.module + env.path;
+}
+
+std::wstring textOf(const Library& library) {
+    return textOf(library != nullptr && library->isValid());
+}
+
+std::wstring textOf(const Cursor& cursor) {
+    return cursor ? std::to_wstring(dbf_getcursorrowcount(cursor.get())) : L"null";
+}
+
+std::wstring textOf(const ExternalVersion& version) {
+    char text[256] = {};
+    version.toString(sizeof text, text);
+    return textOf(std::string(text));
+}
+
+std::wstring textOf(const IFC2X3Property& property) {
+    IFC2X3PropertySet set;
+    set.addProperty(property);
+    return describe(set);
+}
+
+/** Handles that are open, to see that none is left behind. */
+std::ptrdiff_t openHandles() {
+    std::ptrdiff_t count = 0;
+    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir("/dev/fd"), closedir);
+    while (folder && readdir(folder.get()) != nullptr)
+        ++count;
+    return count;
+}
+
+/** What an operation answers; "throws" stands for std::bad_alloc. */
+template <typename Operation>
+std::wstring answerOf(const Operation& operation, std::optional<FailingAllocator>* memory = nullptr) {
+    std::optional<std::decay_t<decltype(operation())>> result;
+    try {
+        result.emplace(operation());
+    } catch (const std::bad_alloc&) {
+    }
+    if (memory != nullptr)
+        memory->reset();
+    return result ? textOf(*result) : L"throws";
+}
+
+/**
+ * Calls an operation with its first, second, third ... allocation failing, alone and with all later ones. It answers as
+ * with enough memory, since the system gets by with less in places, or with one of @p without; then it works again.
+ */
+template <typename Operation>
+void expectAnswers(const char* what, const std::set<std::wstring>& without, const Operation& operation) {
+    SCOPED_TRACE(what);
+    const std::wstring whole = answerOf(operation); // the first call may allocate for good
+    ASSERT_EQ(without.count(whole), 0U);
+    for (const auto extent : {FailingAllocator::Once, FailingAllocator::FromThenOn}) {
+        bool failed = true;
+        bool shown = false;
+        for (long which = 1; failed && which < 1000; ++which) {
+            SCOPED_TRACE(testing::Message() << "allocation " << which << ", extent " << extent);
+            const std::ptrdiff_t handles = openHandles();
+            std::optional<FailingAllocator> memory(std::in_place, which, extent);
+            const std::wstring answer = answerOf(operation, &memory);
+            failed = FailingAllocator::hasFailed();
+            EXPECT_TRUE(answer == whole || (failed && without.count(answer) != 0)) << testing::PrintToString(answer);
+            EXPECT_EQ(openHandles(), handles);
+            EXPECT_EQ(answerOf(operation), whole) << "afterwards";
+            shown = shown || answer != whole;
+            if (testing::Test::HasFailure())
+                return;
+        }
+        EXPECT_FALSE(failed);
+        EXPECT_TRUE(shown) << "no failure showed";
+    }
+}
+
+template <typename Operation>
+void expectThrows(const char* what, const Operation& operation) {
+    expectAnswers(what, {L"throws"}, operation);
+}
+
+class AllocationFailurePlatform : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!FailingAllocator::isAvailable())
+            GTEST_SKIP() << "the allocator can't be replaced here";
+    }
+};
+
+// Longer than what a string holds without memory of its own.
+const std::string longText = "a text of forty-two characters, caf\xC3\xA9 \xE4\xB8\xAD\xE6\x96\x87";
+const std::wstring longWide = L"a text of forty-two characters, caf\u00E9 \u4E2D\u6587";
+
+TEST_F(AllocationFailurePlatform, texts) {
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(longText.c_str());
+    expectThrows("decode", [=] { return StringOperations::ConvertFromUTF8(bytes); });
+    expectThrows("decode n bytes", [=] { return StringOperations::ConvertFromUTF8(bytes, longText.size()); });
+    expectThrows("from the locale", [] { return StringOperations::ConvertFromCurrentLocale(longText); });
+    expectThrows("to the locale", [] { return StringOperations::ConvertToCurrentLocale(longWide); });
+    expectThrows("to the locale's buffer", [] {
+        char text[64];
+        StringOperations::ConvertToCurrentLocale(longWide.data(), longWide.size(), text, sizeof text);
+        return text[0] == 'a' && text[63] == 0;
+    });
+    expectThrows("to ISO 8859-1", [] {
+        std::string text;
+        return !StringOperations::TryConvertToIsoLatin1(longWide, text) && text.size() == longWide.size();
+    });
+    expectThrows("number", [] { return StringOperations::AsWString(4294967295U - 10000); });
+}
+
+TEST_F(AllocationFailurePlatform, environment) {
+    EnvironmentVariables::SetString(L"ic_test", longWide);
+    expectThrows("get", [] { return EnvironmentVariables::GetString(L"ic_test"); });
+    expectThrows("expand", [] { return EnvironmentVariables::ExpandVariables(longWide); });
+
+    // The system may keep what it was given before, so each call gives it something new.
+    std::wstring text;
+    const auto nextText = [&] { text = longWide + std::to_wstring(text.size()) + text.substr(0, 100); };
+    int number = 0;
+    for (nextText(); number < 3; ++number, nextText()) {
+        const std::wstring key = L"ic_test" + std::to_wstring(number);
+        EXPECT_EQ(EnvironmentVariables::SetInt(key, number), 0);
+        const FailingAllocator memory(1);
+        EXPECT_EQ(EnvironmentVariables::SetString(key, text), -1);
+        EXPECT_EQ(EnvironmentVariables::SetInt(key, 987600 + number), -1);
+        EXPECT_EQ(EnvironmentVariables::SetFileStreamHandle(key, stderr), -1);
+        EXPECT_EQ(EnvironmentVariables::GetInt(key), number) << "the earlier value stays";
+    }
+}
+
+TEST_F(AllocationFailurePlatform, importEnvironment) {
+    EnvironmentVariables::SetInt(L"fo_handle_version", 1);
+    EnvironmentVariables::SetFileStreamHandle(L"fo_handle_textures", stderr);
+    for (const wchar_t* const key : {L"fo_string_filename", L"fo_string_module", L"fo_string_path"})
+        EnvironmentVariables::SetString(key, longWide);
+    expectThrows("deserialize", [] {
+        ForeignObjectEnv_t env = {};
+        foreignobject_env_deserialize(env);
+        return env;
+    });
+}
+
+TEST_F(AllocationFailurePlatform, files) {
+    const TemporaryFolder folder;
+    const std::wstring name = L"a file with a name of more than a few characters.ifc.txt";
+    writeFile(std::string(name.begin(), name.end()), "content");
+    using Files = FileOperations;
+    expectThrows("name without path", [&] { return Files::GetFileWithoutPath(L"folder/" + name); });
+    expectThrows("name without extension", [&] { return Files::GetFileWithoutExtenstion(L"folder/" + name); });
+    expectThrows("ending slash", [&] { return Files::InsertEndingDirectorySlash(name); });
+    expectThrows("exists", [&] { return Files::Exists(name); });
+    expectThrows("is a folder", [&] { return !Files::IsDirectory(name); });
+    expectThrows("read access", [&] { return Files::HasReadAccess(name); });
+    expectThrows("write access", [&] { return Files::HasWriteAccess(name); });
+    expectThrows("size", [&] { return Files::GetFileSize(name); });
+    expectThrows("time", [&] { return Files::GetFileLastWriteTime(name); });
+    expectThrows("free space", [&] { return Files::GetFreeBytesAvailable(name) != 0; });
+    expectThrows("time as text", [] { return Files::ConvertSystemTimeToTimeString({}); });
+    const std::wstring other = name + L".folder";
+    expectThrows("make and delete a folder", [&] {
+        const bool made = Files::MakeDirectory(other) || Files::IsDirectory(other);
+        return made && Files::DeleteDirectory(other);
+    });
+    // Here the system looks at the disk, and may fail by itself.
+    const std::set<std::wstring> without = {L"throws", L""};
+    expectAnswers("full path", without, [&] { return Files::GetFullPath(name); });
+    expectAnswers("full path of a new file", without, [&] { return Files::GetFullPath(other); });
+    expectAnswers("folder", without, [&] { return Files::GetFullFolder(name); });
+    expectAnswers("scan", without, [&] { return Files::ScanFilesInDirectory(folder.widePath()); });
+}
+
+TEST_F(AllocationFailurePlatform, streams) {
+    const TemporaryFolder folder;
+    const std::wstring path = L"a file with a name of more than a few characters.txt";
+    writeFile(std::string(path.begin(), path.end()), "content");
+    const auto contentOf = [](const Stream& stream) {
+        std::vector<char> bytes;
+        const bool read = stream && stream->read(4096, bytes);
+        return read ? std::string(bytes.begin(), bytes.end()) : std::string();
+    };
+    expectAnswers("read", {L"throws", L""}, [&] { return contentOf(Stream(FileStream::openFileForReading(path))); });
+    expectAnswers("write", {L"throws", L""}, [&] {
+        const Stream stream(FileStream::createFileForWriting(path));
+        const bool written = stream && stream->write(4, "text");
+        if (written)
+            stream->seekToBegin();
+        return written ? contentOf(stream) : std::string();
+    });
+    expectAnswers("borrowed handle", {L"no"}, [] { return Stream(FileStream::createFromHandle(stderr)) != nullptr; });
+}
+
+TEST_F(AllocationFailurePlatform, temporaryFilesAreNotLeftBehind) {
+    const auto all = [] {
+        std::set<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator("/tmp"))
+            if (entry.path().filename().string().compare(0, 4, "QLM.") == 0)
+                names.insert(entry.path());
+        return names;
+    };
+    const std::set<std::string> before = all();
+    std::size_t made = 0;
+    expectAnswers("temporary file", {L"no"}, [&] {
+        const Stream stream(FileStream::createTemporaryFile());
+        made += stream != nullptr ? 1 : 0;
+        return stream != nullptr;
+    });
+    std::set<std::string> left = all();
+    EXPECT_EQ(left.size(), before.size() + made) << "a file that nobody knows of";
+    for (const std::string& name : left)
+        if (before.count(name) == 0)
+            std::filesystem::remove(name);
+}
+
+unsigned int addBytes(void* data, unsigned long size) {
+    const auto* const bytes = static_cast<const unsigned char*>(data);
+    unsigned int sum = bytes == nullptr ? 1000 : 0;
+    for (unsigned long i = 0; bytes != nullptr && i < size; ++i)
+        sum += bytes[i];
+    return sum;
+}
+
+TEST_F(AllocationFailurePlatform, threadsAndLocks) {
+    static const unsigned char data[] = {1, 2, 3};
+    expectAnswers("thread", {L"throws", L"no"}, [] {
+        const pthread_t thread = ThreadOperations::createThread(addBytes, data, sizeof data, false);
+        const bool known = ThreadOperations::hasEnded(thread, nullptr);
+        EXPECT_EQ(ThreadOperations::closeThread(thread) == 1, known);
+        return known;
+    });
+    expectAnswers("lock", {L"no"}, [] {
+        CriticalSection section;
+        const bool entered = section.Enter(nullptr) == 0;
+        EXPECT_EQ(section.Leave(nullptr) == 0, entered);
+        return entered;
+    });
+}
+
+TEST_F(AllocationFailurePlatform, threadWithoutMemoryForItsDataGetsNone) {
+    const char data = 0;
+    const pthread_t thread = ThreadOperations::createThread(addBytes, &data, PTRDIFF_MAX, false);
+    void* result = nullptr;
+    ASSERT_EQ(pthread_join(thread, &result), 0);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(result), 1000U);
+}
+
+TEST_F(AllocationFailurePlatform, libraries) {
+    const std::string path = PLAIN_LIBRARY;
+    const std::wstring wide(path.begin(), path.end());
+    testing::internal::CaptureStderr(); // the loader's reason, at most once
+    expectAnswers("executable", {L"throws", L"no"}, [] { return Library(DynamicLibrary::getExecutable()); });
+    expectAnswers("library", {L"throws", L"no"},
+                  [&] { return Library(DynamicLibrary::loadDynamicLibrary(wide, L"")); });
+    testing::internal::GetCapturedStderr();
+}
+
+TEST_F(AllocationFailurePlatform, versions) {
+    const double numbers[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+    const ExternalVersion solid = createFromSolid(1, 2, 3, numbers, 4, numbers);
+    expectThrows("copy", [&] { return ExternalVersion(solid); });
+    expectThrows("box", [&] { return createFromBoundingBox(1, 2, 3); });
+    expectThrows("geometry", [&] { return createFromGeometry(1, 2, 3, numbers); });
+    expectThrows("solid", [&] { return createFromSolid(1, 2, 3, numbers, 4, numbers); });
+    ExternalVersion version;
+    expectThrows("assignment", [&] {
+        version = solid;
+        return version == solid;
+    });
+    {
+        const FailingAllocator memory(1);
+        EXPECT_THROW(version = solid, std::bad_alloc);
+    }
+    EXPECT_EQ(version.getType(), ExternalVersionType_Invalid) << "a version that lost its object";
+    char stream[CExternalVersion::MaximumStreamSize];
+    EXPECT_EQ(version.toByteStream(sizeof stream, stream), 4U);
+}
+
+TEST_F(AllocationFailurePlatform, properties) {
+    IFC2X3PropertySet set;
+    for (const wchar_t* const name : {L"a", L"b", L"c"})
+        set.addProperty(createPropertySingleValueString(name, L"", L"value"));
+    // A set without memory for its list is silently empty.
+    const std::set<std::wstring> without = {L"throws", L"Size/=usage{};"};
+    const IFC2X3Property complex = createPropertyComplex(L"Size", L"", L"usage", set);
+    expectAnswers("make", without, [&] { return createPropertyComplex(L"Size", L"", L"usage", set); });
+    expectAnswers("copy", without, [&] { return IFC2X3Property(complex); });
+    IFC2X3Property assigned;
+    expectAnswers("assign", without, [&] {
+        assigned = complex;
+        return std::move(assigned);
+    });
+    const PngTexture texture(std::vector<char>(3));
+    expectThrows("texture", [&] { return PngTexture(texture).getData().size() == 3; });
+}
+
+TEST_F(AllocationFailurePlatform, cursors) {
+    const dbf_tablespec storage{0, 50};
+    const dbf_fieldspec fields[] = {{DBF_INT, 0}, {DBF_INT, 0}, {DBF_END, 0}};
+    const std::unique_ptr<dbf_table, decltype(&dbf_droptable)> table(dbf_createtable(&storage, fields), &dbf_droptable);
+    const dbf_indexspec spec{1, 0};
+    const int32_t key[] = {1, -1};
+    dbf_index* const index = dbf_createindex(table.get(), &spec, key);
+    for (int32_t id = 0; id < 200; ++id) {
+        const int32_t row[] = {id, id % 2};
+        ASSERT_EQ(dbf_insert(table.get(), row), DBF_OK);
+    }
+    const int32_t row[] = {0, 1};
+    testing::internal::CaptureStderr();
+    expectAnswers("all rows", {L"null"}, [&] { return Cursor(dbf_opencursor_all(table.get()), &dbf_closecursor); });
+    expectAnswers("rows of a key", {L"null"}, [&] { return Cursor(dbf_opencursor(index, row), &dbf_closecursor); });
+    testing::internal::GetCapturedStderr();
+}
+
+} // namespace
