@@ -14,21 +14,6 @@
 
 namespace {
 
-using TablePtr = std::unique_ptr<dbf_table, decltype(&dbf_droptable)>;
-using FieldSpecs = std::vector<dbf_fieldspec>;
-
-TablePtr createTable(const dbf_tablespec& spec, FieldSpecs fields, int32_t terminator = DBF_END) {
-    fields.push_back({terminator, 0});
-    fields.push_back({DBF_END, 0}); // a scan that passes a wrong terminator stays inside the array
-    return {dbf_createtable(&spec, fields.data()), &dbf_droptable};
-}
-
-dbf_index* createIndex(dbf_table* table, int32_t kind, int32_t unique, std::vector<int32_t> fields) {
-    const dbf_indexspec spec{kind, unique};
-    fields.push_back(-1);
-    return dbf_createindex(table, &spec, fields.data());
-}
-
 TEST(DbFast, tableSpecificationsAreChecked) {
     const struct {
         const char* what;
@@ -38,29 +23,22 @@ TEST(DbFast, tableSpecificationsAreChecked) {
         bool accepted;
     } cases[] = {
         {"least of everything", {0, 1}, {{DBF_BYTES, 1}}, DBF_END, true},
-        {"largest bucket", {0, 65535}, {{DBF_STRING, 1}}, DBF_END, true},
         {"most buckets", {65534, 1}, {{DBF_INT, 0}}, DBF_END, true},
         {"one bucket too many", {65535, 1}, {{DBF_INT, 0}}, DBF_END, false},
         {"sizes that fixed types ignore", {1, 1}, {{DBF_INT, -5}, {DBF_PWSTRING, -1}, {DBF_DOUBLE, 0}}, DBF_END, true},
         {"no room in a bucket", {0, 0}, {{DBF_INT, 0}}, DBF_END, false},
-        {"negative bucket", {0, -1}, {{DBF_INT, 0}}, DBF_END, false},
         {"bucket too large", {0, 65536}, {{DBF_INT, 0}}, DBF_END, false},
         {"negative capacity", {-1, 1}, {{DBF_INT, 0}}, DBF_END, false},
         {"no fields", {0, 1}, {}, DBF_END, false},
         {"terminator 101", {0, 1}, {{DBF_INT, 0}}, 101, false},
-        {"terminator 99", {0, 1}, {{DBF_INT, 0}}, 99, false},
-        {"unknown type", {0, 1}, {{9, 4}}, DBF_END, false},
-        {"negative type", {0, 1}, {{DBF_INT, 0}, {-1, 4}}, DBF_END, false},
+        {"unknown types", {0, 1}, {{DBF_INT, 0}, {9, 4}}, DBF_END, false},
         {"empty string", {0, 1}, {{DBF_STRING, 0}}, DBF_END, false},
         {"negative bytes", {0, 1}, {{DBF_BYTES, -1}}, DBF_END, false},
-        {"empty wide string", {0, 1}, {{DBF_WSTRING, 0}}, DBF_END, false},
         {"wide string beyond 31 bits", {0, 1}, {{DBF_WSTRING, 0x40000001}}, DBF_END, false},
         {"row beyond 31 bits", {0, 1}, {{DBF_BYTES, INT_MAX}, {DBF_BYTES, INT_MAX}}, DBF_END, false},
     };
     for (const auto& c : cases)
         EXPECT_EQ(createTable(c.table, c.fields, c.terminator) != nullptr, c.accepted) << c.what;
-    const dbf_tablespec spec{0, 1};
-    EXPECT_EQ(dbf_createtable(&spec, nullptr), nullptr);
 }
 
 TEST(DbFast, indexSpecificationsAreChecked) {
@@ -72,61 +50,22 @@ TEST(DbFast, indexSpecificationsAreChecked) {
     } cases[] = {{1, {0}, true},  {1, {1, 0}, true},  {0, {0}, false},       {2, {0}, false},         {1, {}, false},
                  {1, {2}, false}, {1, {0, 0}, false}, {1, {0, 1, 0}, false}, {1, {0, INT_MAX}, false}};
     for (const auto& c : cases)
-        EXPECT_EQ(createIndex(table.get(), c.kind, 1, c.fields) != nullptr, c.accepted)
+        EXPECT_EQ(createIndex(table, true, c.fields, c.kind) != nullptr, c.accepted)
             << testing::PrintToString(c.fields);
-}
-
-TEST(DbFast, rowsHaveTheDeclaredLayout) {
-    const struct {
-        FieldSpecs fields;
-        std::vector<std::pair<std::size_t, std::size_t>> places; // offset and size
-        std::size_t rowSize;
-    } cases[] = {
-        {{{DBF_INT, 77}, {DBF_BYTES, 22}}, {{0, 4}, {4, 22}}, 26},
-        {{{DBF_INT, 0}, {DBF_BYTES, 16}}, {{0, 4}, {4, 16}}, 20},
-        {{{DBF_INT, 0}, {DBF_INT, 0}}, {{0, 4}, {4, 4}}, 8},
-        {{{DBF_BYTES, 1}, {DBF_DOUBLE, 0}}, {{0, 1}, {8, 8}}, 16},
-        {{{DBF_STRING, 1}, {DBF_WSTRING, 10}, {DBF_BYTES, 1}, {DBF_FLOAT, 0}, {DBF_STRING, 3}, {DBF_POINTER, 1}},
-         {{0, 1}, {2, 20}, {22, 1}, {24, 4}, {28, 3}, {32, 8}},
-         40},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.places));
-        const TablePtr table = createTable({0, 1}, c.fields);
-        Row row(c.rowSize, '\0');
-        std::iota(row.begin(), row.end(), '\x21');
-        ASSERT_EQ(dbf_insert(table.get(), row.data()), DBF_OK);
-        for (std::size_t field = 0; field < c.places.size(); ++field) {
-            dbf_index* const index = createIndex(table.get(), 1, 1, {static_cast<int32_t>(field)});
-            const auto [offset, size] = c.places[field];
-            Row probe(c.rowSize + 8, '\x7A');
-            probe.replace(offset, size, row, offset, size);
-            for (const std::size_t wrong : {offset, offset + size - 1}) {
-                Row other = probe;
-                other[wrong] = static_cast<char>(other[wrong] ^ 1);
-                EXPECT_EQ(dbf_select(index, other.data()), DBF_NOTFOUND) << wrong;
-            }
-            EXPECT_EQ(dbf_select(index, probe.data()), DBF_OK) << field;
-            EXPECT_EQ(probe, row + Row(8, '\x7A'));
-        }
-    }
 }
 
 TEST(DbFast, tableStopsAtItsLastBucket) {
     const TablePtr table = createTable({0, 1}, {{DBF_INT, 0}});
-    dbf_index* const index = createIndex(table.get(), 1, 1, {0});
+    dbf_index* const index = createIndex(table, true, {0});
     const int32_t last = 65534;
-    int32_t key = 0;
-    while (key < last && dbf_insert(table.get(), &key) == DBF_OK)
-        ++key;
-    EXPECT_EQ(key, last);
-    EXPECT_EQ(dbf_insert(table.get(), &key), DBF_FAILED);
-    EXPECT_EQ(dbf_select(index, &key), DBF_NOTFOUND);
-    for (int32_t known = 0; known < last; ++known)
-        ASSERT_EQ(dbf_select(index, &known), DBF_OK) << known;
+    for (int32_t key = 0; key < last; ++key)
+        ASSERT_EQ(dbf_insert(table.get(), &key), DBF_OK);
+    EXPECT_EQ(dbf_insert(table.get(), &last), DBF_FAILED);
+    for (int32_t key = 0; key <= last; ++key)
+        ASSERT_EQ(dbf_select(index, &key), key < last ? DBF_OK : DBF_NOTFOUND);
     const int32_t deleted = 4711;
     EXPECT_EQ(dbf_delete(index, &deleted), DBF_OK);
-    EXPECT_EQ(dbf_insert(table.get(), &key), DBF_OK);
+    EXPECT_EQ(dbf_insert(table.get(), &last), DBF_OK);
     EXPECT_EQ(dbf_insert(table.get(), &deleted), DBF_FAILED);
 }
 
@@ -138,7 +77,6 @@ struct TableShape {
 };
 
 const TableShape tableShapes[] = {
-    {"identities", {{DBF_INT, 0}, {DBF_BYTES, 22}}, {30000, 30000}, {{true, {0}}, {true, {1}}, {false, {1, 0}}}},
     {"numbers",
      {{DBF_DOUBLE, 0}, {DBF_INT, 0}, {DBF_DOUBLE, 0}, {DBF_FLOAT, 0}},
      {9000, 30000, 40, 40},
@@ -218,6 +156,8 @@ public:
                 clear();
             else if (below(400) == 0)
                 exchangeIndex();
+            else if (below(3) == 0)
+                useCursor();
             else
                 touchRow(step * 5 / steps % 2 == 0 ? 24 : 2);
         }
@@ -225,11 +165,18 @@ public:
     }
 
 private:
+    struct Cursor_s {
+        std::unique_ptr<dbf_cursor, decltype(&dbf_closecursor)> handle;
+        std::vector<Position> rows;
+        std::size_t position;
+    };
+
     unsigned int below(std::size_t limit) { return static_cast<unsigned int>(random_() % limit); }
+    IndexModel& anyIndex() { return model_.indexes[below(model_.indexes.size())]; }
 
     void addIndex(IndexModel index) {
         index.rebuild(model_.rows);
-        index.handle = createIndex(table_.get(), 1, index.unique ? 1 : 0, index.keyFields);
+        index.handle = createIndex(table_, index.unique, index.keyFields);
         EXPECT_NE(index.handle, nullptr);
         model_.indexes.push_back(std::move(index));
     }
@@ -253,12 +200,9 @@ private:
 
     /** Inserts with a weight of `inserts` against 6 for the rest. */
     void touchRow(unsigned int inserts) {
-        IndexModel& by = model_.indexes[below(model_.indexes.size())];
-        Row row = randomRow();
+        const IndexModel& by = anyIndex();
         const unsigned int action = below(inserts + 6);
-        const auto stored = model_.rows.lower_bound(below(model_.capacity() + 1));
-        if (stored != model_.rows.end() && below(4) < (action < 6 ? 3 : 1))
-            by.copyKey(stored->second, row);
+        Row row = randomRow(by, action < 6 ? 3 : 1);
         Row expected = row;
         if (action < 1) {
             EXPECT_EQ(dbf_select(by.handle, row.data()), model_.select(by, expected));
@@ -273,10 +217,14 @@ private:
         compareMatches(by, row);
     }
 
-    Row randomRow() {
+    /** As many quarters of them have the key of a row that is stored. */
+    Row randomRow(const IndexModel& by, unsigned int quarters) {
         Row row(fields_.back().offset + fields_.back().size, static_cast<char>(random_())); // the padding counts too
         for (std::size_t i = 0; i < fields_.size(); ++i)
             writeValue(fields_[i], below(shape_.values[i]), row.data() + fields_[i].offset);
+        const auto stored = model_.rows.lower_bound(below(model_.capacity() + 1));
+        if (stored != model_.rows.end() && below(4) < quarters)
+            by.copyKey(stored->second, row);
         row.shrink_to_fit();
         return row;
     }
@@ -305,6 +253,61 @@ private:
         }
     }
 
+    Cursor_s openAll() const {
+        Cursor_s cursor{{dbf_opencursor_all(table_.get()), &dbf_closecursor}, {}, 0};
+        for (const auto& stored : model_.rows)
+            cursor.rows.push_back(stored.first);
+        return cursor;
+    }
+
+    Cursor_s openByKey(const IndexModel& by, const Row& row) const {
+        Cursor_s cursor{{dbf_opencursor(by.handle, row.data()), &dbf_closecursor}, by.matches(row), 0};
+        std::reverse(cursor.rows.begin(), cursor.rows.end());
+        return cursor;
+    }
+
+    void useCursor() {
+        if (cursors_.size() < 6) {
+            const IndexModel& by = anyIndex();
+            cursors_.push_back(below(3) == 0 ? openAll() : openByKey(by, randomRow(by, 3)));
+        }
+        const std::size_t which = below(cursors_.size());
+        Cursor_s& cursor = cursors_[which];
+        const auto current =
+            cursor.position > 0 ? model_.rows.find(cursor.rows[cursor.position - 1]) : model_.rows.end();
+        const bool exists = current != model_.rows.end();
+        const unsigned int action = below(20);
+        if (action == 0) {
+            cursors_.erase(cursors_.begin() + static_cast<std::ptrdiff_t>(which));
+        } else if (action < 5) {
+            Row row = randomRow(anyIndex(), 2);
+            if (exists && below(2) == 0)
+                anyIndex().copyKey(current->second, row);
+            EXPECT_EQ(dbf_updatecurrent(cursor.handle.get(), row.data()),
+                      exists ? model_.updateAt(current->first, row) : DBF_NOTFOUND);
+        } else if (action < 7) {
+            EXPECT_EQ(dbf_deletecurrent(cursor.handle.get()), exists ? model_.removeAt(current->first) : DBF_NOTFOUND);
+        } else {
+            fetch(cursor);
+        }
+    }
+
+    void fetch(Cursor_s& cursor) const {
+        Row row(fields_.back().offset + fields_.back().size + 8, 'z');
+        Row expected = row;
+        int result = DBF_NOTFOUND;
+        EXPECT_EQ(dbf_getcursorrowcount(cursor.handle.get()), static_cast<int>(cursor.rows.size() - cursor.position));
+        if (cursor.position < cursor.rows.size()) {
+            const auto stored = model_.rows.find(cursor.rows[cursor.position++]);
+            if (stored != model_.rows.end()) {
+                expected.replace(0, stored->second.size(), stored->second);
+                result = DBF_OK;
+            }
+        }
+        EXPECT_EQ(dbf_fetch(cursor.handle.get(), row.data()), result);
+        EXPECT_EQ(row, expected);
+    }
+
     void compareMatches(const IndexModel& index, const Row& key) const {
         const auto expected = index.matches(key);
         std::vector<Position> found;
@@ -317,6 +320,9 @@ private:
     }
 
     void compareAll() const {
+        Cursor_s all = openAll();
+        for (std::size_t rows = 0; rows <= model_.rows.size(); ++rows)
+            fetch(all);
         for (const IndexModel& index : model_.indexes)
             for (const auto& [position, row] : model_.rows) {
                 const auto same = index.matches(row);
@@ -335,6 +341,7 @@ private:
     TablePtr table_;
     TableModel model_;
     std::vector<IndexModel> dropped_;
+    std::vector<Cursor_s> cursors_; // closed before the table is dropped
 };
 
 TEST(DbFast, agreesWithAPlainModel) {
@@ -343,7 +350,7 @@ TEST(DbFast, agreesWithAPlainModel) {
         for (const dbf_tablespec& storage : storages) {
             std::cout << shape.name << ", " << storage.initialrows << " rows, " << storage.rowsperbucket
                       << " per bucket: seed " << ++seed << "\n";
-            Comparison(shape, storage, seed).run(storage.rowsperbucket == 2000 ? 30000 : 4000);
+            Comparison(shape, storage, seed).run(storage.rowsperbucket == 2000 ? 30000 : 5000);
             ASSERT_FALSE(HasFailure());
         }
 }

@@ -11,12 +11,28 @@
 #include <cstdint>
 #include <cstring>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
 #include <utility>
 #include <vector>
+
+using TablePtr = std::unique_ptr<dbf_table, decltype(&dbf_droptable)>;
+using FieldSpecs = std::vector<dbf_fieldspec>;
+
+inline TablePtr createTable(const dbf_tablespec& spec, FieldSpecs fields, int32_t terminator = DBF_END) {
+    fields.push_back({terminator, 0});
+    fields.push_back({DBF_END, 0}); // a scan that passes a wrong terminator stays inside the array
+    return {dbf_createtable(&spec, fields.data()), &dbf_droptable};
+}
+
+inline dbf_index* createIndex(const TablePtr& table, bool unique, std::vector<int32_t> fields, int32_t kind = 1) {
+    const dbf_indexspec spec{kind, unique ? 1 : 0};
+    fields.push_back(-1);
+    return dbf_createindex(table.get(), &spec, fields.data());
+}
 
 struct FieldModel {
     int32_t type;
@@ -25,7 +41,7 @@ struct FieldModel {
 };
 
 /** Fields one after the other, each at the natural alignment of its type. */
-inline std::vector<FieldModel> layoutOf(const std::vector<dbf_fieldspec>& specs) {
+inline std::vector<FieldModel> layoutOf(const FieldSpecs& specs) {
     std::vector<FieldModel> fields;
     std::size_t end = 0;
     for (const dbf_fieldspec& spec : specs) {
@@ -202,12 +218,15 @@ public:
     int update(const IndexModel& by, const Row& row) {
         Position at = 0;
         const int result = find(by, row, at);
-        if (result != DBF_OK)
-            return result;
+        return result == DBF_OK ? updateAt(at, row, &by) : result;
+    }
+
+    /** An index that the row was found by stays as it is. */
+    int updateAt(Position at, const Row& row, const IndexModel* by = nullptr) {
         Row& stored = rows[at];
         std::vector<IndexModel*> changed;
         for (IndexModel& index : indexes) {
-            if (&index == &by || index.sameKey(stored, row))
+            if (&index == by || index.sameKey(stored, row))
                 continue;
             if (index.unique && !index.matches(row).empty())
                 return DBF_DUPLICATE;
@@ -224,13 +243,15 @@ public:
     int remove(const IndexModel& by, const Row& row) {
         Position at = 0;
         const int result = find(by, row, at);
-        if (result == DBF_OK) {
-            for (IndexModel& index : indexes)
-                index.leave(at);
-            rows.erase(at);
-            free_.insert(at);
-        }
-        return result;
+        return result == DBF_OK ? removeAt(at) : result;
+    }
+
+    int removeAt(Position at) {
+        for (IndexModel& index : indexes)
+            index.leave(at);
+        rows.erase(at);
+        free_.insert(at);
+        return DBF_OK;
     }
 
     void clear() {
