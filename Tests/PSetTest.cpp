@@ -1,16 +1,14 @@
 #include "DescribeProperties.h"
-#include "FailingAllocator.h"
 
 #include <ImportCommon/ImportCommon.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstddef>
 #include <cstring>
 #include <functional>
-#include <memory>
-#include <new>
+#include <iostream>
+#include <random>
 #include <string>
 #include <type_traits>
 
@@ -19,25 +17,23 @@ using Value = IFC2X3PropertySingleValue;
 
 namespace {
 
-/** One property of a set: what fills the fields of the record R that it comes from, and what it should become. */
+/** One property of a set: fills the fields of the record that it comes from, and adds what it should become. */
 template <typename R>
 struct Entry {
-    std::function<void(R&, unsigned int number, unsigned int round)> fill;
-    std::function<IFC2X3Property(const R&)> property;
-    bool R::*has;
-    int R::*kind; // 1 makes the number a length, 2 an angle in degrees, any other leaves it out
+    std::function<void(R& record, std::mt19937& random)> fill;
+    std::function<void(const R& record, IFC2X3PropertySet& expected)> add;
 };
 
-/** No two fields of a type get the same value in all rounds. In the rounds 2, 3 ... texts have no terminator. */
+/** Half of the texts have no terminator. */
 template <typename T>
-void fillField(T& field, unsigned int number, unsigned int round) {
+void fillField(T& field, std::mt19937& random) {
     if constexpr (std::is_array_v<T>) {
         std::fill_n(field, 256, L'\0');
-        std::fill_n(field, round > 1 ? 256 : number, static_cast<wchar_t>(L'a' + number));
+        std::fill_n(field, random() % 2 == 0 ? 256 : random() % 20, static_cast<wchar_t>(L'a' + random() % 26));
     } else if constexpr (std::is_same_v<T, bool>) {
-        field = (number >> round & 1) != 0;
+        field = random() % 2 != 0;
     } else {
-        field = static_cast<T>(number * -33.3);
+        field = static_cast<T>(static_cast<int>(random() % 10000) * -33.3);
     }
 }
 
@@ -56,59 +52,51 @@ IFC2X3Property propertyOf(const wchar_t* name, Value::ValueType_t type, const T&
 template <typename R, typename T>
 Entry<R> entry(const wchar_t* name, T R::*field, bool R::*has = nullptr,
                Value::ValueType_t type = Value::ValueType_Real) {
-    return {[=](R& record, unsigned int number, unsigned int round) { fillField(record.*field, number, round); },
-            [=](const R& record) { return propertyOf(name, type, record.*field); }, has, nullptr};
+    return {[=](R& record, std::mt19937& random) {
+                fillField(record.*field, random);
+                if (has != nullptr)
+                    record.*has = random() % 2 != 0;
+            },
+            [=](const R& record, IFC2X3PropertySet& expected) {
+                if (has == nullptr || record.*has)
+                    expected.addProperty(propertyOf(name, type, record.*field));
+            }};
 }
 
+/** The kind 1 makes the number a length, 2 an angle in degrees, any other leaves it out. */
 template <typename R>
 Entry<R> lengthOrAngle(const wchar_t* name, double R::*field, bool R::*has, int R::*kind) {
-    Entry<R> result = entry(name, field, has);
-    result.property = [=](const R& record) {
-        return record.*kind == 1
-                   ? propertyOf(name, Value::ValueType_Length, record.*field)
-                   : propertyOf(name, Value::ValueType_PlaneAngle, record.*field / 180.0 * 3.141592653589793);
-    };
-    result.kind = kind;
-    return result;
+    return {[=](R& record, std::mt19937& random) {
+                entry(name, field, has).fill(record, random);
+                record.*kind = static_cast<int>(random() % 4);
+            },
+            [=](const R& record, IFC2X3PropertySet& expected) {
+                const double angle = record.*field / 180.0 * 3.141592653589793;
+                if (record.*has && record.*kind == 1)
+                    expected.addProperty(propertyOf(name, Value::ValueType_Length, record.*field));
+                if (record.*has && record.*kind == 2)
+                    expected.addProperty(propertyOf(name, Value::ValueType_PlaneAngle, angle));
+            }};
 }
 
-std::wstring padded(std::wstring text) {
-    text.resize(256);
-    return text;
-}
-
-/**
- * Converts records with no option present, each one alone, and all. Fields without an entry are false and empty in some
- * rounds, true and unterminated in others: they must not count.
- */
+/** Converts random records. Fields without an entry are alike in each: they must not count. */
 template <typename R, typename... Entries>
-void expectSet(const wchar_t* name, Entries... list) {
-    const Entry<R> entries[] = {list...};
-    constexpr std::size_t count = sizeof...(list);
-    for (unsigned int run = 0; run < 6 * (count + 2); ++run) {
-        const unsigned int round = run % 6;
-        const std::size_t present = run / 6; // count: none; count + 1: all
+void expectSet(std::wstring name, Entries... entries) {
+    constexpr unsigned int seed = 20261;
+    std::cout << "seed " << seed << std::endl;
+    std::mt19937 random(seed);
+    name.resize(256);
+    for (int round = 0; round < 300; ++round) {
         R record;
         std::memset(&record, round % 2, sizeof record);
-        for (unsigned int i = 0; i < count; ++i) {
-            entries[i].fill(record, i + 1, round);
-            if (entries[i].has != nullptr)
-                record.*entries[i].has = present == i || present > count;
-            if (entries[i].kind != nullptr)
-                record.*entries[i].kind = static_cast<int>((i + round) % 4);
-        }
         IFC2X3PropertySet expected;
-        for (const Entry<R>& entry : entries) {
-            const int kind = entry.kind != nullptr ? record.*entry.kind : 1;
-            if ((entry.has == nullptr || record.*entry.has) && (kind == 1 || kind == 2))
-                expected.addProperty(entry.property(record));
-        }
-        SCOPED_TRACE(testing::Message() << "round " << round << ", present " << present);
+        (entries.fill(record, random), ...);
+        (entries.add(record, expected), ...);
         const IFC2X3_PSet_Custom_s set = record;
         EXPECT_EQ(std::string(set.globalId, sizeof set.globalId), std::string(22, '0'));
-        EXPECT_EQ(std::wstring(set.name, 256), padded(name));
-        EXPECT_EQ(std::wstring(set.description, 256), padded(L""));
-        EXPECT_EQ(describe(set.properties), describe(expected));
+        EXPECT_EQ(std::wstring(set.name, 256), name);
+        EXPECT_EQ(std::wstring(set.description, 256), std::wstring(256, L'\0'));
+        EXPECT_EQ(describe(set.properties), describe(expected)) << "round " << round;
     }
 }
 
@@ -208,24 +196,6 @@ TEST(PSet, window) {
     expectSet<R>(L"Pset_WindowCommon", ALWAYS(Reference), ALWAYS(FireRating), ALWAYS(AcousticRating),
                  ALWAYS(SecurityRating), OPTION(Infiltration), OPTION(ThermalTransmittance),
                  OPTION(GlazingAreaFraction), OPTION(SmokeStop), ALWAYS(IsExternal));
-}
-
-TEST(PSet, withoutMemoryItLeavesPropertiesOutOrThrows) {
-    const std::wstring all = L"Reference/=1:;FireRating/=1:;IsExternal/=2:0;";
-    bool failed = FailingAllocator::isAvailable();
-    for (int which = 1; failed; ++which) {
-        auto failing = std::make_unique<FailingAllocator>(which, FailingAllocator::Once);
-        try {
-            const IFC2X3_PSet_Custom_s set = IFC2X3_PSet_RoofCommon_s{};
-            failed = FailingAllocator::hasFailed();
-            failing.reset();
-            // The list grows just once, for the first property; the others find room.
-            EXPECT_EQ(describe(set.properties), failed ? all.substr(all.find(L"FireRating")) : all);
-            EXPECT_TRUE(failed || which > 1);
-        } catch (const std::bad_alloc&) {
-            EXPECT_GT(which, 1);
-        }
-    }
 }
 
 } // namespace
