@@ -5,9 +5,10 @@
 
 #include <algorithm>
 #include <climits>
-#include <memory>
+#include <iostream>
 #include <new>
 #include <numeric>
+#include <random>
 #include <set>
 #include <string>
 #include <utility>
@@ -99,76 +100,68 @@ TEST(Property, whatIsMissingIsASharedNullObject) {
     EXPECT_EQ(none.getPropertyComplex().getPropertySet().getCount(), 0u);
 }
 
-TEST(Property, copiesAreDeep) {
-    auto source = std::make_unique<Set>(nested(5));
-    auto property = std::make_unique<IFC2X3Property>(createPropertyComplex(L"c", L"d", L"u", *source));
-    const std::wstring all = describe(*source);
-    const Set copy(*source);
-    Set assigned = nested(2);
-    assigned = *source;
-    IFC2X3Property replaced = *property;
-    replaced = text(L"t");
-    EXPECT_EQ(describe(replaced), L"t/d=1:value;");
-    replaced = *property;
-    source->clear();
-    source->addProperty(text(L"other"));
-    source.reset();
-    property.reset();
-    EXPECT_EQ(describe(copy), all);
-    EXPECT_EQ(describe(assigned), all);
-    EXPECT_EQ(describe(replaced), L"c/d=u{" + all + L"};");
-}
-
-TEST(Property, assignmentFromItselfOrFromInside) {
-    Set set = nested(4);
-    const Set& sameSet = set;
-    const std::wstring all = describe(set);
-    set = sameSet;
-    EXPECT_EQ(describe(set), all);
-    IFC2X3Property property = createPropertyComplex(L"c", L"d", L"u", set);
-    for (unsigned int index : {7u, 5u, 3u, 0u}) {
-        const IFC2X3Property& same = property;
-        property = same;
-        const Set& held = property.getPropertyComplex().getPropertySet();
-        const std::wstring inside = describe(held.getProperty(index));
-        property = held.getProperty(index);
-        EXPECT_EQ(describe(property), inside);
-    }
-    for (int level = 3; level >= 0; --level) {
-        set = set.getProperty(set.getCount() - 1).getPropertyComplex().getPropertySet();
-        EXPECT_EQ(describe(set), describe(nested(level)));
-    }
-}
-
-TEST(Property, movedFromObjectsAreEmptyAndUsable) {
-    Set set = nested(1);
-    Set taken = nested(3);
-    const std::wstring all = describe(taken);
-    set = std::move(taken);
-    EXPECT_EQ(taken.getCount(), 0u);
-    IFC2X3Property property = createPropertyComplex(L"c", L"d", L"u", Set(std::move(set)));
-    IFC2X3Property assigned = text(L"t");
-    assigned = std::move(property);
-    EXPECT_EQ(describe(property), L"/=;");
-    set.addProperty(std::move(assigned));
-    EXPECT_EQ(describe(assigned), L"/=;");
-    EXPECT_EQ(describe(set), L"c/d=u{" + all + L"};");
-}
-
-TEST(PropertySet, growsAndClears) {
-    Set set;
-    for (unsigned int round = 0; round < 2; ++round) {
-        std::wstring expected;
-        for (unsigned int i = 0; i <= 151; ++i) {
-            ASSERT_EQ(set.getCount(), i);
-            // The property that is added may be one of the set, also while the list grows.
-            const bool repeats = i != 0 && i % 50 == 0;
-            set.addProperty(repeats ? set.getProperty(i - 1) : text(std::to_wstring(i).c_str()));
-            expected += std::to_wstring(repeats ? i - 1 : i) + L"/d=1:value;";
+TEST(Property, copiesAndMovesAgreeWithTheirTexts) {
+    constexpr unsigned int seed = 5005;
+    std::cout << "seed " << seed << std::endl;
+    std::mt19937 random(seed);
+    struct {
+        Set set;
+        IFC2X3Property property;
+        std::wstring setText, propertyText = L"/=;";
+    } all[3];
+    for (int step = 0; step < 5000 && !HasFailure(); ++step) {
+        auto& to = all[random() % 3];
+        auto& from = all[random() % 3];
+        const IFC2X3Property& inside = to.set.getProperty(static_cast<unsigned int>(random() % 60));
+        const std::wstring insideText = describe(inside);
+        const std::wstring name = std::to_wstring(step);
+        switch (random() % 9) {
+        case 0: // of itself, too
+            to = from;
+            break;
+        case 1:
+            if (&to != &from) {
+                to = std::move(from);
+                from.setText = L"";
+                from.propertyText = L"/=;";
+            }
+            break;
+        case 2: // a part takes the place of the whole
+            to.setText = describe(inside.getPropertyComplex().getPropertySet());
+            to.set = inside.getPropertyComplex().getPropertySet();
+            break;
+        case 3:
+            to.property = createPropertyComplex(name.c_str(), L"", L"u", from.set);
+            to.propertyText = name + L"/=u{" + from.setText + L"};";
+            break;
+        case 4: {
+            const IFC2X3Property& part = to.property.getPropertyComplex().getPropertySet().getProperty(0);
+            to.propertyText = describe(part);
+            to.property = part;
+            break;
         }
-        EXPECT_EQ(describe(set), expected);
-        set.clear();
-        EXPECT_EQ(set.getProperty(0).getType(), IFC2X3Property::Type_Null);
+        case 5:
+            to.property = text(name.c_str());
+            to.propertyText = name + L"/d=1:value;";
+            break;
+        case 6: // one of the set, also while the list grows
+            to.set.addProperty(inside);
+            to.setText += insideText;
+            break;
+        default:
+            for (int i = 0; i < 9; ++i) {
+                to.set.addProperty(from.property);
+                to.setText += from.propertyText;
+            }
+        }
+        for (const auto& each : all) {
+            EXPECT_EQ(describe(each.set), each.setText) << step;
+            EXPECT_EQ(describe(each.property), each.propertyText) << step;
+        }
+        if (to.setText.size() > 5000) {
+            to.set.clear();
+            to.setText.clear();
+        }
     }
 }
 
