@@ -1,14 +1,11 @@
 // Property sets beside the plain cost of writing the bytes that they hold.
 
+#include "BenchmarkSupport.h"
+
 #include <ImportCommon/CIFC2X3Property.h>
 #include <ImportCommon/IFC2X3_PSet_WallCommon.h>
 
-#include <benchmark/benchmark.h>
-
-#include <cstring>
 #include <cwchar>
-#include <string>
-#include <vector>
 
 using namespace ImportCommon;
 
@@ -78,10 +75,14 @@ void setMemset(benchmark::State& state) {
     writeBytes(state, setSize * sizeof(IFC2X3Property));
 }
 
-BENCHMARK(wallMemset);
-BENCHMARK(wallConvert);
-BENCHMARK(setMemset);
-BENCHMARK(setBuild);
-BENCHMARK(setCopy);
+const bool added = [] {
+    addBenchmark("properties/convert a wall/8/library", 1, wallConvert);
+    addBenchmark("properties/convert a wall/8/memset", 1, wallMemset);
+    addBenchmark("properties/build a set/50/library", 1, setBuild);
+    addBenchmark("properties/build a set/50/memset", 1, setMemset);
+    addBenchmark("properties/copy a set/50/library", 1, setCopy);
+    addBenchmark("properties/copy a set/50/memset", 1, setMemset);
+    return true;
+}();
 
 } // namespace
