@@ -4,6 +4,9 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <new>
+#include <utility>
 
 namespace ImportCommon {
 
@@ -15,22 +18,151 @@ constexpr double matchTolerance = 0.01;
 // A vector that is below a node by no more than this still goes to the node's high side. Stored ids depend on it.
 constexpr double highSideSlack = 0.04;
 
+constexpr std::size_t cacheLine = 64;
+
 } // namespace
 
-/** A node; its vector stands behind it. */
+/** A node; its vector stands behind it. What a descent needs of most nodes stands in one cache line. */
 struct CDxKDTree::Node_s {
-    unsigned int id;
+    struct Skip_s;
+    class Chain;
+
     Node_s* high;
     Node_s* low;
+    Skip_s* skip; // the longest one from here
+    unsigned int id;
 
     double* vector() { return reinterpret_cast<double*>(this + 1); }
 };
 
+/**
+ * A short cut from a node over a number of nodes that are high children of each other. A vector may take it that can't
+ * match any of them and goes to the high side of all; the bounds of their vectors, which stand behind this, tell. What is
+ * on the high side of a node never changes, so a skip stays valid.
+ */
+struct CDxKDTree::Node_s::Skip_s {
+    Node_s* target;
+    Skip_s* shorter;
+    Skip_s* allocatedBefore;
+    unsigned int level;
+    unsigned int axis; // of the target
+
+    double* maximum() { return reinterpret_cast<double*>(this + 1); }
+    double* minimum(unsigned int dimension) { return maximum() + dimension; }
+
+    /** Widens the bounds. One that is not a number stays so, and no vector may pass then. */
+    void include(const double* lowest, const double* highest, unsigned int dimension) {
+        for (unsigned int i = 0; i < dimension; ++i) {
+            if (!(highest[i] <= maximum()[i]) && !std::isnan(maximum()[i])) {
+                maximum()[i] = highest[i];
+            }
+            if (lowest[i] < minimum(dimension)[i]) {
+                minimum(dimension)[i] = lowest[i];
+            }
+        }
+    }
+
+    bool mayPass(const double* vector, unsigned int dimension) {
+        bool isApart = false;
+        for (unsigned int i = 0; i < dimension; ++i) {
+            const double above = vector[i] - maximum()[i];
+            if (!(above >= -highSideSlack)) {
+                return false;
+            }
+            isApart = isApart || above >= matchTolerance || minimum(dimension)[i] - vector[i] >= matchTolerance;
+        }
+        return isApart;
+    }
+};
+
 struct CDxKDTree::Block_s {
     Block_s* next;
-    char* nodes;
+    char* memory;
+    char* nodes;           // the first address in the memory that begins a cache line
+    Node_s::Skip_s* skips; // the first block keeps those of the tree
     unsigned int used;
 };
+
+/**
+ * The nodes of a descent that are high children of each other. Sorted input makes them very many, so skips are laid over
+ * them: over 16 nodes, over 16 of those skips, and so on, each when a descent comes by where it ends.
+ */
+class CDxKDTree::Node_s::Chain {
+public:
+    Chain(Node_s* head, Skip_s*& skips, unsigned int dimension) : head_(head), skips_(skips), dimension_(dimension) {}
+
+    void begin(Node_s* head) {
+        head_ = head;
+        length_ = 0;
+    }
+
+    /** The descent arrived at a node that is @p count nodes further. */
+    void advance(Node_s* node, unsigned int count, unsigned int axis) {
+        length_ += count;
+        unsigned int unit = skipLength;
+        for (unsigned int level = 0; length_ % unit == 0 && level < levels; ++level, unit *= skipLength) {
+            if (unit > count) { // else there is a skip already, the one that the descent took
+                addSkip(length_ == unit ? head_ : starts_[level], node, level, axis);
+            }
+            starts_[level] = node;
+        }
+    }
+
+    static unsigned int lengthOf(const Skip_s& skip) { return skipLength << (levelBits * skip.level); }
+
+private:
+    static constexpr unsigned int levelBits = 4;
+    static constexpr unsigned int skipLength = 1U << levelBits;
+    static constexpr unsigned int levels = 7; // a longer one would not fit a count of nodes
+
+    /** Adds a skip from one node to another unless there is one. Without memory the way stays as long as it is. */
+    void addSkip(Node_s* start, Node_s* end, unsigned int level, unsigned int axis) {
+        const bool isThere = start->skip != nullptr && start->skip->level >= level;
+        if (isThere || (level > 0 && !isSkipped(start, end, level - 1))) {
+            return;
+        }
+        void* memory = std::malloc(sizeof(Skip_s) + 2 * sizeof(double) * dimension_);
+        if (memory == nullptr) {
+            return;
+        }
+        Skip_s* skip = new (memory) Skip_s{end, start->skip, skips_, level, axis};
+        std::memcpy(skip->maximum(), start->vector(), sizeof(double) * dimension_);
+        std::memcpy(skip->minimum(dimension_), start->vector(), sizeof(double) * dimension_);
+        for (Node_s* node = start; node != end; node = level > 0 ? node->skip->target : node->high) {
+            if (level > 0) {
+                skip->include(node->skip->minimum(dimension_), node->skip->maximum(), dimension_);
+            } else {
+                skip->include(node->vector(), node->vector(), dimension_);
+            }
+        }
+        start->skip = skip;
+        skips_ = skip;
+    }
+
+    /** Whether skips of a level lead from one node to another. */
+    static bool isSkipped(const Node_s* start, const Node_s* end, unsigned int level) {
+        while (start != end && start->skip != nullptr && start->skip->level == level) {
+            start = start->skip->target;
+        }
+        return start == end;
+    }
+
+    Node_s* head_;
+    Skip_s*& skips_;
+    unsigned int dimension_;
+    unsigned int length_ = 0;
+    Node_s* starts_[levels];
+};
+
+namespace {
+
+/** Bytes of a node with its vector, in whole cache lines. */
+std::size_t nodeSize(unsigned int dimension) {
+    const std::size_t size = 4 * sizeof(void*) + sizeof(double) * dimension;
+    return (size + cacheLine - 1) / cacheLine * cacheLine;
+}
+
+} // namespace
 
 CDxKDTree::CDxKDTree(unsigned int dimension) : dimension_(dimension) {
     first_ = addBlock();
@@ -40,9 +172,12 @@ CDxKDTree::CDxKDTree(unsigned int dimension) : dimension_(dimension) {
 }
 
 CDxKDTree::~CDxKDTree() {
+    while (first_ != nullptr && first_->skips != nullptr) {
+        std::free(std::exchange(first_->skips, first_->skips->allocatedBefore));
+    }
     while (first_ != nullptr) {
         Block_s* next = first_->next;
-        std::free(first_->nodes);
+        std::free(first_->memory);
         std::free(first_);
         first_ = next;
     }
@@ -104,12 +239,18 @@ CDxKDTree::Block_s* CDxKDTree::addBlock() {
 }
 
 bool CDxKDTree::allocateNodes(Block_s& block) const {
-    block.nodes = static_cast<char*>(std::calloc(nodesPerBlock, sizeof(Node_s) + sizeof(double) * dimension_));
-    return block.nodes != nullptr;
+    std::size_t size = nodesPerBlock * nodeSize(dimension_) + cacheLine;
+    void* memory = std::calloc(1, size);
+    if (memory == nullptr) {
+        return false;
+    }
+    block.memory = static_cast<char*>(memory);
+    block.nodes = static_cast<char*>(std::align(cacheLine, size - cacheLine, memory, size));
+    return true;
 }
 
 CDxKDTree::Node_s* CDxKDTree::nodeAt(const Block_s& block, unsigned int index) const {
-    return reinterpret_cast<Node_s*>(block.nodes + index * (sizeof(Node_s) + sizeof(double) * dimension_));
+    return reinterpret_cast<Node_s*>(block.nodes + index * nodeSize(dimension_));
 }
 
 bool CDxKDTree::matches(Node_s& node, const double* vector) const {
@@ -128,12 +269,31 @@ bool CDxKDTree::matches(Node_s& node, const double* vector) const {
  */
 CDxKDTree::Node_s* CDxKDTree::descend(const double* vector, Node_s**& place) {
     Node_s* node = nodeAt(*first_, 0);
+    Node_s::Chain chain(node, first_->skips, dimension_);
     unsigned int axis = 0;
-    while (node != nullptr && !matches(*node, vector)) {
+    while (node != nullptr) {
+        Node_s::Skip_s* skip = node->skip;
+        while (skip != nullptr && !skip->mayPass(vector, dimension_)) {
+            skip = skip->shorter;
+        }
+        if (skip != nullptr) {
+            node = skip->target;
+            axis = skip->axis;
+            chain.advance(node, Node_s::Chain::lengthOf(*skip), axis);
+            continue;
+        }
+        if (matches(*node, vector)) {
+            break;
+        }
         const bool high = vector[axis] - node->vector()[axis] >= -highSideSlack;
         place = high ? &node->high : &node->low;
         node = *place;
         axis = axis + 1 == dimension_ ? 0 : axis + 1;
+        if (!high) {
+            chain.begin(node);
+        } else if (node != nullptr) {
+            chain.advance(node, 1, axis);
+        }
     }
     return node;
 }
