@@ -269,6 +269,9 @@ bool CDxKDTree::matches(Node_s& node, const double* vector) const {
  */
 CDxKDTree::Node_s* CDxKDTree::descend(const double* vector, Node_s**& place) {
     Node_s* node = nodeAt(*first_, 0);
+    if (dimension_ == 0) {
+        return node; // nothing can differ
+    }
     Node_s::Chain chain(node, first_->skips, dimension_);
     unsigned int axis = 0;
     while (node != nullptr) {
@@ -282,10 +285,15 @@ CDxKDTree::Node_s* CDxKDTree::descend(const double* vector, Node_s**& place) {
             chain.advance(node, Node_s::Chain::lengthOf(*skip), axis);
             continue;
         }
-        if (matches(*node, vector)) {
+        // Which child it will be is as good as random, and waiting for either is what a descent's time goes to.
+        __builtin_prefetch(node->high);
+        __builtin_prefetch(node->low);
+        // One difference is mostly enough to tell that a node is no match.
+        const double difference = vector[axis] - node->vector()[axis];
+        if (!(std::fabs(difference) >= matchTolerance) && matches(*node, vector)) {
             break;
         }
-        const bool high = vector[axis] - node->vector()[axis] >= -highSideSlack;
+        const bool high = difference >= -highSideSlack;
         place = high ? &node->high : &node->low;
         node = *place;
         axis = axis + 1 == dimension_ ? 0 : axis + 1;
