@@ -46,7 +46,7 @@ struct Alphabet {
     unsigned int asciiShare; // in per cent, for the text's other letters
 };
 
-constexpr Alphabet alphabets[] = {{"ASCII", L' ', L'~', 100}, {"Latin", 0xC0, 0x17F, 70}, {"CJK", 0x4E00, 0x9FA5, 0}};
+constexpr Alphabet alphabets[] = {{"ASCII", L' ', L'~', 100}, {"Latin", 0xC0, 0x17F, 90}, {"CJK", 0x4E00, 0x9FA5, 0}};
 
 void appendUtf8(std::string& text, wchar_t c) {
     unsigned char bytes[8];

@@ -47,6 +47,57 @@ wchar_t decodeSequence(const unsigned char* s, std::size_t length, std::size_t r
     return static_cast<wchar_t>((s[0] & 0x0FU) << 12 | second << 6 | third);
 }
 
+constexpr std::size_t blockSize = 8;
+
+/** Whether eight bytes are plain ASCII without a zero. */
+bool isPlain(const unsigned char* s) {
+    constexpr std::uint64_t ones = 0x0101010101010101;
+    std::uint64_t block;
+    std::memcpy(&block, s, sizeof block);
+    return (((block - ones) | block) & ones << 7) == 0;
+}
+
+/** Whether eight characters are plain ASCII without a zero. */
+bool isPlain(const wchar_t* w) {
+    std::uint32_t all = 0;
+    for (std::size_t i = 0; i < blockSize; ++i) {
+        const auto c = static_cast<std::uint32_t>(w[i]);
+        all |= c | (c - 1);
+    }
+    return all < 0x80;
+}
+
+/** Number of bytes before the first zero. */
+std::size_t lengthOf(const unsigned char* s, std::size_t n) {
+    const char* text = reinterpret_cast<const char*>(s);
+    return n == SIZE_MAX ? std::strlen(text) : strnlen(text, n);
+}
+
+/**
+ * Decodes the sequences that begin in the blocks of a text, up to one that is invalid or too near the end of the text or
+ * of the room for anything to be left out of account. Both numbers move on.
+ */
+void decodeBlocks(const unsigned char* s, std::size_t end, std::size_t& i, wchar_t* out, std::size_t capacity,
+                  std::size_t& stored) {
+    constexpr std::size_t longest = blockSize + 2; // with what a last sequence may take from the next block
+    while (end - i >= longest && capacity - stored >= blockSize) {
+        if (isPlain(s + i)) {
+            std::copy_n(s + i, blockSize, out + stored);
+            i += blockSize;
+            stored += blockSize;
+            continue;
+        }
+        for (const std::size_t next = i + blockSize; i < next;) {
+            const std::size_t length = sequenceLength(s[i]);
+            if (length == 0) {
+                return;
+            }
+            out[stored++] = length == 1 ? static_cast<wchar_t>(s[i]) : decodeSequence(s + i, length, length);
+            i += length;
+        }
+    }
+}
+
 /** How much of a text a message may show without reading behind it. */
 int shownLength(std::size_t n) {
     return static_cast<int>(std::min<std::size_t>(n, INT_MAX));
@@ -57,7 +108,13 @@ int shownLength(std::size_t n) {
 std::size_t StringOperations::StringLengthUTF8(const unsigned char* s, std::size_t n) {
     static OneTimeWarning once;
     std::size_t count = 0;
+    const std::size_t end = lengthOf(s, n);
     for (std::size_t i = 0; i < n && s[i] != 0; ++count) {
+        if (i < end && end - i > blockSize && isPlain(s + i)) {
+            i += blockSize;
+            count += blockSize - 1;
+            continue;
+        }
         const std::size_t length = sequenceLength(s[i]);
         if (length == 0) {
             once.report("StringOperations::StringLengthUTF8 error for string %.*s", shownLength(n), s);
@@ -72,7 +129,9 @@ std::size_t StringOperations::ConvertFromUTF8(const unsigned char* s, std::size_
                                               std::size_t capacity) {
     static OneTimeWarning once;
     std::size_t stored = 0;
-    for (std::size_t i = 0; i < n;) {
+    std::size_t i = 0;
+    decodeBlocks(s, lengthOf(s, n), i, out, capacity, stored);
+    while (i < n) {
         const std::size_t length = sequenceLength(s[i]);
         if (length == 0) {
             once.report("StringOperations::ConvertFromUTF8 error for string %.*s", shownLength(n), s);
@@ -122,7 +181,17 @@ std::size_t StringOperations::ConvertToUTF8(const wchar_t* w, std::size_t n, uns
     }
     const std::size_t room = capacity - 1;
     std::size_t stored = 0;
+    std::size_t retry = 0; // a block that is not plain is left before the next one is looked at
     for (std::size_t i = 0; i < n; ++i) {
+        if (i >= retry && n - i >= blockSize && room - stored >= blockSize) {
+            retry = i + blockSize;
+            if (isPlain(w + i)) {
+                std::transform(w + i, w + retry, out + stored, [](wchar_t c) { return static_cast<unsigned char>(c); });
+                stored += blockSize;
+                i += blockSize - 1;
+                continue;
+            }
+        }
         const auto c = static_cast<std::uint32_t>(w[i]);
         if (c < 0x80) {
             if (stored + 1 <= room) {
