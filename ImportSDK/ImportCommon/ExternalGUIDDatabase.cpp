@@ -73,14 +73,19 @@ public:
 
     /** The runtime id of a key; one that is new gets @p nextId, which counts down even when it can't be stored. */
     std::int32_t findOrInsert(const void* key, std::int32_t& nextId) {
-        const std::int32_t known = find(key);
-        if (known != ExternalGUIDRuntimeID_None || nextId == INT32_MIN) {
-            return known;
+        if (!isUsable() || nextId == INT32_MIN) {
+            return find(key);
         }
+        // Most keys are new, and the insert finds out by itself when one is not.
         Row_s row;
-        row.runtimeId = nextId--;
+        row.runtimeId = nextId;
         std::memcpy(row.key, key, keySize_);
-        return isUsable() && dbf_insert(table_, &row) == DBF_OK ? row.runtimeId : ExternalGUIDRuntimeID_None;
+        const int result = dbf_insert(table_, &row);
+        if (result == DBF_DUPLICATE) {
+            return find(key);
+        }
+        --nextId;
+        return result == DBF_OK ? row.runtimeId : ExternalGUIDRuntimeID_None;
     }
 
 private:
@@ -135,6 +140,14 @@ struct ExternalGUIDDatabase::State_s {
                           sizeof(std::int32_t)};
     std::int32_t nextKeyId = -2;
 
+    ExternalGUID guidOfNode(unsigned int node) {
+        ExternalGUID guid;
+        if (node < spatialHashes.getCount()) {
+            guid.fromSpatialHash(spatialHashes.getVector(node));
+        }
+        return guid;
+    }
+
     /** Calls @p call with the table and the key of an identity; -1 for a kind without a table. */
     template <typename Call>
     std::int32_t withKey(const ExternalGUID& guid, Call call) {
@@ -183,23 +196,20 @@ ExternalGUIDRuntimeID_e ExternalGUIDDatabase::findGUID(const ExternalGUID& guid)
 }
 
 ExternalGUID ExternalGUIDDatabase::findGUID(ExternalGUIDRuntimeID_e id) {
-    ExternalGUID guid;
     KeyTable::Row_s row;
-    if (state_ == nullptr) {
-        return guid;
+    if (state_ != nullptr && id >= 0) {
+        return state_->guidOfNode(static_cast<unsigned int>(id));
     }
-    if (id >= 0) {
-        if (static_cast<unsigned int>(id) < state_->spatialHashes.getCount()) {
-            guid.fromSpatialHash(state_->spatialHashes.getVector(static_cast<unsigned int>(id)));
-        }
-    } else if (state_->globalIds.findRow(id, row)) {
-        guid = guidOfGlobalId(row.key);
-    } else if (state_->pxGuids.findRow(id, row)) {
-        guid = ExternalGUID::fromPX(keyOf<PXGUID_t>(row));
-    } else if (state_->halvorneObis.findRow(id, row)) {
-        guid = ExternalGUID::fromHalvorneObi(keyOf<std::int32_t>(row));
+    if (state_ != nullptr && state_->globalIds.findRow(id, row)) {
+        return guidOfGlobalId(row.key);
     }
-    return guid;
+    if (state_ != nullptr && state_->pxGuids.findRow(id, row)) {
+        return ExternalGUID::fromPX(keyOf<PXGUID_t>(row));
+    }
+    if (state_ != nullptr && state_->halvorneObis.findRow(id, row)) {
+        return ExternalGUID::fromHalvorneObi(keyOf<std::int32_t>(row));
+    }
+    return ExternalGUID();
 }
 
 } // namespace ImportCommon
