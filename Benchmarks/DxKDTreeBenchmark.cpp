@@ -194,8 +194,10 @@ const bool added = [] {
         addIndex<Tree>("random", count, randomObjects, "library");
         addIndex<Tree>("lattice", count, lattice, "library");
 #ifdef HAVE_NANOFLANN
-        addIndex<NearestNeighbour>("random", count, randomObjects, "nanoflann, nearest");
-        addIndex<NearestNeighbour>("lattice", count, lattice, "nanoflann, nearest");
+        if (count < 1000000) { // which takes minutes
+            addIndex<NearestNeighbour>("random", count, randomObjects, "nanoflann, nearest");
+            addIndex<NearestNeighbour>("lattice", count, lattice, "nanoflann, nearest");
+        }
         addIndex<RadiusSearch>("random", count, randomObjects, "nanoflann, radius");
         addIndex<RadiusSearch>("lattice", count, lattice, "nanoflann, radius");
 #endif

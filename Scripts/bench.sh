@@ -20,7 +20,7 @@ for program in "$build"/Benchmarks/*Benchmark; do
     result=$results/$(basename "$program").json
     [ -e "$result" ] && continue
     echo "== $(basename "$program")"
-    "$program" --benchmark_repetitions=5 --benchmark_min_time=0.1 --benchmark_out_format=json \
+    "$program" --benchmark_repetitions=3 --benchmark_min_time=0.1 --benchmark_out_format=json \
         --benchmark_out="$result.part" "$@" >/dev/null
     mv "$result.part" "$result"
 done
