@@ -69,6 +69,9 @@ bool isPlain(const wchar_t* w) {
 
 /** Number of bytes before the first zero. */
 std::size_t lengthOf(const unsigned char* s, std::size_t n) {
+    if (n == 0) {
+        return 0; // there need not even be a text
+    }
     const char* text = reinterpret_cast<const char*>(s);
     return n == SIZE_MAX ? std::strlen(text) : strnlen(text, n);
 }
