@@ -125,18 +125,18 @@ private:
         if (memory == nullptr) {
             return;
         }
-        Skip_s* skip = new (memory) Skip_s{end, start->skip, skips_, level, axis};
-        std::memcpy(skip->maximum(), start->vector(), sizeof(double) * dimension_);
-        std::memcpy(skip->minimum(dimension_), start->vector(), sizeof(double) * dimension_);
+        Skip_s* added = new (memory) Skip_s{end, start->skip, skips_, level, axis};
+        std::memcpy(added->maximum(), start->vector(), sizeof(double) * dimension_);
+        std::memcpy(added->minimum(dimension_), start->vector(), sizeof(double) * dimension_);
         for (Node_s* node = start; node != end; node = level > 0 ? node->skip->target : node->high) {
             if (level > 0) {
-                skip->include(node->skip->minimum(dimension_), node->skip->maximum(), dimension_);
+                added->include(node->skip->minimum(dimension_), node->skip->maximum(), dimension_);
             } else {
-                skip->include(node->vector(), node->vector(), dimension_);
+                added->include(node->vector(), node->vector(), dimension_);
             }
         }
-        start->skip = skip;
-        skips_ = skip;
+        start->skip = added;
+        skips_ = added;
     }
 
     /** Whether skips of a level lead from one node to another. */
