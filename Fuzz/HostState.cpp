@@ -100,10 +100,11 @@ void checkState(const std::string& content) {
     require(linesOf(StateFolder(folder.path()).objects()) == lines, "state read back");
 }
 
-void checkStreams(const std::string& objects, const std::string& polygons) {
+void checkStreams(const std::string& objects, const std::string& polygons, const std::string& attributes) {
     static const Folder folder;
     write(folder.path() + "/objects", objects);
     write(folder.path() + "/polygons", polygons);
+    write(folder.path() + "/attributes", attributes);
     try {
         for (const ObjectRecord& record : readObjects(folder.path(), "plugin"))
             checkLine(recordToLine(record));
@@ -124,7 +125,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         break;
     case 2: {
         const std::string objects = input.field('\0');
-        checkStreams(objects, input.bytes());
+        const std::string polygons = input.field('\0');
+        checkStreams(objects, polygons, input.bytes());
         break;
     }
     default:

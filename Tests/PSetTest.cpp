@@ -198,4 +198,22 @@ TEST(PSet, window) {
                  OPTION(GlazingAreaFraction), OPTION(SmokeStop), ALWAYS(IsExternal));
 }
 
+TEST(PSet, customSetsAreValues) {
+    IFC2X3_PSet_RoofCommon_s roof{};
+    roof.FireRating[0] = L'F';
+    const IFC2X3_PSet_Custom_s set = roof;
+    const std::wstring text = describe(set.properties);
+    IFC2X3_PSet_Custom_s copy(set);
+    IFC2X3_PSet_Custom_s assigned;
+    EXPECT_EQ(describe(assigned.properties), L"");
+    assigned = copy;
+    copy.properties.clear();
+    EXPECT_EQ(describe(assigned.properties), text);
+    EXPECT_EQ(std::wstring(assigned.name), L"Pset_RoofCommon");
+    IFC2X3_PSet_Custom_s moved(std::move(assigned));
+    copy = std::move(moved);
+    EXPECT_EQ(describe(copy.properties), text);
+    EXPECT_EQ(std::wstring(copy.name), L"Pset_RoofCommon");
+}
+
 } // namespace
