@@ -13,7 +13,7 @@ fi
 shift
 
 build=${FUZZ_BUILD:-$root/build/fuzz}
-"$root/Scripts/install-packages.sh" clang cmake ninja-build
+"$root/Scripts/install-packages.sh" clang libclang-rt-dev cmake ninja-build
 mkdir -p "$build"
 options=(-DCMAKE_CXX_COMPILER=clang++ -DCMAKE_C_COMPILER=clang -DIMPORTCOMMON_BUILD_FUZZERS=ON -DIMPORTCOMMON_WERROR=ON
     -DIMPORTCOMMON_BUILD_TESTS=OFF -DIMPORTCOMMON_BUILD_EXAMPLES=OFF -DIMPORTCOMMON_BUILD_BENCHMARKS=OFF

@@ -17,3 +17,11 @@ if(IMPORTCOMMON_BUILD_FUZZERS AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     # The library tells the fuzzers which of its branches an input has reached.
     target_compile_options(importcommon-options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
+if(NOT IMPORTCOMMON_SANITIZE)
+    # What is handed out resists an overrun: checked stack frames and library calls, tables that can't be written to.
+    set(optimized $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
+    target_compile_options(importcommon-options INTERFACE
+        $<${optimized}:-fstack-protector-strong> $<${optimized}:-U_FORTIFY_SOURCE> $<${optimized}:-D_FORTIFY_SOURCE=2>)
+    target_link_options(importcommon-options INTERFACE
+        $<$<AND:${optimized},$<PLATFORM_ID:Linux>>:LINKER:-z,relro,-z,now>)
+endif()
