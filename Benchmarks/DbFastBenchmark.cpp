@@ -168,7 +168,7 @@ void copyRows(benchmark::State& state, std::size_t count) {
 }
 
 const bool added = [] {
-    for (const std::size_t count : {100000, 1000000}) {
+    for (const std::size_t count : std::initializer_list<std::size_t>{100000, 1000000}) {
         const auto add = [count](const char* work, const char* name, void (*run)(benchmark::State&, std::size_t)) {
             addBenchmark("tables/" + std::string(work) + "/" + std::to_string(count) + "/" + name, count,
                          [run, count](benchmark::State& state) { run(state, count); });

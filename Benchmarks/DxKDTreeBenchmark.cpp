@@ -190,7 +190,7 @@ void addIndex(const std::string& objects, std::size_t count, Hashes (*make)(std:
 }
 
 const bool added = [] {
-    for (const std::size_t count : {20000, 100000, 1000000}) {
+    for (const std::size_t count : std::initializer_list<std::size_t>{20000, 100000, 1000000}) {
         addIndex<Tree>("random", count, randomObjects, "library");
         addIndex<Tree>("lattice", count, lattice, "library");
 #ifdef HAVE_NANOFLANN
@@ -202,7 +202,7 @@ const bool added = [] {
         addIndex<RadiusSearch>("lattice", count, lattice, "nanoflann, radius");
 #endif
     }
-    for (const std::size_t count : {10000, 20000, 50000, 100000}) {
+    for (const std::size_t count : std::initializer_list<std::size_t>{10000, 20000, 50000, 100000}) {
         addIndex<Tree>("line", count, line, "library");
     }
     return true;

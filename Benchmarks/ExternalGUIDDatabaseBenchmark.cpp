@@ -163,7 +163,7 @@ void addStore(const Store*, std::size_t count, const std::string& name) {
 }
 
 const bool added = [] {
-    for (const std::size_t count : {10000, 100000, 1000000, 4000000}) {
+    for (const std::size_t count : std::initializer_list<std::size_t>{10000, 100000, 1000000, 4000000}) {
         addStore(static_cast<Database*>(nullptr), count, "library");
         forEachKeyStore([count](auto* store, const char* name) {
             if (count <= 1000000 || std::string_view(name) != "SQLite") { // which takes minutes

@@ -135,7 +135,7 @@ void importAll(benchmark::State& state, std::size_t count, Clock& clock) {
 }
 
 const bool added = [] {
-    for (const std::size_t count : {10000, 100000, 1000000}) {
+    for (const std::size_t count : std::initializer_list<std::size_t>{10000, 100000, 1000000}) {
         const std::string size = "/" + std::to_string(count) + "/library";
         addBenchmark("import/whole" + size, count, [count](benchmark::State& state) {
             NoClock clock;

@@ -21,7 +21,7 @@ BARS = [
     ("tables/find int", "1000000", None, 0.8),
     ("tables/delete and insert", "1000000", None, 0.8),
     ("tables/scan", "1000000", None, 1.5),
-    *((f"tree/{work} {objects}", size, "nanoflann, nearest", 0.05)
+    *((f"tree/{work} {objects}", size, None, 0.05)
       for objects in ("random", "lattice") for work in ("register", "find") for size in ("20000", "100000")),
     *((f"text/{work} {kind}", "names", None, 0.5) for kind in ("ASCII", "Latin", "CJK") for work in ("decode", "encode")),
     *((f"text/{work} ASCII", "1 MiB", "widening or narrowing copy", 2.0) for work in ("decode", "encode")),

@@ -357,7 +357,7 @@ TEST(DbFast, agreesWithAPlainModel) {
 
 TEST(DbFast, aLocationFromBeforeClearingFindsNothing) {
     const TablePtr table = createTable({0, 4}, {{DBF_INT, 0}});
-    dbf_index* const index = createIndex(table.get(), 1, 0, {0});
+    dbf_index* const index = createIndex(table, false, {0});
     const int32_t key = 7;
     for (int row = 0; row < 100; ++row)
         ASSERT_EQ(dbf_insert(table.get(), &key), DBF_OK);
@@ -369,7 +369,7 @@ TEST(DbFast, aLocationFromBeforeClearingFindsNothing) {
 TEST(DbFast, aNullTextEqualsOnlyItself) {
     for (const int32_t type : {DBF_PSTRING, DBF_PWSTRING}) {
         const TablePtr table = createTable({0, 4}, {{type, 0}});
-        dbf_index* const index = createIndex(table.get(), 1, 1, {0});
+        dbf_index* const index = createIndex(table, true, {0});
         const wchar_t empty[] = L"";
         const void* const keys[] = {nullptr, empty};
         for (const void* key : keys) {
