@@ -252,12 +252,12 @@ void releaseslot(dbf_table* table, dbf_rowid rowid) {
 }
 
 /** Finds the row with the key in a unique index. */
-int findunique(const dbf_index* index, const void* row, uint32_t& position) {
+int findunique(const dbf_index* index, const void* row, dbf_match& match) {
     if (index->unique == 0) {
         return DBF_NOTUNIQUE;
     }
-    position = dbf_findposition(index, dbf_calculatehash(index, row), row);
-    return position == nosuchrow ? DBF_NOTFOUND : DBF_OK;
+    match = dbf_findmatch(index, dbf_calculatehash(index, row), row);
+    return match.row == nullptr ? DBF_NOTFOUND : DBF_OK;
 }
 
 } // namespace
@@ -324,7 +324,7 @@ int dbf_cleartable(dbf_table* table) {
 int dbf_insert(dbf_table* table, const void* row) {
     for (dbf_index* index = table->indexes; index != nullptr; index = index->next) {
         index->rowhash = dbf_calculatehash(index, row);
-        if (index->unique != 0 && dbf_findposition(index, index->rowhash, row) != nosuchrow) {
+        if (index->unique != 0 && dbf_findmatch(index, index->rowhash, row).row != nullptr) {
             return DBF_DUPLICATE;
         }
     }
@@ -333,10 +333,9 @@ int dbf_insert(dbf_table* table, const void* row) {
         return DBF_FAILED;
     }
     const dbf_rowid rowid = occupyslot(table);
-    std::memcpy(dbf_rowat(table, rowid), row, static_cast<size_t>(table->rowsize));
-    const uint32_t position = dbf_position(table, rowid.bucket, rowid.slot);
+    dbf_copyrow(table, dbf_rowat(table, rowid), row);
     for (dbf_index* index = table->indexes; index != nullptr; index = index->next) {
-        dbf_hashentry_index(index, position, index->rowhash);
+        dbf_hashentry_index(index, rowid, index->rowhash);
     }
     return DBF_OK;
 }
@@ -350,7 +349,7 @@ int dbf_overwriterow(dbf_table* table, dbf_rowid rowid, const void* row, const d
             continue;
         }
         index->rowhash = dbf_calculatehash(index, row);
-        if (index->unique != 0 && dbf_findposition(index, index->rowhash, row) != nosuchrow) {
+        if (index->unique != 0 && dbf_findmatch(index, index->rowhash, row).row != nullptr) {
             return DBF_DUPLICATE;
         }
         index->changed = 1;
@@ -358,10 +357,10 @@ int dbf_overwriterow(dbf_table* table, dbf_rowid rowid, const void* row, const d
     for (dbf_index* index = table->indexes; index != nullptr; index = index->next) {
         if (index->changed != 0) {
             dbf_removeentry_index(index, position);
-            dbf_hashentry_index(index, position, index->rowhash);
+            dbf_hashentry_index(index, rowid, index->rowhash);
         }
     }
-    std::memcpy(stored, row, static_cast<size_t>(table->rowsize));
+    dbf_copyrow(table, stored, row);
     return DBF_OK;
 }
 
@@ -371,26 +370,26 @@ void dbf_deleterow(dbf_table* table, dbf_rowid rowid) {
 }
 
 int dbf_select(dbf_index* index, void* row) {
-    uint32_t position = 0;
-    const int result = findunique(index, row, position);
+    dbf_match match;
+    const int result = findunique(index, row, match);
     if (result == DBF_OK) {
-        const dbf_table* table = index->table;
-        std::memcpy(row, dbf_rowat(table, dbf_rowidat(table, position)), static_cast<size_t>(table->rowsize));
+        dbf_copyrow(index->table, row, match.row);
     }
     return result;
 }
 
 int dbf_update(dbf_index* index, const void* row) {
-    uint32_t position = 0;
-    const int result = findunique(index, row, position);
-    return result == DBF_OK ? dbf_overwriterow(index->table, dbf_rowidat(index->table, position), row, index) : result;
+    dbf_match match;
+    const int result = findunique(index, row, match);
+    return result == DBF_OK ? dbf_overwriterow(index->table, dbf_rowidat(index->table, match.position), row, index)
+                            : result;
 }
 
 int dbf_delete(dbf_index* index, const void* row) {
-    uint32_t position = 0;
-    const int result = findunique(index, row, position);
+    dbf_match match;
+    const int result = findunique(index, row, match);
     if (result == DBF_OK) {
-        dbf_deleterow(index->table, dbf_rowidat(index->table, position));
+        dbf_deleterow(index->table, dbf_rowidat(index->table, match.position));
     }
     return result;
 }

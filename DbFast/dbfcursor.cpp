@@ -20,15 +20,16 @@ dbf_rowid* allocatematches(int32_t count) {
     return dbf_allocatearray<dbf_rowid>(static_cast<size_t>(count), "cursor match array");
 }
 
-/** Appends the locations of a bucket's rows, lowest slot first; empty stretches of 32 slots cost one look. */
-void appendrows(dbf_cursor* cursor, int32_t number) {
-    const dbf_bucket* bucket = cursor->table->buckets[number];
-    for (int32_t slot = 0; bucket->used != 0 && slot < cursor->table->rowsperbucket; slot += 32) {
+/** Writes the locations of a bucket's rows, lowest slot first, and tells where the next bucket's go. */
+dbf_rowid* listrows(const dbf_table* table, int32_t number, dbf_rowid* rowids) {
+    const dbf_bucket* bucket = table->buckets[number];
+    for (int32_t slot = 0; bucket->used != 0 && slot < table->rowsperbucket; slot += 32) {
         for (uint32_t word = bucket->occupied[slot / 32]; word != 0; word &= word - 1) {
             const int32_t found = slot + __builtin_ctz(word);
-            cursor->matches[cursor->count++] = {static_cast<uint16_t>(number), static_cast<uint16_t>(found)};
+            *rowids++ = {static_cast<uint16_t>(number), static_cast<uint16_t>(found)};
         }
     }
+    return rowids;
 }
 
 /** Appends one location, in an array of four times the room when it is full. */
@@ -76,8 +77,10 @@ dbf_cursor* dbf_opencursor_all(dbf_table* table) {
         dbf_closecursor(cursor);
         return nullptr;
     }
+    cursor->count = rows;
+    dbf_rowid* rowids = cursor->matches;
     for (int32_t i = 0; i < table->bucketcount; ++i) {
-        appendrows(cursor, i);
+        rowids = listrows(table, i, rowids);
     }
     return cursor;
 }
@@ -102,12 +105,11 @@ int dbf_fetch(dbf_cursor* cursor, void* row) {
     if (cursor->position >= cursor->count) {
         return DBF_NOTFOUND;
     }
-    ++cursor->position;
-    const dbf_rowid* current = currentrow(cursor);
-    if (current == nullptr) {
+    const dbf_rowid current = cursor->matches[cursor->position++];
+    if (!dbf_rowexists(cursor->table, current)) {
         return DBF_NOTFOUND;
     }
-    std::memcpy(row, dbf_rowat(cursor->table, *current), static_cast<size_t>(cursor->table->rowsize));
+    dbf_copyrow(cursor->table, row, dbf_rowat(cursor->table, current));
     return DBF_OK;
 }
 

@@ -15,6 +15,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 struct dbf_field {
     int32_t type;
@@ -60,7 +61,6 @@ struct dbf_link {
 };
 
 constexpr uint32_t firstinchain = 0x80000000;
-constexpr uint32_t nosuchrow = 0xFFFFFFFF;
 
 struct dbf_cursor {
     int32_t position;
@@ -72,7 +72,9 @@ struct dbf_cursor {
 struct dbf_index {
     int32_t unique;
     int32_t keyfieldcount;
-    int32_t shortcutoffset; // of a key that is a single DBF_INT, else -1
+    int32_t singletype; // of a key that is one DBF_INT or one DBF_BYTES, else -1
+    int32_t singleoffset;
+    int32_t singlesize;
     int32_t changed;
     uint32_t rowhash; // of the row that is being inserted
     dbf_table* table;
@@ -96,6 +98,24 @@ inline dbf_rowid dbf_rowidat(const dbf_table* table, uint32_t position) {
 
 inline char* dbf_rowat(const dbf_table* table, dbf_rowid rowid) {
     return table->buckets[rowid.bucket]->data + static_cast<size_t>(table->rowstride) * rowid.slot;
+}
+
+/** Copies a row. Small ones go as their first and last 16 bytes, which may overlap: a call would take longer. */
+inline void dbf_copyrow(const dbf_table* table, void* target, const void* source) {
+    struct part {
+        uint64_t values[2];
+    };
+    const size_t size = static_cast<size_t>(table->rowsize);
+    if (size < sizeof(part) || size > 2 * sizeof(part)) {
+        std::memcpy(target, source, size);
+        return;
+    }
+    const size_t last = size - sizeof(part);
+    part parts[2];
+    std::memcpy(&parts[0], source, sizeof(part));
+    std::memcpy(&parts[1], static_cast<const char*>(source) + last, sizeof(part));
+    std::memcpy(target, &parts[0], sizeof(part));
+    std::memcpy(static_cast<char*>(target) + last, &parts[1], sizeof(part));
 }
 
 inline bool dbf_isoccupied(const dbf_bucket* bucket, uint32_t slot) {
@@ -135,11 +155,16 @@ uint32_t dbf_calculatehash(const dbf_index* index, const void* row);
 /** 0 when all key fields of the two rows are equal, else 1. */
 int dbf_comparerow(const dbf_index* index, const void* storedrow, const void* keyrow);
 
-/** Position of the first row with the key, whose hash is given, or `nosuchrow`. */
-uint32_t dbf_findposition(const dbf_index* index, uint32_t hash, const void* keyrow);
+struct dbf_match {
+    uint32_t position;
+    char* row; // null when there is none
+};
 
-/** Enters the row at a position in front of its chain. */
-void dbf_hashentry_index(dbf_index* index, uint32_t position, uint32_t hash);
+/** The first row with the key, whose hash is given. */
+dbf_match dbf_findmatch(const dbf_index* index, uint32_t hash, const void* keyrow);
+
+/** Enters a row in front of its chain. */
+void dbf_hashentry_index(dbf_index* index, dbf_rowid rowid, uint32_t hash);
 
 /** Takes the row at a position out of its chain, without looking at the row. */
 void dbf_removeentry_index(dbf_index* index, uint32_t position);

@@ -2,6 +2,7 @@
 #include <ImportCommon/DxKDTree.h>
 #include <ImportCommon/ExternalGUIDDatabase.h>
 
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <new>
@@ -33,22 +34,17 @@ const std::int32_t idxHALVORNEGUIDGlobalIDByRuntimeIDFields[] = {0, -1};
 const dbf_indexspec idxHALVORNEGUIDGlobalIDByHALVORNEGUIDGlobalIDSpec = {1, 1};
 const std::int32_t idxHALVORNEGUIDGlobalIDByHALVORNEGUIDGlobalIDFields[] = {1, -1};
 
-/** The identities of one kind: rows of a runtime id and a key of fixed size. A table without memory holds nothing. */
+using GlobalId = std::array<char, globalIdSize>;
+
+/** The identities of one kind: rows of a runtime id and a key. A table without memory holds nothing. */
+template <typename Key>
 class KeyTable {
 public:
-    /** A row; the key is never longer than a GlobalId. */
-    struct Row_s {
-        std::int32_t runtimeId;
-        char key[globalIdSize];
-    };
-
     KeyTable(const dbf_tablespec& tableSpec, const dbf_fieldspec* fields, const dbf_indexspec& byRuntimeIdSpec,
-             const std::int32_t* byRuntimeIdFields, const dbf_indexspec& byKeySpec, const std::int32_t* byKeyFields,
-             std::size_t keySize)
+             const std::int32_t* byRuntimeIdFields, const dbf_indexspec& byKeySpec, const std::int32_t* byKeyFields)
         : table_(dbf_createtable(&tableSpec, fields)),
           byRuntimeId_(dbf_createindex(table_, &byRuntimeIdSpec, byRuntimeIdFields)),
-          byKey_(dbf_createindex(table_, &byKeySpec, byKeyFields)),
-          keySize_(keySize) {}
+          byKey_(dbf_createindex(table_, &byKeySpec, byKeyFields)) {}
 
     ~KeyTable() {
         dbf_dropindex(byKey_);
@@ -61,14 +57,19 @@ public:
 
     /** The runtime id of a key, or -1. */
     std::int32_t find(const void* key) const {
-        Row_s row;
-        std::memcpy(row.key, key, keySize_);
+        Row_s row = rowOf(ExternalGUIDRuntimeID_None, key);
         return isUsable() && dbf_select(byKey_, &row) == DBF_OK ? row.runtimeId : ExternalGUIDRuntimeID_None;
     }
 
-    bool findRow(std::int32_t runtimeId, Row_s& row) const {
+    /** Whether there is a key with that runtime id. */
+    bool findKey(std::int32_t runtimeId, Key& key) const {
+        Row_s row;
         row.runtimeId = runtimeId;
-        return isUsable() && dbf_select(byRuntimeId_, &row) == DBF_OK;
+        if (!isUsable() || dbf_select(byRuntimeId_, &row) != DBF_OK) {
+            return false;
+        }
+        key = row.key;
+        return true;
     }
 
     /** The runtime id of a key; one that is new gets @p nextId, which counts down even when it can't be stored. */
@@ -77,9 +78,7 @@ public:
             return find(key);
         }
         // Most keys are new, and the insert finds out by itself when one is not.
-        Row_s row;
-        row.runtimeId = nextId;
-        std::memcpy(row.key, key, keySize_);
+        const Row_s row = rowOf(nextId, key);
         const int result = dbf_insert(table_, &row);
         if (result == DBF_DUPLICATE) {
             return find(key);
@@ -89,55 +88,56 @@ public:
     }
 
 private:
+    struct Row_s {
+        std::int32_t runtimeId;
+        Key key;
+    };
+
+    static Row_s rowOf(std::int32_t runtimeId, const void* key) {
+        Row_s row;
+        row.runtimeId = runtimeId;
+        std::memcpy(&row.key, key, sizeof row.key);
+        return row;
+    }
+
     bool isUsable() const { return byRuntimeId_ != nullptr && byKey_ != nullptr; }
 
     dbf_table* table_;
     dbf_index* byRuntimeId_;
     dbf_index* byKey_;
-    std::size_t keySize_;
 };
 
 /** An identity of a GlobalId with all its characters, a zero among them included. */
-ExternalGUID guidOfGlobalId(const char* globalId) {
+ExternalGUID guidOfGlobalId(const GlobalId& globalId) {
     char record[ExternalGUID::PayloadOffset + globalIdSize] = {};
     const std::uint32_t type = ExternalGUID::GUIDTypeIFCGlobalID;
     std::memcpy(record, &type, sizeof type);
-    std::memcpy(record + ExternalGUID::PayloadOffset, globalId, globalIdSize);
+    std::memcpy(record + ExternalGUID::PayloadOffset, globalId.data(), globalIdSize);
     return ExternalGUID::fromByteStream(sizeof record, record);
-}
-
-template <typename T>
-T keyOf(const KeyTable::Row_s& row) {
-    T key;
-    std::memcpy(&key, row.key, sizeof key);
-    return key;
 }
 
 } // namespace
 
 struct ExternalGUIDDatabase::State_s {
     CDxKDTree spatialHashes{ExternalGUID::SpatialHashSize};
-    KeyTable globalIds{tblIFCGlobalIDSpec,
-                       fldIFCGlobalIDSpec,
-                       idxIFCGlobalIDByRuntimeIDSpec,
-                       idxIFCGlobalIDByRuntimeIDFields,
-                       idxIFCGlobalIDByIFCGlobalIDSpec,
-                       idxIFCGlobalIDByIFCGlobalIDFields,
-                       globalIdSize};
-    KeyTable pxGuids{tblPXGUIDGlobalIDSpec,
-                     fldPXGUIDGlobalIDSpec,
-                     idxPXGUIDGlobalIDByRuntimeIDSpec,
-                     idxPXGUIDGlobalIDByRuntimeIDFields,
-                     idxPXGUIDGlobalIDByPXGUIDGlobalIDSpec,
-                     idxPXGUIDGlobalIDByPXGUIDGlobalIDFields,
-                     sizeof(PXGUID_t)};
-    KeyTable halvorneObis{tblHALVORNEGUIDGlobalIDSpec,
-                          fldHALVORNEGUIDGlobalIDSpec,
-                          idxHALVORNEGUIDGlobalIDByRuntimeIDSpec,
-                          idxHALVORNEGUIDGlobalIDByRuntimeIDFields,
-                          idxHALVORNEGUIDGlobalIDByHALVORNEGUIDGlobalIDSpec,
-                          idxHALVORNEGUIDGlobalIDByHALVORNEGUIDGlobalIDFields,
-                          sizeof(std::int32_t)};
+    KeyTable<GlobalId> globalIds{tblIFCGlobalIDSpec,
+                                 fldIFCGlobalIDSpec,
+                                 idxIFCGlobalIDByRuntimeIDSpec,
+                                 idxIFCGlobalIDByRuntimeIDFields,
+                                 idxIFCGlobalIDByIFCGlobalIDSpec,
+                                 idxIFCGlobalIDByIFCGlobalIDFields};
+    KeyTable<PXGUID_t> pxGuids{tblPXGUIDGlobalIDSpec,
+                               fldPXGUIDGlobalIDSpec,
+                               idxPXGUIDGlobalIDByRuntimeIDSpec,
+                               idxPXGUIDGlobalIDByRuntimeIDFields,
+                               idxPXGUIDGlobalIDByPXGUIDGlobalIDSpec,
+                               idxPXGUIDGlobalIDByPXGUIDGlobalIDFields};
+    KeyTable<std::int32_t> halvorneObis{tblHALVORNEGUIDGlobalIDSpec,
+                                        fldHALVORNEGUIDGlobalIDSpec,
+                                        idxHALVORNEGUIDGlobalIDByRuntimeIDSpec,
+                                        idxHALVORNEGUIDGlobalIDByRuntimeIDFields,
+                                        idxHALVORNEGUIDGlobalIDByHALVORNEGUIDGlobalIDSpec,
+                                        idxHALVORNEGUIDGlobalIDByHALVORNEGUIDGlobalIDFields};
     std::int32_t nextKeyId = -2;
 
     ExternalGUID guidOfNode(unsigned int node) {
@@ -181,7 +181,7 @@ ExternalGUIDRuntimeID_e ExternalGUIDDatabase::insertGUID(const ExternalGUID& gui
         return static_cast<ExternalGUIDRuntimeID_e>(state_->spatialHashes.insert(guid.getSpatialHash()));
     }
     return static_cast<ExternalGUIDRuntimeID_e>(state_->withKey(
-        guid, [this](KeyTable& table, const void* key) { return table.findOrInsert(key, state_->nextKeyId); }));
+        guid, [this](auto& table, const void* key) { return table.findOrInsert(key, state_->nextKeyId); }));
 }
 
 ExternalGUIDRuntimeID_e ExternalGUIDDatabase::findGUID(const ExternalGUID& guid) {
@@ -192,22 +192,27 @@ ExternalGUIDRuntimeID_e ExternalGUIDDatabase::findGUID(const ExternalGUID& guid)
         return static_cast<ExternalGUIDRuntimeID_e>(state_->spatialHashes.find(guid.getSpatialHash()));
     }
     return static_cast<ExternalGUIDRuntimeID_e>(
-        state_->withKey(guid, [](KeyTable& table, const void* key) { return table.find(key); }));
+        state_->withKey(guid, [](const auto& table, const void* key) { return table.find(key); }));
 }
 
 ExternalGUID ExternalGUIDDatabase::findGUID(ExternalGUIDRuntimeID_e id) {
-    KeyTable::Row_s row;
-    if (state_ != nullptr && id >= 0) {
+    if (state_ == nullptr) {
+        return ExternalGUID();
+    }
+    if (id >= 0) {
         return state_->guidOfNode(static_cast<unsigned int>(id));
     }
-    if (state_ != nullptr && state_->globalIds.findRow(id, row)) {
-        return guidOfGlobalId(row.key);
+    GlobalId globalId;
+    if (state_->globalIds.findKey(id, globalId)) {
+        return guidOfGlobalId(globalId);
     }
-    if (state_ != nullptr && state_->pxGuids.findRow(id, row)) {
-        return ExternalGUID::fromPX(keyOf<PXGUID_t>(row));
+    PXGUID_t px;
+    if (state_->pxGuids.findKey(id, px)) {
+        return ExternalGUID::fromPX(px);
     }
-    if (state_ != nullptr && state_->halvorneObis.findRow(id, row)) {
-        return ExternalGUID::fromHalvorneObi(keyOf<std::int32_t>(row));
+    std::int32_t obi = 0;
+    if (state_->halvorneObis.findKey(id, obi)) {
+        return ExternalGUID::fromHalvorneObi(obi);
     }
     return ExternalGUID();
 }
