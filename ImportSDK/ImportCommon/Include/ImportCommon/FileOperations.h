@@ -22,7 +22,8 @@ struct SystemTime_s {
 };
 
 /**
- * Files, folders and paths, as wide text. Nothing here throws except for lack of memory, and nothing is logged: a failure of the system becomes false, 0 or an empty text. Symbolic links are followed.
+ * Files, folders and paths, as wide text. Nothing here throws except for lack of memory, and nothing is logged: a
+ * failure of the system becomes false, 0 or an empty text. Symbolic links are followed.
  *
  * Paths go to the system as StringOperations::ConvertToCurrentLocale makes them: characters beyond U+FFFF are dropped
  * and text beyond 65535 bytes is cut, so a path with either names another file. Paths from the system that are not

@@ -17,8 +17,9 @@ public:
      * Starts a thread that calls @p function with a copy of @p data.
      *
      * The copy is made on the new thread and this call doesn't wait for it: @p data must stay valid until
-     * @p function has been called, which the function can tell by raising a Signal. The copy is released when the function returns; it is null when there was no memory for it. A few
-     * dozen bytes per thread are kept until the process ends.
+     * @p function has been called, which the function can tell by raising a Signal. The copy is released when the
+     * function returns; it is null when there was no memory for it. A few dozen bytes per thread are kept until the
+     * process ends.
      *
      * @param function  what the thread does; its result is dropped
      * @param data      what is copied for it
@@ -38,7 +39,7 @@ public:
     static void terminateThread(pthread_t thread, unsigned int exitCode);
 
     /**
-     * Waits for a thread to end and forgets it; a thread is closed once.
+     * Waits for a thread to end and forgets it. A thread is closed once: its handle may name another one afterwards.
      * @param thread  the thread
      * @return 1; 0 for a thread that createThread didn't start
      */
