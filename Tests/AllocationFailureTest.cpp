@@ -164,21 +164,27 @@ TEST_F(AllocationFailure, identityIsEmpty) {
 
 TEST_F(AllocationFailure, treeKeepsItsNodes) {
     forEachFailure([](const Failure_s& failure) {
-        constexpr unsigned int before = 1024;
+        constexpr unsigned int before = 1024; // of which one more needs a block and a larger table of cells
         CDxKDTree tree(2);
         const auto insert = [&tree](unsigned int id) {
-            const double vector[] = {id % 32 * 1.0, id / 32 * 1.0};
+            const double vector[] = {id * 1.0, id / 512 * 1.0};
             return tree.insert(vector);
         };
         for (unsigned int id = 0; id < before; ++id)
             EXPECT_EQ(insert(id), id);
         unsigned int result = 0;
-        const bool failed = failure.during([&] { result = insert(before); });
-        EXPECT_EQ(result, failed ? 0 : before);
-        EXPECT_EQ(tree.getCount(), before + (failed ? 0 : 1));
-        for (unsigned int id = 0; id < before + 100; ++id)
+        unsigned int neighbour = 0;
+        const bool failed = failure.during([&] {
+            result = insert(before);
+            const double nearby[] = {700.001, 1}; // which takes a descent, with its short cuts
+            neighbour = tree.find(nearby);
+        });
+        EXPECT_EQ(neighbour, 700U);
+        EXPECT_EQ(tree.getCount(), before + (result == 0 ? 0 : 1));
+        EXPECT_TRUE(result == before || (failed && result == 0)) << result;
+        for (unsigned int id = 0; id < before + 2000; ++id)
             EXPECT_EQ(insert(id), id);
-        for (unsigned int id = 0; id < before + 100; ++id)
+        for (unsigned int id = 0; id < before + 2000; ++id)
             EXPECT_EQ(tree.find(tree.getVector(id)), id);
         return failed;
     });

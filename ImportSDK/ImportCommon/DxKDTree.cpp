@@ -1,9 +1,13 @@
+#include "DxKDTreeCells.h"
+
 #include <ImportCommon/DxKDTree.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <new>
 #include <utility>
@@ -12,19 +16,23 @@ namespace ImportCommon {
 
 namespace {
 
+// In the place of an id: only a descent can tell.
+constexpr unsigned int unsure = CDxKDTree::NotFound - 1;
+
 constexpr unsigned int nodesPerBlock = 1024;
 constexpr double matchTolerance = 0.01;
+static_assert(matchTolerance < CDxKDTreeCells::reach, "no match is overlooked");
 
 // A vector that is below a node by no more than this still goes to the node's high side. Stored ids depend on it.
 constexpr double highSideSlack = 0.04;
 
+constexpr unsigned int mostBlocks = unsure / nodesPerBlock;
 constexpr std::size_t cacheLine = 64;
 
 } // namespace
 
 /** A node; its vector stands behind it. What a descent needs of most nodes stands in one cache line. */
 struct CDxKDTree::Node_s {
-    struct Skip_s;
     class Chain;
 
     Node_s* high;
@@ -40,7 +48,7 @@ struct CDxKDTree::Node_s {
  * match any of them and goes to the high side of all; the bounds of their vectors, which stand behind this, tell. What is
  * on the high side of a node never changes, so a skip stays valid.
  */
-struct CDxKDTree::Node_s::Skip_s {
+struct CDxKDTree::Skip_s {
     Node_s* target;
     Skip_s* shorter;
     Skip_s* allocatedBefore;
@@ -76,11 +84,8 @@ struct CDxKDTree::Node_s::Skip_s {
 };
 
 struct CDxKDTree::Block_s {
-    Block_s* next;
-    char* memory;
-    char* nodes;           // the first address in the memory that begins a cache line
-    Node_s::Skip_s* skips; // the first block keeps those of the tree
-    unsigned int used;
+    void* memory;
+    char* nodes; // the first address in the memory that begins a cache line
 };
 
 /**
@@ -165,92 +170,133 @@ std::size_t nodeSize(unsigned int dimension) {
 } // namespace
 
 CDxKDTree::CDxKDTree(unsigned int dimension) : dimension_(dimension) {
-    first_ = addBlock();
-    if (first_ != nullptr && allocateNodes(*first_)) {
-        current_ = first_;
-    }
+    addBlock();
 }
 
 CDxKDTree::~CDxKDTree() {
-    while (first_ != nullptr && first_->skips != nullptr) {
-        std::free(std::exchange(first_->skips, first_->skips->allocatedBefore));
+    while (skips_ != nullptr) {
+        std::free(std::exchange(skips_, skips_->allocatedBefore));
     }
-    while (first_ != nullptr) {
-        Block_s* next = first_->next;
-        std::free(first_->memory);
-        std::free(first_);
-        first_ = next;
+    while (blockCount_ > 0) {
+        std::free(blocks_[--blockCount_].memory);
     }
+    std::free(blocks_);
 }
 
+/*
+ * A tree has two parts that know about its nodes. The cells can say of most vectors that nothing is within the tolerance,
+ * or that an equal vector is stored. Either is the answer at once: the way of an equal vector ends at the stored one,
+ * which had met no match on it when it was added. So new nodes aren't put into the tree before a vector comes that is
+ * close to a stored one, and maybe never.
+ */
 unsigned int CDxKDTree::insert(const double* vector) {
-    if (current_ == nullptr) {
-        return 0;
-    }
-    if (current_->used == nodesPerBlock) {
-        Block_s* block = addBlock();
-        if (block == nullptr) {
-            return 0;
-        }
-        current_->next = block;
-        current_ = block;
-    }
-    // A block that got no memory for its nodes stays in place, and each insert asks for it again.
-    if (current_->nodes == nullptr && !allocateNodes(*current_)) {
+    const bool isFull = count_ == blockCount_ * nodesPerBlock;
+    if (blockCount_ == 0 || (isFull && !addBlock())) {
         return 0;
     }
     // The node is written before a match is looked for; without one it stays.
-    Node_s* node = nodeAt(*current_, current_->used);
-    std::memmove(node->vector(), vector, sizeof(double) * dimension_);
-    if (count_ > 0) {
-        Node_s** place = nullptr;
-        if (const Node_s* match = descend(node->vector(), place)) {
+    Node_s& node = nodeAt(count_);
+    std::memmove(node.vector(), vector, sizeof(double) * dimension_);
+    if (count_ == 0) {
+        cells_.reset(new (std::nothrow) CDxKDTreeCells);
+    }
+    const std::uint64_t cell = CDxKDTreeCells::cellOf(node.vector(), dimension_);
+    const unsigned int known = recall(node.vector(), cell);
+    if (known == unsure) {
+        completeTree();
+        Node_s** child = nullptr;
+        if (const Node_s* match = descend(node.vector(), child)) {
             return match->id;
         }
-        *place = node;
+        *child = &node;
+        ++inTree_;
+    } else if (known != NotFound) {
+        return known;
     }
-    node->id = count_;
-    ++current_->used;
+    // A vector that doesn't even match itself is never looked for. Without memory the tree is left to itself.
+    if (cells_ != nullptr && isFinite(node.vector()) && !cells_->add(cell, count_)) {
+        cells_.reset();
+    }
+    node.id = count_;
     return count_++;
 }
 
 unsigned int CDxKDTree::find(const double* vector) {
-    Node_s** place = nullptr;
-    const Node_s* match = count_ > 0 ? descend(vector, place) : nullptr;
+    const unsigned int known = recall(vector, CDxKDTreeCells::cellOf(vector, dimension_));
+    if (known != unsure) {
+        return known;
+    }
+    completeTree();
+    Node_s** child = nullptr;
+    const Node_s* match = descend(vector, child);
     return match != nullptr ? match->id : NotFound;
 }
 
 const double* CDxKDTree::getVector(unsigned int id) {
-    const Block_s* block = first_;
-    while (block != nullptr && id >= nodesPerBlock) {
-        block = block->next;
-        id -= nodesPerBlock;
-    }
-    return block != nullptr && block->nodes != nullptr ? nodeAt(*block, id)->vector() : nullptr;
+    return id / nodesPerBlock < blockCount_ ? nodeAt(id).vector() : nullptr;
 }
 
 unsigned int CDxKDTree::getCount() const {
     return count_;
 }
 
-/** A new block without room for nodes yet; null without memory. */
-CDxKDTree::Block_s* CDxKDTree::addBlock() {
-    return static_cast<Block_s*>(std::calloc(1, sizeof(Block_s)));
-}
-
-bool CDxKDTree::allocateNodes(Block_s& block) const {
+bool CDxKDTree::addBlock() {
+    void* blocks = blockCount_ < mostBlocks ? std::realloc(blocks_, (blockCount_ + 1) * sizeof(Block_s)) : nullptr;
+    if (blocks == nullptr) {
+        return false;
+    }
+    blocks_ = static_cast<Block_s*>(blocks);
     std::size_t size = nodesPerBlock * nodeSize(dimension_) + cacheLine;
     void* memory = std::calloc(1, size);
     if (memory == nullptr) {
         return false;
     }
-    block.memory = static_cast<char*>(memory);
-    block.nodes = static_cast<char*>(std::align(cacheLine, size - cacheLine, memory, size));
+    Block_s& added = blocks_[blockCount_++];
+    added.memory = memory;
+    added.nodes = static_cast<char*>(std::align(cacheLine, size - cacheLine, memory, size));
     return true;
 }
 
-CDxKDTree::Node_s* CDxKDTree::nodeAt(const Block_s& block, unsigned int index) const {
-    return reinterpret_cast<Node_s*>(block.nodes + index * nodeSize(dimension_));
+CDxKDTree::Node_s& CDxKDTree::nodeAt(unsigned int id) const {
+    return *reinterpret_cast<Node_s*>(blocks_[id / nodesPerBlock].nodes + id % nodesPerBlock * nodeSize(dimension_));
+}
+
+bool CDxKDTree::isFinite(const double* vector) const {
+    bool isFinite = true;
+    for (unsigned int i = 0; i < dimension_; ++i) {
+        isFinite &= std::fabs(vector[i]) <= std::numeric_limits<double>::max();
+    }
+    return isFinite;
+}
+
+/** The id of the match of a vector, NotFound, or unsure. */
+unsigned int CDxKDTree::recall(const double* vector, std::uint64_t cell) const {
+    if (count_ == 0) {
+        return NotFound;
+    }
+    if (cells_ == nullptr) {
+        return unsure;
+    }
+    unsigned int equal = NotFound;
+    bool isClose = false;
+    bool isComplete = cells_->forEach(cell, [&](unsigned int id) {
+        Node_s& node = nodeAt(id);
+        const bool isEqual = std::equal(vector, vector + dimension_, node.vector());
+        equal = isEqual ? id : equal;
+        isClose = isClose || (!isEqual && matches(node, vector));
+        return isEqual;
+    });
+    if (equal != NotFound) {
+        return equal;
+    }
+    const CDxKDTreeCells::Neighbours neighbours(vector, dimension_, cell);
+    for (unsigned int i = 0; i < neighbours.count() && isComplete && !isClose; ++i) {
+        isComplete = cells_->forEach(neighbours[i], [&](unsigned int id) {
+            isClose = matches(nodeAt(id), vector);
+            return isClose;
+        });
+    }
+    return isClose || !isComplete ? unsure : NotFound;
 }
 
 bool CDxKDTree::matches(Node_s& node, const double* vector) const {
@@ -263,19 +309,31 @@ bool CDxKDTree::matches(Node_s& node, const double* vector) const {
     return matchTolerance > distance;
 }
 
+/** Puts the nodes into the tree that aren't in it yet, in the order of their ids. They are known to have no match. */
+void CDxKDTree::completeTree() {
+    for (; inTree_ < count_; ++inTree_) {
+        Node_s& node = nodeAt(inTree_);
+        if (inTree_ > 0) {
+            Node_s** child = nullptr;
+            descend(node.vector(), child);
+            *child = &node;
+        }
+    }
+}
+
 /**
  * Goes down from the root to a match. Without one the result is null and @p place is where the vector's node belongs. A
  * loop, since sorted input makes the tree one long chain.
  */
 CDxKDTree::Node_s* CDxKDTree::descend(const double* vector, Node_s**& place) {
-    Node_s* node = nodeAt(*first_, 0);
+    Node_s* node = &nodeAt(0);
     if (dimension_ == 0) {
         return node; // nothing can differ
     }
-    Node_s::Chain chain(node, first_->skips, dimension_);
+    Node_s::Chain chain(node, skips_, dimension_);
     unsigned int axis = 0;
     while (node != nullptr) {
-        Node_s::Skip_s* skip = node->skip;
+        Skip_s* skip = node->skip;
         while (skip != nullptr && !skip->mayPass(vector, dimension_)) {
             skip = skip->shorter;
         }

@@ -6,7 +6,12 @@
 
 #include <ImportCommon/Export.h>
 
+#include <cstdint>
+#include <memory>
+
 namespace ImportCommon {
+
+class CDxKDTreeCells;
 
 /**
  * Stores vectors of doubles and finds one that matches a given vector: the sum of absolute differences is below 0.01.
@@ -61,17 +66,23 @@ public:
 private:
     struct Node_s;
     struct Block_s;
+    struct Skip_s;
 
-    Block_s* addBlock();
-    bool allocateNodes(Block_s& block) const;
-    Node_s* nodeAt(const Block_s& block, unsigned int index) const;
+    bool addBlock();
+    Node_s& nodeAt(unsigned int id) const;
+    bool isFinite(const double* vector) const;
     bool matches(Node_s& node, const double* vector) const;
+    unsigned int recall(const double* vector, std::uint64_t cell) const;
+    void completeTree();
     Node_s* descend(const double* vector, Node_s**& place);
 
     unsigned int count_ = 0;
     unsigned int dimension_;
-    Block_s* first_ = nullptr;
-    Block_s* current_ = nullptr;
+    unsigned int blockCount_ = 0;
+    unsigned int inTree_ = 0; // nodes that descents meet
+    Block_s* blocks_ = nullptr;
+    Skip_s* skips_ = nullptr;
+    std::unique_ptr<CDxKDTreeCells> cells_;
 };
 
 } // namespace ImportCommon
