@@ -39,14 +39,15 @@ struct CDxKDTree::Node_s {
     Node_s* low;
     Skip_s* skip; // the longest one from here
     unsigned int id;
+    float room; // how far a component may move, at least, for the vector to still come by here; 0 outside of the tree
 
     double* vector() { return reinterpret_cast<double*>(this + 1); }
 };
 
 /**
  * A short cut from a node over a number of nodes that are high children of each other. A vector may take it that can't
- * match any of them and goes to the high side of all; the bounds of their vectors, which stand behind this, tell. What is
- * on the high side of a node never changes, so a skip stays valid.
+ * match any of them and goes to the high side of all; the largest components of theirs, which stand behind this, tell.
+ * What is on the high side of a node never changes, so a skip stays valid.
  */
 struct CDxKDTree::Skip_s {
     Node_s* target;
@@ -56,31 +57,41 @@ struct CDxKDTree::Skip_s {
     unsigned int axis; // of the target
 
     double* maximum() { return reinterpret_cast<double*>(this + 1); }
-    double* minimum(unsigned int dimension) { return maximum() + dimension; }
 
-    /** Widens the bounds. One that is not a number stays so, and no vector may pass then. */
-    void include(const double* lowest, const double* highest, unsigned int dimension) {
+    /** Takes a vector over. A component that is not a number stays so, and no vector may pass then. */
+    void include(const double* vector, unsigned int dimension) {
         for (unsigned int i = 0; i < dimension; ++i) {
-            if (!(highest[i] <= maximum()[i]) && !std::isnan(maximum()[i])) {
-                maximum()[i] = highest[i];
-            }
-            if (lowest[i] < minimum(dimension)[i]) {
-                minimum(dimension)[i] = lowest[i];
+            if (!(vector[i] <= maximum()[i]) && !std::isnan(maximum()[i])) {
+                maximum()[i] = vector[i];
             }
         }
     }
 
-    bool mayPass(const double* vector, unsigned int dimension) {
-        bool isApart = false;
+    /** Whether a vector may take it. Then the room of the vector is no more than for the nodes in between. */
+    bool mayPass(const double* vector, unsigned int dimension, bool mayMatch, double& room) {
+        double most = -highSideSlack;
+        double least = room;
         for (unsigned int i = 0; i < dimension; ++i) {
             const double above = vector[i] - maximum()[i];
             if (!(above >= -highSideSlack)) {
                 return false;
             }
-            isApart = isApart || above >= matchTolerance || minimum(dimension)[i] - vector[i] >= matchTolerance;
+            most = std::max(most, above);
+            least = std::min(least, above + highSideSlack);
         }
-        return isApart;
+        if (mayMatch && most < matchTolerance) {
+            return false;
+        }
+        room = least;
+        return true;
     }
+};
+
+/** Where a descent came to. */
+struct CDxKDTree::Way_s {
+    Node_s* match;
+    Node_s** place; // of the vector's node, without a match
+    double room;    // how far a component may move, at least, without another way
 };
 
 struct CDxKDTree::Block_s {
@@ -126,19 +137,14 @@ private:
         if (isThere || (level > 0 && !isSkipped(start, end, level - 1))) {
             return;
         }
-        void* memory = std::malloc(sizeof(Skip_s) + 2 * sizeof(double) * dimension_);
+        void* memory = std::malloc(sizeof(Skip_s) + sizeof(double) * dimension_);
         if (memory == nullptr) {
             return;
         }
         Skip_s* added = new (memory) Skip_s{end, start->skip, skips_, level, axis};
         std::memcpy(added->maximum(), start->vector(), sizeof(double) * dimension_);
-        std::memcpy(added->minimum(dimension_), start->vector(), sizeof(double) * dimension_);
         for (Node_s* node = start; node != end; node = level > 0 ? node->skip->target : node->high) {
-            if (level > 0) {
-                added->include(node->skip->minimum(dimension_), node->skip->maximum(), dimension_);
-            } else {
-                added->include(node->vector(), node->vector(), dimension_);
-            }
+            added->include(level > 0 ? node->skip->maximum() : node->vector(), dimension_);
         }
         start->skip = added;
         skips_ = added;
@@ -184,10 +190,11 @@ CDxKDTree::~CDxKDTree() {
 }
 
 /*
- * A tree has two parts that know about its nodes. The cells can say of most vectors that nothing is within the tolerance,
- * or that an equal vector is stored. Either is the answer at once: the way of an equal vector ends at the stored one,
- * which had met no match on it when it was added. So new nodes aren't put into the tree before a vector comes that is
- * close to a stored one, and maybe never.
+ * A tree has two parts that know about its nodes. Results are those of the descent, but the cells can mostly tell them:
+ * - When nothing is within the tolerance there is no match. A new node is not even put into the tree until a vector
+ *   comes that is close to a stored one.
+ * - The way of a vector that equals a stored one ends there, since that met no match on it when it was added.
+ * - A vector that is close to a stored one takes the same way to it when no comparison on that was closer.
  */
 unsigned int CDxKDTree::insert(const double* vector) {
     const bool isFull = count_ == blockCount_ * nodesPerBlock;
@@ -204,12 +211,11 @@ unsigned int CDxKDTree::insert(const double* vector) {
     const unsigned int known = recall(node.vector(), cell);
     if (known == unsure) {
         completeTree();
-        Node_s** child = nullptr;
-        if (const Node_s* match = descend(node.vector(), child)) {
-            return match->id;
+        const Way_s way = descend(node.vector(), true);
+        if (way.match != nullptr) {
+            return way.match->id;
         }
-        *child = &node;
-        ++inTree_;
+        addToTree(node, way);
     } else if (known != NotFound) {
         return known;
     }
@@ -227,8 +233,7 @@ unsigned int CDxKDTree::find(const double* vector) {
         return known;
     }
     completeTree();
-    Node_s** child = nullptr;
-    const Node_s* match = descend(vector, child);
+    const Node_s* match = descend(vector, true).match;
     return match != nullptr ? match->id : NotFound;
 }
 
@@ -271,70 +276,77 @@ bool CDxKDTree::isFinite(const double* vector) const {
 
 /** The id of the match of a vector, NotFound, or unsure. */
 unsigned int CDxKDTree::recall(const double* vector, std::uint64_t cell) const {
-    if (count_ == 0) {
-        return NotFound;
+    if (count_ == 0 || cells_ == nullptr) {
+        return count_ == 0 ? NotFound : unsure;
     }
-    if (cells_ == nullptr) {
-        return unsure;
-    }
-    unsigned int equal = NotFound;
-    bool isClose = false;
-    bool isComplete = cells_->forEach(cell, [&](unsigned int id) {
+    // Who is on the vector's way for sure, and who may be. The first on any way has the lowest id.
+    unsigned int match = NotFound;
+    unsigned int possible = NotFound;
+    const auto consider = [&](unsigned int id) {
         Node_s& node = nodeAt(id);
-        const bool isEqual = std::equal(vector, vector + dimension_, node.vector());
-        equal = isEqual ? id : equal;
-        isClose = isClose || (!isEqual && matches(node, vector));
-        return isEqual;
+        const double apart = distance(node, vector);
+        if (apart < matchTolerance) {
+            unsigned int& lowest = apart < node.room ? match : possible;
+            lowest = std::min(lowest, id);
+        }
+        return false;
+    };
+    bool isEqual = false;
+    bool isComplete = cells_->forEach(cell, [&](unsigned int id) {
+        isEqual = std::equal(vector, vector + dimension_, nodeAt(id).vector());
+        match = isEqual ? id : match;
+        return isEqual || consider(id);
     });
-    if (equal != NotFound) {
-        return equal;
+    if (isEqual) {
+        return match;
     }
     const CDxKDTreeCells::Neighbours neighbours(vector, dimension_, cell);
-    for (unsigned int i = 0; i < neighbours.count() && isComplete && !isClose; ++i) {
-        isComplete = cells_->forEach(neighbours[i], [&](unsigned int id) {
-            isClose = matches(nodeAt(id), vector);
-            return isClose;
-        });
+    for (unsigned int i = 0; i < neighbours.count() && isComplete; ++i) {
+        isComplete = cells_->forEach(neighbours[i], consider);
     }
-    return isClose || !isComplete ? unsure : NotFound;
+    return isComplete && match <= possible ? match : unsure;
 }
 
-bool CDxKDTree::matches(Node_s& node, const double* vector) const {
+/** The distance of a node's vector, or some number that is not less than the tolerance, or no number. */
+double CDxKDTree::distance(Node_s& node, const double* vector) const {
     const double* stored = node.vector();
-    double distance = 0;
+    double sum = 0;
     // No term is negative, so once the sum has reached the tolerance (or is not a number) it stays there.
-    for (unsigned int i = 0; i < dimension_ && matchTolerance > distance; ++i) {
-        distance += std::fabs(stored[i] - vector[i]);
+    for (unsigned int i = 0; i < dimension_ && sum < matchTolerance; ++i) {
+        sum += std::fabs(stored[i] - vector[i]);
     }
-    return matchTolerance > distance;
+    return sum;
 }
 
 /** Puts the nodes into the tree that aren't in it yet, in the order of their ids. They are known to have no match. */
 void CDxKDTree::completeTree() {
-    for (; inTree_ < count_; ++inTree_) {
+    while (inTree_ < count_) {
         Node_s& node = nodeAt(inTree_);
-        if (inTree_ > 0) {
-            Node_s** child = nullptr;
-            descend(node.vector(), child);
-            *child = &node;
-        }
+        addToTree(node, inTree_ > 0 ? descend(node.vector(), false) : Way_s{nullptr, nullptr, HUGE_VAL});
     }
 }
 
-/**
- * Goes down from the root to a match. Without one the result is null and @p place is where the vector's node belongs. A
- * loop, since sorted input makes the tree one long chain.
- */
-CDxKDTree::Node_s* CDxKDTree::descend(const double* vector, Node_s**& place) {
-    Node_s* node = &nodeAt(0);
-    if (dimension_ == 0) {
-        return node; // nothing can differ
+void CDxKDTree::addToTree(Node_s& node, const Way_s& way) {
+    if (way.place != nullptr) {
+        *way.place = &node;
     }
+    // What rounding may add to the distance that this is compared with is far less.
+    node.room = static_cast<float>(std::min(way.room, 1.0)) - 1e-6F;
+    ++inTree_;
+}
+
+/** Goes down from the root to a match. A loop, since sorted input makes the tree one long chain. */
+CDxKDTree::Way_s CDxKDTree::descend(const double* vector, bool mayMatch) {
+    Way_s way{&nodeAt(0), nullptr, HUGE_VAL};
+    if (dimension_ == 0) {
+        return way; // nothing can differ
+    }
+    Node_s* node = &nodeAt(0);
     Node_s::Chain chain(node, skips_, dimension_);
     unsigned int axis = 0;
     while (node != nullptr) {
         Skip_s* skip = node->skip;
-        while (skip != nullptr && !skip->mayPass(vector, dimension_)) {
+        while (skip != nullptr && !skip->mayPass(vector, dimension_, mayMatch, way.room)) {
             skip = skip->shorter;
         }
         if (skip != nullptr) {
@@ -348,12 +360,13 @@ CDxKDTree::Node_s* CDxKDTree::descend(const double* vector, Node_s**& place) {
         __builtin_prefetch(node->low);
         // One difference is mostly enough to tell that a node is no match.
         const double difference = vector[axis] - node->vector()[axis];
-        if (!(std::fabs(difference) >= matchTolerance) && matches(*node, vector)) {
+        if (mayMatch && !(std::fabs(difference) >= matchTolerance) && distance(*node, vector) < matchTolerance) {
             break;
         }
         const bool high = difference >= -highSideSlack;
-        place = high ? &node->high : &node->low;
-        node = *place;
+        way.room = std::min(way.room, std::fabs(difference + highSideSlack));
+        way.place = high ? &node->high : &node->low;
+        node = *way.place;
         axis = axis + 1 == dimension_ ? 0 : axis + 1;
         if (!high) {
             chain.begin(node);
@@ -361,7 +374,8 @@ CDxKDTree::Node_s* CDxKDTree::descend(const double* vector, Node_s**& place) {
             chain.advance(node, 1, axis);
         }
     }
-    return node;
+    way.match = node;
+    return way;
 }
 
 } // namespace ImportCommon

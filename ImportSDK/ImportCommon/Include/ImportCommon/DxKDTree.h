@@ -67,14 +67,16 @@ private:
     struct Node_s;
     struct Block_s;
     struct Skip_s;
+    struct Way_s;
 
     bool addBlock();
     Node_s& nodeAt(unsigned int id) const;
     bool isFinite(const double* vector) const;
-    bool matches(Node_s& node, const double* vector) const;
+    double distance(Node_s& node, const double* vector) const;
     unsigned int recall(const double* vector, std::uint64_t cell) const;
     void completeTree();
-    Node_s* descend(const double* vector, Node_s**& place);
+    void addToTree(Node_s& node, const Way_s& way);
+    Way_s descend(const double* vector, bool mayMatch);
 
     unsigned int count_ = 0;
     unsigned int dimension_;
