@@ -201,13 +201,14 @@ unsigned int CDxKDTree::insert(const double* vector) {
     if (blockCount_ == 0 || (isFull && !addBlock())) {
         return 0;
     }
+    // From here, since reading a copy that was only just made has to wait for it.
+    const std::uint64_t cell = CDxKDTreeCells::cellOf(vector, dimension_);
     // The node is written before a match is looked for; without one it stays.
     Node_s& node = nodeAt(count_);
     std::memmove(node.vector(), vector, sizeof(double) * dimension_);
     if (count_ == 0) {
         cells_.reset(new (std::nothrow) CDxKDTreeCells);
     }
-    const std::uint64_t cell = CDxKDTreeCells::cellOf(node.vector(), dimension_);
     const unsigned int known = recall(node.vector(), cell);
     if (known == unsure) {
         completeTree();
