@@ -58,12 +58,10 @@ struct CDxKDTree::Skip_s {
 
     double* maximum() { return reinterpret_cast<double*>(this + 1); }
 
-    /** Takes a vector over. A component that is not a number stays so, and no vector may pass then. */
+    /** Takes a vector over. What is not a number doesn't count: where it is compared nothing goes to the high side. */
     void include(const double* vector, unsigned int dimension) {
         for (unsigned int i = 0; i < dimension; ++i) {
-            if (!(vector[i] <= maximum()[i]) && !std::isnan(maximum()[i])) {
-                maximum()[i] = vector[i];
-            }
+            maximum()[i] = std::max(maximum()[i], vector[i]);
         }
     }
 

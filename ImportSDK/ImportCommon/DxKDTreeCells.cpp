@@ -7,7 +7,6 @@ namespace ImportCommon {
 
 namespace {
 
-constexpr double reach = CDxKDTreeCells::reach;
 constexpr unsigned int axes = CDxKDTreeCells::axes;
 
 // The centre, which comes first, tells the objects of most models apart; what comes then has larger cells, so that few
