@@ -32,7 +32,7 @@ constexpr std::size_t cacheLine = 64;
 } // namespace
 
 /** A node; its vector stands behind it. What a descent needs of most nodes stands in one cache line. */
-struct CDxKDTree::Node_s {
+struct alignas(double) CDxKDTree::Node_s {
     class Chain;
 
     Node_s* high;
@@ -42,6 +42,11 @@ struct CDxKDTree::Node_s {
     float room; // how far a component may move, at least, for the vector to still come by here; 0 outside of the tree
 
     double* vector() { return reinterpret_cast<double*>(this + 1); }
+
+    /** Bytes of a node with its vector, in whole cache lines. */
+    static std::size_t size(unsigned int dimension) {
+        return (sizeof(Node_s) + sizeof(double) * dimension + cacheLine - 1) / cacheLine * cacheLine;
+    }
 };
 
 /**
@@ -49,7 +54,7 @@ struct CDxKDTree::Node_s {
  * match any of them and goes to the high side of all; the largest components of theirs, which stand behind this, tell.
  * What is on the high side of a node never changes, so a skip stays valid.
  */
-struct CDxKDTree::Skip_s {
+struct alignas(double) CDxKDTree::Skip_s {
     Node_s* target;
     Skip_s* shorter;
     Skip_s* allocatedBefore;
@@ -65,7 +70,7 @@ struct CDxKDTree::Skip_s {
         }
     }
 
-    /** Whether a vector may take it. Then the room of the vector is no more than for the nodes in between. */
+    /** Whether a vector may take it. If so, @p room is lowered to what the nodes in between leave. */
     bool mayPass(const double* vector, unsigned int dimension, bool mayMatch, double& room) {
         double most = -highSideSlack;
         double least = room;
@@ -163,16 +168,6 @@ private:
     Node_s* starts_[levels];
 };
 
-namespace {
-
-/** Bytes of a node with its vector, in whole cache lines. */
-std::size_t nodeSize(unsigned int dimension) {
-    const std::size_t size = 4 * sizeof(void*) + sizeof(double) * dimension;
-    return (size + cacheLine - 1) / cacheLine * cacheLine;
-}
-
-} // namespace
-
 CDxKDTree::CDxKDTree(unsigned int dimension) : dimension_(dimension) {
     addBlock();
 }
@@ -250,7 +245,7 @@ bool CDxKDTree::addBlock() {
         return false;
     }
     blocks_ = static_cast<Block_s*>(blocks);
-    std::size_t size = nodesPerBlock * nodeSize(dimension_) + cacheLine;
+    std::size_t size = nodesPerBlock * Node_s::size(dimension_) + cacheLine;
     void* memory = std::calloc(1, size);
     if (memory == nullptr) {
         return false;
@@ -262,7 +257,8 @@ bool CDxKDTree::addBlock() {
 }
 
 CDxKDTree::Node_s& CDxKDTree::nodeAt(unsigned int id) const {
-    return *reinterpret_cast<Node_s*>(blocks_[id / nodesPerBlock].nodes + id % nodesPerBlock * nodeSize(dimension_));
+    return *reinterpret_cast<Node_s*>(blocks_[id / nodesPerBlock].nodes +
+                                      id % nodesPerBlock * Node_s::size(dimension_));
 }
 
 bool CDxKDTree::isFinite(const double* vector) const {

@@ -13,7 +13,7 @@
 namespace ImportCommon {
 
 /**
- * Space in cells of a quarter of a unit, and a hash table of the nodes in them.
+ * Space in cells, a quarter of a unit wide where it matters most, and a hash table of the nodes in them.
  *
  * What a vector may match is in its own cell or, since the tolerance is small, in a neighbour that it is near to. All
  * components count, so that equal objects in different places and different objects in the same place are told apart. A
