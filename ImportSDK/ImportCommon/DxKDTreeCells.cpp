@@ -21,12 +21,14 @@ constexpr double shifts[axes] = {0,        1.0 / 11, 2.0 / 11, 3.0 / 11, 4.0 / 1
 constexpr std::uint32_t factors[axes] = {0x9E3779B9, 0x85EBCA6B, 0xC2B2AE35, 0x27D4EB2F, 0x165667B1, 0xD3A2646D,
                                          0xFD7046C5, 0xB55A4F09, 0x8DA6B343, 0xD8163841, 0xCB1AB31F};
 
+constexpr double noFraction = 6755399441055744; // 1.5 times 2 to the 52nd
+
 /**
  * The share of a component in the number of its cell. The sum is so large that it has no fraction, and never decreases
  * from one component to a larger one, whatever is rounded on the way.
  */
 std::uint64_t shareOf(double component, unsigned int axis) {
-    const double sum = component * cellsPerUnit[axis] + shifts[axis] + 0x1.8p52;
+    const double sum = component * cellsPerUnit[axis] + shifts[axis] + noFraction;
     std::uint64_t bits = 0;
     std::memcpy(&bits, &sum, sizeof bits);
     return (bits & 0xFFFFFFFF) * factors[axis];
