@@ -181,12 +181,39 @@ void findAll(benchmark::State& state, const Hashes& hashes) {
     }
 }
 
+/** The next import, from a text form with four digits: finds all once in random order, each a little moved. */
+template <typename Index>
+void findMoved(benchmark::State& state, const Hashes& hashes) {
+    Hashes moved = shuffled(hashes);
+    for (Hash& hash : moved) {
+        for (double& component : hash) {
+            component += 0.00005;
+        }
+    }
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto index = std::make_unique<Index>(hashes);
+        for (std::size_t i = 0; i < hashes.size(); ++i) {
+            index->insert(i);
+        }
+        state.ResumeTiming();
+        for (const Hash& hash : moved) {
+            benchmark::DoNotOptimize(index->find(hash));
+        }
+        state.PauseTiming();
+        index.reset();
+        state.ResumeTiming();
+    }
+}
+
 template <typename Index>
 void addIndex(const std::string& objects, std::size_t count, Hashes (*make)(std::size_t), const char* name) {
     const std::string end = objects + "/" + std::to_string(count) + "/" + name;
     addBenchmark("tree/register " + end, count,
                  [=](benchmark::State& state) { registerAll<Index>(state, make(count)); });
     addBenchmark("tree/find " + end, count, [=](benchmark::State& state) { findAll<Index>(state, make(count)); });
+    addBenchmark("tree/find moved " + end, count,
+                 [=](benchmark::State& state) { findMoved<Index>(state, make(count)); });
 }
 
 const bool added = [] {

@@ -132,7 +132,7 @@ def memoryTable(results):
 
 def growthTable(results):
     rows = []
-    for work in ("tree/register line", "tree/find line"):
+    for work in ("tree/register line", "tree/find line", "tree/find moved line"):
         for size in results.sizes(work):
             half = str(int(size) // 2)
             now, before = results.times[(work, size, "library")], results.times.get((work, half, "library"))

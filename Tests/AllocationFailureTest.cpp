@@ -163,25 +163,33 @@ TEST_F(AllocationFailure, identityIsEmpty) {
 }
 
 TEST_F(AllocationFailure, treeKeepsItsNodes) {
-    forEachFailure([](const Failure_s& failure) {
-        constexpr unsigned int before = 1024;
-        CDxKDTree tree(2);
-        const auto insert = [&tree](unsigned int id) {
-            const double vector[] = {id % 32 * 1.0, id / 32 * 1.0};
-            return tree.insert(vector);
-        };
-        for (unsigned int id = 0; id < before; ++id)
-            EXPECT_EQ(insert(id), id);
-        unsigned int result = 0;
-        const bool failed = failure.during([&] { result = insert(before); });
-        EXPECT_EQ(result, failed ? 0 : before);
-        EXPECT_EQ(tree.getCount(), before + (failed ? 0 : 1));
-        for (unsigned int id = 0; id < before + 100; ++id)
-            EXPECT_EQ(insert(id), id);
-        for (unsigned int id = 0; id < before + 100; ++id)
-            EXPECT_EQ(tree.find(tree.getVector(id)), id);
-        return failed;
-    });
+    // The next node is the first one, or needs a block and a larger table of cells.
+    for (const unsigned int before : {0U, 1024U})
+        forEachFailure([before](const Failure_s& failure) {
+            CDxKDTree tree(2);
+            const auto insert = [&tree](unsigned int id) {
+                const double vector[] = {id * 1.0, id / 512 * 1.0};
+                return tree.insert(vector);
+            };
+            for (unsigned int id = 0; id < before; ++id)
+                EXPECT_EQ(insert(id), id);
+            unsigned int result = 0;
+            unsigned int neighbour = 0;
+            const bool failed = failure.during([&] {
+                result = insert(before);
+                const double nearby[] = {700.001, 1}; // which takes a descent, with its short cuts
+                neighbour = tree.find(nearby);
+            });
+            EXPECT_EQ(neighbour, before > 700 ? 700 : CDxKDTree::NotFound);
+            const bool isAdded = tree.getCount() == before + 1;
+            EXPECT_EQ(result, isAdded ? before : 0);
+            EXPECT_TRUE(isAdded || (failed && tree.getCount() == before));
+            for (unsigned int id = 0; id < before + 2000; ++id)
+                EXPECT_EQ(insert(id), id);
+            for (unsigned int id = 0; id < before + 2000; ++id)
+                EXPECT_EQ(tree.find(tree.getVector(id)), id);
+            return failed;
+        });
 }
 
 /** Whether an identity is known, under the same id both ways, or unknown both ways. */

@@ -1,9 +1,13 @@
+#include "DxKDTreeCells.h"
+
 #include <ImportCommon/DxKDTree.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <new>
 #include <utility>
@@ -12,35 +16,45 @@ namespace ImportCommon {
 
 namespace {
 
+// In the place of an id: only a descent can tell.
+constexpr unsigned int unsure = CDxKDTree::NotFound - 1;
+
 constexpr unsigned int nodesPerBlock = 1024;
 constexpr double matchTolerance = 0.01;
+static_assert(matchTolerance < CDxKDTreeCells::reach, "no match is overlooked");
 
 // A vector that is below a node by no more than this still goes to the node's high side. Stored ids depend on it.
 constexpr double highSideSlack = 0.04;
 
+constexpr unsigned int mostBlocks = unsure / nodesPerBlock;
 constexpr std::size_t cacheLine = 64;
 
 } // namespace
 
 /** A node; its vector stands behind it. What a descent needs of most nodes stands in one cache line. */
-struct CDxKDTree::Node_s {
-    struct Skip_s;
+struct alignas(double) CDxKDTree::Node_s {
     class Chain;
 
     Node_s* high;
     Node_s* low;
     Skip_s* skip; // the longest one from here
     unsigned int id;
+    float room; // how far a component may move, at least, for the vector to still come by here; 0 outside of the tree
 
     double* vector() { return reinterpret_cast<double*>(this + 1); }
+
+    /** Bytes of a node with its vector, in whole cache lines. */
+    static std::size_t size(unsigned int dimension) {
+        return (sizeof(Node_s) + sizeof(double) * dimension + cacheLine - 1) / cacheLine * cacheLine;
+    }
 };
 
 /**
  * A short cut from a node over a number of nodes that are high children of each other. A vector may take it that can't
- * match any of them and goes to the high side of all; the bounds of their vectors, which stand behind this, tell. What is
- * on the high side of a node never changes, so a skip stays valid.
+ * match any of them and goes to the high side of all; the largest components of theirs, which stand behind this, tell.
+ * What is on the high side of a node never changes, so a skip stays valid.
  */
-struct CDxKDTree::Node_s::Skip_s {
+struct alignas(double) CDxKDTree::Skip_s {
     Node_s* target;
     Skip_s* shorter;
     Skip_s* allocatedBefore;
@@ -48,39 +62,44 @@ struct CDxKDTree::Node_s::Skip_s {
     unsigned int axis; // of the target
 
     double* maximum() { return reinterpret_cast<double*>(this + 1); }
-    double* minimum(unsigned int dimension) { return maximum() + dimension; }
 
-    /** Widens the bounds. One that is not a number stays so, and no vector may pass then. */
-    void include(const double* lowest, const double* highest, unsigned int dimension) {
+    /** Takes a vector over. What is not a number doesn't count: where it is compared nothing goes to the high side. */
+    void include(const double* vector, unsigned int dimension) {
         for (unsigned int i = 0; i < dimension; ++i) {
-            if (!(highest[i] <= maximum()[i]) && !std::isnan(maximum()[i])) {
-                maximum()[i] = highest[i];
-            }
-            if (lowest[i] < minimum(dimension)[i]) {
-                minimum(dimension)[i] = lowest[i];
-            }
+            maximum()[i] = std::max(maximum()[i], vector[i]);
         }
     }
 
-    bool mayPass(const double* vector, unsigned int dimension) {
-        bool isApart = false;
+    /** Whether a vector may take it. If so, @p room is lowered to what the nodes in between leave. */
+    bool mayPass(const double* vector, unsigned int dimension, bool mayMatch, double& room) {
+        double most = -highSideSlack;
+        double least = room;
         for (unsigned int i = 0; i < dimension; ++i) {
             const double above = vector[i] - maximum()[i];
             if (!(above >= -highSideSlack)) {
                 return false;
             }
-            isApart = isApart || above >= matchTolerance || minimum(dimension)[i] - vector[i] >= matchTolerance;
+            most = std::max(most, above);
+            least = std::min(least, above + highSideSlack);
         }
-        return isApart;
+        if (mayMatch && most < matchTolerance) {
+            return false;
+        }
+        room = least;
+        return true;
     }
 };
 
+/** Where a descent came to. */
+struct CDxKDTree::Way_s {
+    Node_s* match;
+    Node_s** place; // of the vector's node, without a match
+    double room;    // how far a component may move, at least, without another way
+};
+
 struct CDxKDTree::Block_s {
-    Block_s* next;
-    char* memory;
-    char* nodes;           // the first address in the memory that begins a cache line
-    Node_s::Skip_s* skips; // the first block keeps those of the tree
-    unsigned int used;
+    void* memory;
+    char* nodes; // the first address in the memory that begins a cache line
 };
 
 /**
@@ -121,19 +140,14 @@ private:
         if (isThere || (level > 0 && !isSkipped(start, end, level - 1))) {
             return;
         }
-        void* memory = std::malloc(sizeof(Skip_s) + 2 * sizeof(double) * dimension_);
+        void* memory = std::malloc(sizeof(Skip_s) + sizeof(double) * dimension_);
         if (memory == nullptr) {
             return;
         }
         Skip_s* added = new (memory) Skip_s{end, start->skip, skips_, level, axis};
         std::memcpy(added->maximum(), start->vector(), sizeof(double) * dimension_);
-        std::memcpy(added->minimum(dimension_), start->vector(), sizeof(double) * dimension_);
         for (Node_s* node = start; node != end; node = level > 0 ? node->skip->target : node->high) {
-            if (level > 0) {
-                added->include(node->skip->minimum(dimension_), node->skip->maximum(), dimension_);
-            } else {
-                added->include(node->vector(), node->vector(), dimension_);
-            }
+            added->include(level > 0 ? node->skip->maximum() : node->vector(), dimension_);
         }
         start->skip = added;
         skips_ = added;
@@ -154,129 +168,180 @@ private:
     Node_s* starts_[levels];
 };
 
-namespace {
-
-/** Bytes of a node with its vector, in whole cache lines. */
-std::size_t nodeSize(unsigned int dimension) {
-    const std::size_t size = 4 * sizeof(void*) + sizeof(double) * dimension;
-    return (size + cacheLine - 1) / cacheLine * cacheLine;
-}
-
-} // namespace
-
 CDxKDTree::CDxKDTree(unsigned int dimension) : dimension_(dimension) {
-    first_ = addBlock();
-    if (first_ != nullptr && allocateNodes(*first_)) {
-        current_ = first_;
-    }
+    addBlock();
 }
 
 CDxKDTree::~CDxKDTree() {
-    while (first_ != nullptr && first_->skips != nullptr) {
-        std::free(std::exchange(first_->skips, first_->skips->allocatedBefore));
+    while (skips_ != nullptr) {
+        std::free(std::exchange(skips_, skips_->allocatedBefore));
     }
-    while (first_ != nullptr) {
-        Block_s* next = first_->next;
-        std::free(first_->memory);
-        std::free(first_);
-        first_ = next;
+    while (blockCount_ > 0) {
+        std::free(blocks_[--blockCount_].memory);
     }
+    std::free(blocks_);
 }
 
+/*
+ * A tree has two parts that know about its nodes. Results are those of the descent, but the cells can mostly tell them:
+ * - When nothing is within the tolerance there is no match. A new node is not even put into the tree until a vector
+ *   comes that is close to a stored one.
+ * - The way of a vector that equals a stored one ends there, since that met no match on it when it was added.
+ * - A vector that is close to a stored one takes the same way to it when no comparison on that was closer.
+ */
 unsigned int CDxKDTree::insert(const double* vector) {
-    if (current_ == nullptr) {
+    const bool isFull = count_ == blockCount_ * nodesPerBlock;
+    if (blockCount_ == 0 || (isFull && !addBlock())) {
         return 0;
     }
-    if (current_->used == nodesPerBlock) {
-        Block_s* block = addBlock();
-        if (block == nullptr) {
-            return 0;
-        }
-        current_->next = block;
-        current_ = block;
-    }
-    // A block that got no memory for its nodes stays in place, and each insert asks for it again.
-    if (current_->nodes == nullptr && !allocateNodes(*current_)) {
-        return 0;
-    }
+    // From here, since reading a copy that was only just made has to wait for it.
+    const std::uint64_t cell = CDxKDTreeCells::cellOf(vector, dimension_);
     // The node is written before a match is looked for; without one it stays.
-    Node_s* node = nodeAt(*current_, current_->used);
-    std::memmove(node->vector(), vector, sizeof(double) * dimension_);
-    if (count_ > 0) {
-        Node_s** place = nullptr;
-        if (const Node_s* match = descend(node->vector(), place)) {
-            return match->id;
-        }
-        *place = node;
+    Node_s& node = nodeAt(count_);
+    std::memmove(node.vector(), vector, sizeof(double) * dimension_);
+    if (count_ == 0) {
+        cells_.reset(new (std::nothrow) CDxKDTreeCells);
     }
-    node->id = count_;
-    ++current_->used;
+    const unsigned int known = recall(node.vector(), cell);
+    if (known == unsure) {
+        completeTree();
+        const Way_s way = descend(node.vector(), true);
+        if (way.match != nullptr) {
+            return way.match->id;
+        }
+        addToTree(node, way);
+    } else if (known != NotFound) {
+        return known;
+    }
+    // A vector that doesn't even match itself is never looked for. Without memory the tree is left to itself.
+    if (cells_ != nullptr && isFinite(node.vector()) && !cells_->add(cell, count_)) {
+        cells_.reset();
+    }
+    node.id = count_;
     return count_++;
 }
 
 unsigned int CDxKDTree::find(const double* vector) {
-    Node_s** place = nullptr;
-    const Node_s* match = count_ > 0 ? descend(vector, place) : nullptr;
+    const unsigned int known = recall(vector, CDxKDTreeCells::cellOf(vector, dimension_));
+    if (known != unsure) {
+        return known;
+    }
+    completeTree();
+    const Node_s* match = descend(vector, true).match;
     return match != nullptr ? match->id : NotFound;
 }
 
 const double* CDxKDTree::getVector(unsigned int id) {
-    const Block_s* block = first_;
-    while (block != nullptr && id >= nodesPerBlock) {
-        block = block->next;
-        id -= nodesPerBlock;
-    }
-    return block != nullptr && block->nodes != nullptr ? nodeAt(*block, id)->vector() : nullptr;
+    return id / nodesPerBlock < blockCount_ ? nodeAt(id).vector() : nullptr;
 }
 
 unsigned int CDxKDTree::getCount() const {
     return count_;
 }
 
-/** A new block without room for nodes yet; null without memory. */
-CDxKDTree::Block_s* CDxKDTree::addBlock() {
-    return static_cast<Block_s*>(std::calloc(1, sizeof(Block_s)));
-}
-
-bool CDxKDTree::allocateNodes(Block_s& block) const {
-    std::size_t size = nodesPerBlock * nodeSize(dimension_) + cacheLine;
+bool CDxKDTree::addBlock() {
+    void* blocks = blockCount_ < mostBlocks ? std::realloc(blocks_, (blockCount_ + 1) * sizeof(Block_s)) : nullptr;
+    if (blocks == nullptr) {
+        return false;
+    }
+    blocks_ = static_cast<Block_s*>(blocks);
+    std::size_t size = nodesPerBlock * Node_s::size(dimension_) + cacheLine;
     void* memory = std::calloc(1, size);
     if (memory == nullptr) {
         return false;
     }
-    block.memory = static_cast<char*>(memory);
-    block.nodes = static_cast<char*>(std::align(cacheLine, size - cacheLine, memory, size));
+    Block_s& added = blocks_[blockCount_++];
+    added.memory = memory;
+    added.nodes = static_cast<char*>(std::align(cacheLine, size - cacheLine, memory, size));
     return true;
 }
 
-CDxKDTree::Node_s* CDxKDTree::nodeAt(const Block_s& block, unsigned int index) const {
-    return reinterpret_cast<Node_s*>(block.nodes + index * nodeSize(dimension_));
+CDxKDTree::Node_s& CDxKDTree::nodeAt(unsigned int id) const {
+    return *reinterpret_cast<Node_s*>(blocks_[id / nodesPerBlock].nodes +
+                                      id % nodesPerBlock * Node_s::size(dimension_));
 }
 
-bool CDxKDTree::matches(Node_s& node, const double* vector) const {
+bool CDxKDTree::isFinite(const double* vector) const {
+    bool isFinite = true;
+    for (unsigned int i = 0; i < dimension_; ++i) {
+        isFinite &= std::fabs(vector[i]) <= std::numeric_limits<double>::max();
+    }
+    return isFinite;
+}
+
+/** The id of the match of a vector, NotFound, or unsure. */
+unsigned int CDxKDTree::recall(const double* vector, std::uint64_t cell) const {
+    if (count_ == 0 || cells_ == nullptr) {
+        return count_ == 0 ? NotFound : unsure;
+    }
+    // Who is on the vector's way for sure, and who may be. The first on any way has the lowest id.
+    unsigned int match = NotFound;
+    unsigned int possible = NotFound;
+    const auto consider = [&](unsigned int id) {
+        Node_s& node = nodeAt(id);
+        const double apart = distance(node, vector);
+        if (apart < matchTolerance) {
+            unsigned int& lowest = apart < node.room ? match : possible;
+            lowest = std::min(lowest, id);
+        }
+        return false;
+    };
+    bool isEqual = false;
+    bool isComplete = cells_->forEach(cell, [&](unsigned int id) {
+        isEqual = std::equal(vector, vector + dimension_, nodeAt(id).vector());
+        match = isEqual ? id : match;
+        return isEqual || consider(id);
+    });
+    if (isEqual) {
+        return match;
+    }
+    const CDxKDTreeCells::Neighbours neighbours(vector, dimension_, cell);
+    for (unsigned int i = 0; i < neighbours.count() && isComplete; ++i) {
+        isComplete = cells_->forEach(neighbours[i], consider);
+    }
+    return isComplete && match <= possible ? match : unsure;
+}
+
+/** The distance of a node's vector, or some number that is not less than the tolerance, or no number. */
+double CDxKDTree::distance(Node_s& node, const double* vector) const {
     const double* stored = node.vector();
-    double distance = 0;
+    double sum = 0;
     // No term is negative, so once the sum has reached the tolerance (or is not a number) it stays there.
-    for (unsigned int i = 0; i < dimension_ && matchTolerance > distance; ++i) {
-        distance += std::fabs(stored[i] - vector[i]);
+    for (unsigned int i = 0; i < dimension_ && sum < matchTolerance; ++i) {
+        sum += std::fabs(stored[i] - vector[i]);
     }
-    return matchTolerance > distance;
+    return sum;
 }
 
-/**
- * Goes down from the root to a match. Without one the result is null and @p place is where the vector's node belongs. A
- * loop, since sorted input makes the tree one long chain.
- */
-CDxKDTree::Node_s* CDxKDTree::descend(const double* vector, Node_s**& place) {
-    Node_s* node = nodeAt(*first_, 0);
-    if (dimension_ == 0) {
-        return node; // nothing can differ
+/** Puts the nodes into the tree that aren't in it yet, in the order of their ids. They are known to have no match. */
+void CDxKDTree::completeTree() {
+    while (inTree_ < count_) {
+        Node_s& node = nodeAt(inTree_);
+        addToTree(node, inTree_ > 0 ? descend(node.vector(), false) : Way_s{nullptr, nullptr, HUGE_VAL});
     }
-    Node_s::Chain chain(node, first_->skips, dimension_);
+}
+
+void CDxKDTree::addToTree(Node_s& node, const Way_s& way) {
+    if (way.place != nullptr) {
+        *way.place = &node;
+    }
+    // What rounding may add to the distance that this is compared with is far less.
+    node.room = static_cast<float>(std::min(way.room, 1.0)) - 1e-6F;
+    ++inTree_;
+}
+
+/** Goes down from the root to a match. A loop, since sorted input makes the tree one long chain. */
+CDxKDTree::Way_s CDxKDTree::descend(const double* vector, bool mayMatch) {
+    Way_s way{&nodeAt(0), nullptr, HUGE_VAL};
+    if (dimension_ == 0) {
+        return way; // nothing can differ
+    }
+    Node_s* node = &nodeAt(0);
+    Node_s::Chain chain(node, skips_, dimension_);
     unsigned int axis = 0;
     while (node != nullptr) {
-        Node_s::Skip_s* skip = node->skip;
-        while (skip != nullptr && !skip->mayPass(vector, dimension_)) {
+        Skip_s* skip = node->skip;
+        while (skip != nullptr && !skip->mayPass(vector, dimension_, mayMatch, way.room)) {
             skip = skip->shorter;
         }
         if (skip != nullptr) {
@@ -290,12 +355,13 @@ CDxKDTree::Node_s* CDxKDTree::descend(const double* vector, Node_s**& place) {
         __builtin_prefetch(node->low);
         // One difference is mostly enough to tell that a node is no match.
         const double difference = vector[axis] - node->vector()[axis];
-        if (!(std::fabs(difference) >= matchTolerance) && matches(*node, vector)) {
+        if (mayMatch && !(std::fabs(difference) >= matchTolerance) && distance(*node, vector) < matchTolerance) {
             break;
         }
         const bool high = difference >= -highSideSlack;
-        place = high ? &node->high : &node->low;
-        node = *place;
+        way.room = std::min(way.room, std::fabs(difference + highSideSlack));
+        way.place = high ? &node->high : &node->low;
+        node = *way.place;
         axis = axis + 1 == dimension_ ? 0 : axis + 1;
         if (!high) {
             chain.begin(node);
@@ -303,7 +369,8 @@ CDxKDTree::Node_s* CDxKDTree::descend(const double* vector, Node_s**& place) {
             chain.advance(node, 1, axis);
         }
     }
-    return node;
+    way.match = node;
+    return way;
 }
 
 } // namespace ImportCommon

@@ -6,7 +6,12 @@
 
 #include <ImportCommon/Export.h>
 
+#include <cstdint>
+#include <memory>
+
 namespace ImportCommon {
+
+class CDxKDTreeCells;
 
 /**
  * Stores vectors of doubles and finds one that matches a given vector: the sum of absolute differences is below 0.01.
@@ -14,6 +19,9 @@ namespace ImportCommon {
  * A look-up is one descent without backtracking, so a match on the far side of a split is not found. Nodes are numbered
  * in the order of insertion, from 0, and are never removed. Vectors with a component that is not a number match nothing;
  * in a tree of dimension 0 everything matches. Not safe for use by several threads at a time.
+ *
+ * Insertions leave work for the first look-up of a vector that is close to a stored one without being equal, a descent
+ * for each node: at a million nodes it may take seconds.
  */
 class IMPORT_COMMON_API CDxKDTree {
 public:
@@ -61,17 +69,25 @@ public:
 private:
     struct Node_s;
     struct Block_s;
+    struct Skip_s;
+    struct Way_s;
 
-    Block_s* addBlock();
-    bool allocateNodes(Block_s& block) const;
-    Node_s* nodeAt(const Block_s& block, unsigned int index) const;
-    bool matches(Node_s& node, const double* vector) const;
-    Node_s* descend(const double* vector, Node_s**& place);
+    bool addBlock();
+    Node_s& nodeAt(unsigned int id) const;
+    bool isFinite(const double* vector) const;
+    double distance(Node_s& node, const double* vector) const;
+    unsigned int recall(const double* vector, std::uint64_t cell) const;
+    void completeTree();
+    void addToTree(Node_s& node, const Way_s& way);
+    Way_s descend(const double* vector, bool mayMatch);
 
     unsigned int count_ = 0;
     unsigned int dimension_;
-    Block_s* first_ = nullptr;
-    Block_s* current_ = nullptr;
+    unsigned int blockCount_ = 0;
+    unsigned int inTree_ = 0; // nodes that descents meet
+    Block_s* blocks_ = nullptr;
+    Skip_s* skips_ = nullptr;
+    std::unique_ptr<CDxKDTreeCells> cells_;
 };
 
 } // namespace ImportCommon
