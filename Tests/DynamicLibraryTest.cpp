@@ -93,11 +93,9 @@ TEST_F(DynamicLibraryTest, executableIsALibraryToo) {
 TEST(DynamicLibraryDeathTest, onlyTheFirstFailureIsLogged) {
     const auto failTwice = [] {
         // The reason, which names the file, serves as a format: only doubled percent signs may change.
-        for (const wchar_t* path : {L"/none/5%% %s %n %%%%", L"/none/second"}) {
-            if (DynamicLibrary::loadDynamicLibrary(path, L"") != nullptr) {
+        for (const wchar_t* path : {L"/none/5%% %s %n %%%%", L"/none/second"})
+            if (DynamicLibrary::loadDynamicLibrary(path, L"") != nullptr)
                 std::abort();
-            }
-        }
     };
     expectStderrOfFreshProcess(failTwice, "/none/5% %s %n %%: [^>]*");
 }

@@ -58,12 +58,10 @@ protected:
 
     ~Environment() override {
         unsetenv("fo_handle_version");
-        for (const auto& [key, field] : textFields) {
+        for (const auto& [key, field] : textFields)
             unsetenv(key);
-        }
-        for (const auto& [key, field] : streamFields) {
+        for (const auto& [key, field] : streamFields)
             unsetenv(key);
-        }
     }
 
     /** The library only carries the pointer, so any address that differs from key to key will do. */
@@ -75,12 +73,10 @@ protected:
 TEST_F(Environment, versionOneFillsEveryField) {
     setenv("fo_handle_version", "1abc", 1);
     EXPECT_TRUE(foreignobject_env_deserialize(env_));
-    for (const auto& [key, field] : textFields) {
+    for (const auto& [key, field] : textFields)
         EXPECT_EQ(env_.*field, L"\u00FC " + std::wstring(key, key + std::string(key).size()));
-    }
-    for (const auto& [key, field] : streamFields) {
+    for (const auto& [key, field] : streamFields)
         EXPECT_EQ(env_.*field, streamOf(key)) << key;
-    }
     unsetenv("fo_string_module");
     unsetenv("fo_handle_log");
     EXPECT_TRUE(foreignobject_env_deserialize(env_));

@@ -75,9 +75,8 @@ TEST(ExternalVersion, everyKindByteByByte) {
         for (const unsigned int size : {0u, largest - 1, largest, largest + 10}) {
             std::string buffer(size, '#');
             std::string after = buffer;
-            if (size >= largest) {
+            if (size >= largest)
                 after.replace(0, expected.size(), expected);
-            }
             EXPECT_EQ(version.toByteStream(size, buffer.data()), size < largest ? 0u : expected.size());
             EXPECT_EQ(buffer, after) << size;
         }
@@ -93,9 +92,8 @@ TEST(ExternalVersion, everyKindByteByByte) {
 
 /** Reads the stream form as far as it goes, and returns the kind. */
 std::uint32_t modelRead(Values_t& v, const std::string& bytes) {
-    if (bytes.size() < 4) {
+    if (bytes.size() < 4)
         return 0;
-    }
     // Meant: the first three bytes are signed.
     const auto type = static_cast<std::uint32_t>(
         static_cast<signed char>(bytes[0]) + static_cast<signed char>(bytes[1]) * 256 +
@@ -106,9 +104,8 @@ std::uint32_t modelRead(Values_t& v, const std::string& bytes) {
         const std::size_t end = *std::upper_bound(std::begin(blockEnds), std::end(blockEnds), value);
         const std::size_t size = (end - value) * sizeof(double);
         const std::size_t remaining = bytes.size() - at;
-        if (value == box ? remaining != size : remaining < size) {
+        if (value == box ? remaining != size : remaining < size)
             break;
-        }
         std::memcpy(&v[value], &bytes[at], size);
         at += size;
         value = end;
@@ -147,9 +144,8 @@ TEST(ExternalVersion, equalWithinTheTolerances) {
         Values_t changed{};
         changed[c.value] = c.difference;
         const bool expected[] = {true, c.boxes, c.solids, c.geometries};
-        for (const std::size_t type : {0u, 1u, 2u, 3u}) {
+        for (const std::size_t type : {0u, 1u, 2u, 3u})
             EXPECT_EQ(make(type, {}) == make(type, changed), expected[type]) << type << " " << c.difference;
-        }
     }
     // Of the box, the distance of all three dimensions together counts.
     EXPECT_FALSE(createFromBoundingBox(0, 0, 0) == createFromBoundingBox(0.0008, 0.0008, 0));
@@ -169,15 +165,13 @@ double offsetSimilarity(const double* a, const double* b, double scale) {
 }
 
 double modelSimilarity(std::size_t type, const Values_t& a, const Values_t& b) {
-    if (type <= 1) {
+    if (type <= 1)
         return type == 0 ? 0 : transform(offsetSimilarity(&a[box], &b[box], 1.0), 0.7, 3);
-    }
     const double scale = std::max(std::accumulate(&a[distances], &a[box], 0.0) / 8.0,
                                   std::accumulate(&b[distances], &b[box], 0.0) / 8.0);
     double orientation = 0;
-    for (std::size_t i = distances; i < box; ++i) {
+    for (std::size_t i = distances; i < box; ++i)
         orientation += (1 - std::abs(b[i] - a[i]) / scale) / 8;
-    }
     double score = transform(offsetSimilarity(&a[centroid], &b[centroid], scale), 0.7, 3) *
                    transform(orientation, 0.8, 4) * transform(offsetSimilarity(&a[box], &b[box], scale), 0.7, 3);
     if (type == 2) {
@@ -247,9 +241,8 @@ TEST(ExternalVersion, handlesOwnTheirVersion) {
 
 TEST(ExternalVersionDeathTest, eachAccessorWarnsOnce) {
     const auto readAll = [] {
-        for (const std::size_t type : {2u, 1u, 3u, 0u, 0u}) {
+        for (const std::size_t type : {2u, 1u, 3u, 0u, 0u})
             visible(make(type, sample));
-        }
     };
     expectStderrOfFreshProcess(readAll, "no volume in this typeno centeroid in this type"
                                         "no distances in this typeno bounding box in this type");

@@ -31,9 +31,8 @@ protected:
 
 TEST_F(FileOperationsTest, kindsOfEntries) {
     const unsigned long long large = (5ull << 30) + 1;
-    for (const char* name : {"file", "sparse", "caf\xC3\xA9 \xE4\xB8\xAD"}) {
+    for (const char* name : {"file", "sparse", "caf\xC3\xA9 \xE4\xB8\xAD"})
         writeFile(name, "12345");
-    }
     fs::resize_file("sparse", large);
     fs::create_directory("folder");
     fs::create_symlink("file", "link");
@@ -86,9 +85,8 @@ TEST_F(FileOperationsTest, timesAccessAndSpace) {
         struct stat status;
         ASSERT_EQ(utimensat(AT_FDCWD, "file", times, 0), 0);
         ASSERT_EQ(stat("file", &status), 0);
-        if (status.st_mtime == time.tv_sec) { // not every file system can store all of them
-            EXPECT_EQ(FileOperations::GetFileLastWriteTime(L"file"), ticks);
-        }
+        // Not every file system can store all of them.
+        EXPECT_TRUE(status.st_mtime != time.tv_sec || FileOperations::GetFileLastWriteTime(L"file") == ticks) << ticks;
     }
     EXPECT_EQ(FileOperations::GetFileLastWriteTime(L"missing"), 0u);
     for (const unsigned int mode : {0400u, 0200u, 0177u}) {
@@ -180,9 +178,8 @@ TEST_F(FileOperationsTest, scansFolders) {
     };
     fs::create_directories("folder/deeper");
     fs::create_directory("empty");
-    for (const char* name : {"b.ifc", ".hidden", "caf\xC3\xA9 \xE4\xB8\xAD", "deeper/not listed"}) {
+    for (const char* name : {"b.ifc", ".hidden", "caf\xC3\xA9 \xE4\xB8\xAD", "deeper/not listed"})
         writeFile(std::string("folder/") + name, "");
-    }
     fs::create_symlink("deeper", "folder/folderLink");
     fs::create_symlink("nowhere", "folder/dangling");
 
@@ -190,9 +187,8 @@ TEST_F(FileOperationsTest, scansFolders) {
     EXPECT_EQ(sortedScan(L"folder"), expected);
     writeFile("empty/\xFF", ""); // a name that can't be decoded stands for the folder itself
     stderrOf([&] {               // which the decoder reports
-        for (const wchar_t* path : {L"empty", L"folder/b.ifc", L"missing", L""}) {
+        for (const wchar_t* path : {L"empty", L"folder/b.ifc", L"missing", L""})
             EXPECT_EQ(sortedScan(path), Paths_t{}) << testing::PrintToString(path);
-        }
     });
 }
 

@@ -1,9 +1,9 @@
+#include "FailingAllocator.h"
 #include "TemporaryFolder.h"
 
 #include <ImportCommon/FileStream.h>
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #ifdef __linux__
 #include <sys/random.h>
 #endif
@@ -74,9 +74,8 @@ TEST_F(FileStreamTest, readsInBlocks) {
         {-1, 0xFFFFFFFF00000001, "8"},
     };
     for (const auto& c : cases) {
-        if (c.offset >= 0) {
+        if (c.offset >= 0)
             stream->seekToOffset(static_cast<unsigned long>(c.offset));
-        }
         std::vector<char> content(7, '#');
         EXPECT_EQ(stream->read(c.size, content), !c.content.empty()) << c.offset << ' ' << c.size;
         EXPECT_EQ(std::string(content.begin(), content.end()), c.content) << c.offset << ' ' << c.size;
@@ -115,9 +114,8 @@ TEST_F(FileStreamTest, closesWhatItOwns) {
         const int descriptor = fileno(handle);
         delete (owns ? new FileStream(handle, true) : FileStream::createFromHandle(handle));
         EXPECT_EQ(fcntl(descriptor, F_GETFD) != -1, !owns);
-        if (!owns) {
+        if (!owns)
             std::fclose(handle);
-        }
     }
 }
 
@@ -147,25 +145,38 @@ TEST_F(FileStreamTest, temporaryFiles) {
 }
 
 #ifdef __linux__
+Stream_t createTemporary(int sameNames) {
+    repeats = sameNames;
+    return Stream_t(FileStream::createTemporaryFile());
+}
+
 TEST_F(FileStreamTest, temporaryFilesAreAlwaysNew) {
-    const auto create = [](int sameNames) {
-        repeats = sameNames;
-        return Stream_t(FileStream::createTemporaryFile());
-    };
     constexpr int always = INT_MAX;
-    Stream_t stream = create(always);
+    Stream_t stream = createTemporary(always);
     ASSERT_NE(stream, nullptr);
     const std::string taken = pathOf(*stream);
-    EXPECT_EQ(create(always), nullptr);
-    stream = create(5);
+    EXPECT_EQ(createTemporary(always), nullptr);
+    stream = createTemporary(5);
     ASSERT_NE(stream, nullptr) << "the sixth name is free";
     EXPECT_NE(pathOf(*stream), taken);
     fs::remove(pathOf(*stream));
     fs::remove(taken);
     fs::create_symlink(folder_.path() + "/missing", taken);
-    EXPECT_EQ(create(always), nullptr);
+    EXPECT_EQ(createTemporary(always), nullptr);
     EXPECT_FALSE(fs::exists("missing"));
     fs::remove(taken);
+}
+
+TEST_F(AllocationFailure, leavesNoTemporaryFile) {
+    const std::string path = pathOf(*createTemporary(1));
+    fs::remove(path);
+    forEachFailure([&path](const Failure_s& failure) {
+        Stream_t stream;
+        const bool failed = failure.during([&stream] { stream = createTemporary(1); });
+        EXPECT_EQ(stream == nullptr, failed);
+        EXPECT_EQ(fs::remove(path), !failed) << "a file that nobody knows of";
+        return failed;
+    });
 }
 #endif
 

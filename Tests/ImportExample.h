@@ -4,32 +4,20 @@
  */
 #pragma once
 
+#include "TemporaryFolder.h"
+
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <set>
-#include <sstream>
 #include <string>
 
 namespace fs = std::filesystem;
 using nlohmann::json;
-
-inline std::string read(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream content;
-    content << file.rdbuf();
-    return content.str();
-}
-
-inline void write(const fs::path& path, const std::string& content) {
-    std::ofstream(path, std::ios::binary) << content;
-}
 
 inline std::string replaced(std::string text, const std::string& from, const std::string& to) {
     const std::size_t at = text.find(from);
@@ -45,54 +33,44 @@ struct Result {
 
 class ImportExampleTest : public testing::Test {
 protected:
-    void SetUp() override {
-        std::string folder = (fs::temp_directory_path() / "import-example.XXXXXX").string();
-        ASSERT_NE(mkdtemp(folder.data()), nullptr);
-        folder_ = folder;
-        house_ = read(fs::path(MODELS_DIR) / "house.ifc");
-        revised_ = read(fs::path(MODELS_DIR) / "house-revised.ifc");
-        write(file("house.ifc"), house_);
-    }
+    ImportExampleTest() { writeFile(file("house.ifc"), house_); }
 
-    void TearDown() override { fs::remove_all(folder_); }
-
-    fs::path file(const std::string& name) const { return folder_ / name; }
+    fs::path file(const std::string& name) const { return fs::path(folder_.path()) / name; }
 
     Result run(const std::string& arguments) const {
-        const std::string command = "cd '" + folder_.string() + "' && '" IMPORT_HOST "' --plugin '" IFC_PLUGIN "' " +
-                                    arguments + " >stdout 2>stderr";
+        const std::string command = "'" IMPORT_HOST "' --plugin '" IFC_PLUGIN "' " + arguments + " >stdout 2>stderr";
         const int status = std::system(command.c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, read(file("stdout")), read(file("stderr"))};
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(file("stdout")), readFile(file("stderr"))};
     }
 
     /** Imports a text as a model into the folder "state" and gives the report. */
     json import(const std::string& model) const {
-        write(file("model.ifc"), model);
+        writeFile(file("model.ifc"), model);
         const Result result = run("--state state --report report.json --picture plan.svg model.ifc");
         EXPECT_EQ(result.exitCode, 0) << result.error;
         EXPECT_EQ(result.error, "");
-        return json::parse(read(file("report.json")));
+        return json::parse(readFile(file("report.json")));
     }
 
     /** Expects one line on the error stream, and the state that was there before with nothing left beside it. */
     void expectFailure(const std::string& arguments, int exitCode, const std::string& named,
                        const std::string& reason) const {
         SCOPED_TRACE(arguments);
-        const std::string before = read(file("state/objects.state"));
+        const std::string before = readFile(file("state/objects.state"));
         const Result result = run(arguments);
         EXPECT_EQ(result.exitCode, exitCode);
         EXPECT_EQ(std::count(result.error.begin(), result.error.end(), '\n'), 1) << result.error;
         EXPECT_EQ(result.error.find("import-host: "), 0u) << result.error;
         EXPECT_NE(result.error.find(named), std::string::npos) << result.error;
         EXPECT_NE(result.error.find(reason), std::string::npos) << result.error;
-        EXPECT_EQ(read(file("state/objects.state")), before);
+        EXPECT_EQ(readFile(file("state/objects.state")), before);
         for (const auto& entry : fs::directory_iterator(file("state")))
             EXPECT_TRUE(entry.path().filename() == "objects.state" || entry.path().filename() == "output") << entry;
     }
 
-    fs::path folder_;
-    std::string house_;
-    std::string revised_;
+    const TemporaryFolder folder_;
+    const std::string house_ = readFile(MODELS_DIR "/house.ifc");
+    const std::string revised_ = readFile(MODELS_DIR "/house-revised.ifc");
 };
 
 /** Changed properties in any order, as lists of identity, set, name, old and new value. */

@@ -107,96 +107,50 @@ void expectSet(std::wstring name, Entries... entries) {
 #define RADIANS(field) entry(L"" #field, &R::field, &R::has##field, Value::ValueType_PlaneAngle)
 #define MEASURE(field) lengthOrAngle(L"" #field, &R::field, &R::has##field, &R::field##Kind)
 
-TEST(PSet, beam) {
-    using R = IFC2X3_PSet_BeamCommon_s;
-    expectSet<R>(L"Pset_BeamCommon", ALWAYS(Reference), MEASURE(Span), MEASURE(Slope), ALWAYS(FireRating),
-                 ALWAYS(IsExternal), ALWAYS(IsLoadBearing));
-}
+#define PSET(record, ...)                                                                                              \
+    TEST(PSet, record) {                                                                                               \
+        using R = IFC2X3_PSet_##record##_s;                                                                            \
+        expectSet<R>(__VA_ARGS__);                                                                                     \
+    }
 
-TEST(PSet, column) {
-    using R = IFC2X3_PSet_ColumnCommon_s;
-    expectSet<R>(L"Pset_ColumnCommon", ALWAYS(Reference), MEASURE(Slope), ALWAYS(FireRating), ALWAYS(IsExternal),
-                 ALWAYS(IsLoadBearing));
-}
-
-TEST(PSet, curtainWall) {
-    using R = IFC2X3_PSet_CurtainWallCommon_s; // nothing comes from AcousticRating
-    expectSet<R>(L"Pset_IFC2X3_PSet_CurtainWallCommon", ALWAYS(Reference), ALWAYS(FireRating),
-                 ALWAYS(SurfaceSpreadOfFlame), OPTION(ThermalTransmittance), OPTION(Combustible), ALWAYS(IsExternal));
-}
-
-TEST(PSet, door) {
-    using R = IFC2X3_PSet_DoorCommon_s; // nothing comes from FireExit
-    expectSet<R>(L"Pset_DoorCommon", ALWAYS(Reference), ALWAYS(FireRating), ALWAYS(AcousticRating),
-                 ALWAYS(SecurityRating), OPTION(Infiltration), OPTION(ThermalTransmittance),
-                 OPTION(GlazingAreaFraction), OPTION(HandicapAccessible), entry(L"FireExit", &R::IsExternal),
-                 ALWAYS(SelfClosing), ALWAYS(SmokeStop), ALWAYS(IsExternal));
-}
-
-TEST(PSet, glazing) {
-    using R = IFC2X3_PSet_DoorWindowGlazingType_s;
-    expectSet<R>(L"Pset_DoorWindowGlazingType", ALWAYS(FillGas), ALWAYS(GlassColor), LENGTH(GlassThickness1),
-                 LENGTH(GlassThickness2), LENGTH(GlassThickness3), OPTION(IsTempered), OPTION(IsLaminated),
-                 OPTION(IsCoated), OPTION(IsWired), OPTION(Translucency), OPTION(Reflectivity),
-                 OPTION(BeamRadiationTransmittance), OPTION(SolarHeatGainTransmittance),
-                 OPTION(ThermalTransmittanceSummer), OPTION(ThermalTransmittanceWinter), ALWAYS(GlassLayers));
-}
-
-TEST(PSet, shading) {
-    using R = IFC2X3_PSet_DoorWindowShadingType_s;
-    expectSet<R>(L"Pset_DoorWindowShadingType", OPTION(ExternalShadingCoefficient), OPTION(InternalShadingCoefficient),
-                 OPTION(InsetShadingCoefficient));
-}
-
-TEST(PSet, member) {
-    using R = IFC2X3_PSet_MemberCommon_s;
-    expectSet<R>(L"Pset_MemberCommon", ALWAYS(Reference), ALWAYS(FireRating), MEASURE(Span), MEASURE(Slope),
-                 ALWAYS(IsExternal), ALWAYS(IsLoadBearing));
-}
-
-TEST(PSet, railing) {
-    using R = IFC2X3_PSet_RailingCommon_s;
-    expectSet<R>(L"Pset_RailingCommon", ALWAYS(Reference), LENGTH(Height), LENGTH(Diameter), ALWAYS(IsExternal));
-}
-
-TEST(PSet, ramp) {
-    using R = IFC2X3_PSet_RampCommon_s;
-    expectSet<R>(L"Pset_RampCommon", ALWAYS(Reference), ALWAYS(FireRating), MEASURE(Slope), LENGTH(RequiredHeadroom),
-                 OPTION(HasNonSkidSurface), ALWAYS(IsHandicapAccessible), ALWAYS(IsExternal), ALWAYS(FireExit));
-}
-
-TEST(PSet, roof) {
-    using R = IFC2X3_PSet_RoofCommon_s;
-    expectSet<R>(L"Pset_RoofCommon", ALWAYS(Reference), ALWAYS(FireRating), ALWAYS(IsExternal));
-}
-
-TEST(PSet, slab) {
-    using R = IFC2X3_PSet_SlabCommon_s;
-    expectSet<R>(L"Pset_SlabCommon", ALWAYS(Reference), ALWAYS(AcousticRating), ALWAYS(SurfaceSpreadOfFlame),
-                 ALWAYS(FireRating), OPTION(Compartmentation), OPTION(Combustible), OPTION(ThermalTransmittance),
-                 RADIANS(PitchAngle), ALWAYS(IsExternal), ALWAYS(IsLoadBearing));
-}
-
-TEST(PSet, stair) {
-    using R = IFC2X3_PSet_StairCommon_s;
-    expectSet<R>(L"Pset_StairCommon", ALWAYS(Reference), ALWAYS(FireRating), OPTION(NumberOfRiser),
-                 OPTION(NumberOfTreads), LENGTH(RiserHeight), LENGTH(TreadLength), LENGTH(RequiredHeadroom),
-                 ALWAYS(IsHandicapAccessible), ALWAYS(IsExternal), ALWAYS(FireExit), ALWAYS(HasNonSkidSurface));
-}
-
-TEST(PSet, wall) {
-    using R = IFC2X3_PSet_WallCommon_s; // nothing comes from IsExternal and IsLoadBearing
-    expectSet<R>(L"Pset_WallCommon", ALWAYS(Reference), ALWAYS(AcousticRating), ALWAYS(FireRating),
-                 ALWAYS(SurfaceSpreadOfFlame), OPTION(ThermalTransmittance), OPTION(Combustible),
-                 OPTION(ExtendToStructure), OPTION(Compartmentation));
-}
-
-TEST(PSet, window) {
-    using R = IFC2X3_PSet_WindowCommon_s;
-    expectSet<R>(L"Pset_WindowCommon", ALWAYS(Reference), ALWAYS(FireRating), ALWAYS(AcousticRating),
-                 ALWAYS(SecurityRating), OPTION(Infiltration), OPTION(ThermalTransmittance),
-                 OPTION(GlazingAreaFraction), OPTION(SmokeStop), ALWAYS(IsExternal));
-}
+PSET(BeamCommon, L"Pset_BeamCommon", ALWAYS(Reference), MEASURE(Span), MEASURE(Slope), ALWAYS(FireRating),
+     ALWAYS(IsExternal), ALWAYS(IsLoadBearing))
+PSET(ColumnCommon, L"Pset_ColumnCommon", ALWAYS(Reference), MEASURE(Slope), ALWAYS(FireRating), ALWAYS(IsExternal),
+     ALWAYS(IsLoadBearing))
+// Nothing comes from AcousticRating.
+PSET(CurtainWallCommon, L"Pset_IFC2X3_PSet_CurtainWallCommon", ALWAYS(Reference), ALWAYS(FireRating),
+     ALWAYS(SurfaceSpreadOfFlame), OPTION(ThermalTransmittance), OPTION(Combustible), ALWAYS(IsExternal))
+// Nothing comes from FireExit.
+PSET(DoorCommon, L"Pset_DoorCommon", ALWAYS(Reference), ALWAYS(FireRating), ALWAYS(AcousticRating),
+     ALWAYS(SecurityRating), OPTION(Infiltration), OPTION(ThermalTransmittance), OPTION(GlazingAreaFraction),
+     OPTION(HandicapAccessible), entry(L"FireExit", &R::IsExternal), ALWAYS(SelfClosing), ALWAYS(SmokeStop),
+     ALWAYS(IsExternal))
+PSET(DoorWindowGlazingType, L"Pset_DoorWindowGlazingType", ALWAYS(FillGas), ALWAYS(GlassColor), LENGTH(GlassThickness1),
+     LENGTH(GlassThickness2), LENGTH(GlassThickness3), OPTION(IsTempered), OPTION(IsLaminated), OPTION(IsCoated),
+     OPTION(IsWired), OPTION(Translucency), OPTION(Reflectivity), OPTION(BeamRadiationTransmittance),
+     OPTION(SolarHeatGainTransmittance), OPTION(ThermalTransmittanceSummer), OPTION(ThermalTransmittanceWinter),
+     ALWAYS(GlassLayers))
+PSET(DoorWindowShadingType, L"Pset_DoorWindowShadingType", OPTION(ExternalShadingCoefficient),
+     OPTION(InternalShadingCoefficient), OPTION(InsetShadingCoefficient))
+PSET(MemberCommon, L"Pset_MemberCommon", ALWAYS(Reference), ALWAYS(FireRating), MEASURE(Span), MEASURE(Slope),
+     ALWAYS(IsExternal), ALWAYS(IsLoadBearing))
+PSET(RailingCommon, L"Pset_RailingCommon", ALWAYS(Reference), LENGTH(Height), LENGTH(Diameter), ALWAYS(IsExternal))
+PSET(RampCommon, L"Pset_RampCommon", ALWAYS(Reference), ALWAYS(FireRating), MEASURE(Slope), LENGTH(RequiredHeadroom),
+     OPTION(HasNonSkidSurface), ALWAYS(IsHandicapAccessible), ALWAYS(IsExternal), ALWAYS(FireExit))
+PSET(RoofCommon, L"Pset_RoofCommon", ALWAYS(Reference), ALWAYS(FireRating), ALWAYS(IsExternal))
+PSET(SlabCommon, L"Pset_SlabCommon", ALWAYS(Reference), ALWAYS(AcousticRating), ALWAYS(SurfaceSpreadOfFlame),
+     ALWAYS(FireRating), OPTION(Compartmentation), OPTION(Combustible), OPTION(ThermalTransmittance),
+     RADIANS(PitchAngle), ALWAYS(IsExternal), ALWAYS(IsLoadBearing))
+PSET(StairCommon, L"Pset_StairCommon", ALWAYS(Reference), ALWAYS(FireRating), OPTION(NumberOfRiser),
+     OPTION(NumberOfTreads), LENGTH(RiserHeight), LENGTH(TreadLength), LENGTH(RequiredHeadroom),
+     ALWAYS(IsHandicapAccessible), ALWAYS(IsExternal), ALWAYS(FireExit), ALWAYS(HasNonSkidSurface))
+// Nothing comes from IsExternal and IsLoadBearing.
+PSET(WallCommon, L"Pset_WallCommon", ALWAYS(Reference), ALWAYS(AcousticRating), ALWAYS(FireRating),
+     ALWAYS(SurfaceSpreadOfFlame), OPTION(ThermalTransmittance), OPTION(Combustible), OPTION(ExtendToStructure),
+     OPTION(Compartmentation))
+PSET(WindowCommon, L"Pset_WindowCommon", ALWAYS(Reference), ALWAYS(FireRating), ALWAYS(AcousticRating),
+     ALWAYS(SecurityRating), OPTION(Infiltration), OPTION(ThermalTransmittance), OPTION(GlazingAreaFraction),
+     OPTION(SmokeStop), ALWAYS(IsExternal))
 
 TEST(PSet, customSetsAreValues) {
     IFC2X3_PSet_RoofCommon_s roof{};

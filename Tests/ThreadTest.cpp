@@ -1,17 +1,14 @@
-#include "FailingAllocator.h"
-
 #include <ImportCommon/CriticalSection.h>
 #include <ImportCommon/Signal.h>
 #include <ImportCommon/ThreadOperations.h>
 
+#include <gtest/gtest.h>
 #include <pthread.h>
 #include <unistd.h>
 
 #include <atomic>
-#include <cstdlib>
 #include <functional>
 #include <list>
-#include <new>
 #include <string>
 #include <thread>
 #include <utility>
@@ -84,9 +81,8 @@ TEST_F(ThreadTest, eventIsRaisedOnceByTwoThreads) {
         Signal event;
         std::atomic<int> ready{0};
         const auto raise = [&] {
-            for (++ready; ready < 2;) {
+            for (++ready; ready < 2;)
                 std::this_thread::yield();
-            }
             event.raise();
         };
         {
@@ -101,9 +97,8 @@ TEST_F(ThreadTest, eventIsRaisedOnceByTwoThreads) {
                 event.wait();
                 tooEarly = !mayPass;
             });
-            for (int patience = 20; patience > 0; --patience) {
+            for (int patience = 20; patience > 0; --patience)
                 std::this_thread::yield();
-            }
             mayPass = true;
             event.raise();
         }
@@ -132,16 +127,6 @@ TEST_F(ThreadTest, contendersForALockLoseNothing) {
     }
     EXPECT_EQ(count, 100 * 1000);
     EXPECT_EQ(refused, 0);
-}
-
-TEST_F(AllocationFailure, sectionsThatDoNotLock) {
-    const CriticalSection::Lock none(nullptr);
-    noMemory.during([] {
-        CriticalSection section;
-        const CriticalSection::Lock lock(&section);
-        EXPECT_NE(section.Enter(nullptr), 0);
-        EXPECT_NE(section.Leave(nullptr), 0);
-    });
 }
 
 TEST_F(ThreadTest, dataIsCopied) {
@@ -174,30 +159,6 @@ TEST_F(ThreadTest, dataIsCopied) {
     EXPECT_EQ(exitCode, 77u);
     EXPECT_EQ(observed.text, "original");
     EXPECT_EQ(observed.size, sizeof input);
-}
-
-TEST_F(AllocationFailure, startsNoThread) {
-    static std::atomic<int> calls;
-    const auto work = [](void*, unsigned long) {
-        ++calls;
-        return 0u;
-    };
-    int started = 0;
-    forEachFailure([&](const Failure_s& failure) {
-        pthread_t thread{};
-        const bool failed = failure.during([&] {
-            try {
-                thread = ThreadOperations::createThread(work, nullptr, 0, false);
-            } catch (const std::bad_alloc&) {
-                EXPECT_GT(failure.which, 1) << "without a record there is no thread, but no exception either";
-            }
-        });
-        EXPECT_EQ(ThreadOperations::hasEnded(thread, nullptr), !failed);
-        EXPECT_EQ(ThreadOperations::closeThread(thread), failed ? 0 : 1);
-        started += failed ? 0 : 1;
-        return failed;
-    });
-    EXPECT_EQ(calls, started);
 }
 
 } // namespace
