@@ -23,20 +23,10 @@
 
 using namespace ImportCommon;
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define TEST_HAS_ADDRESS_SANITIZER
-#endif
-#elif defined(__SANITIZE_ADDRESS__)
-#define TEST_HAS_ADDRESS_SANITIZER
-#endif
-
-#ifdef TEST_HAS_ADDRESS_SANITIZER
-/** A request that is too large to be served is a failure like any other. */
+/** A request that is too large to be served is a failure like any other, also for a sanitizer. */
 extern "C" const char* __asan_default_options() {
     return "allocator_may_return_null=1";
 }
-#endif
 
 namespace {
 
@@ -264,7 +254,8 @@ TEST_F(AllocationFailurePlatform, versions) {
     const ExternalVersion solid = createFromSolid(1, 2, 3, numbers, 4, numbers);
     expectThrows("copy", [&] { return ExternalVersion(solid) == solid; });
     expectThrows("box", [] { return createFromBoundingBox(1, 2, 3).getType() == ExternalVersionType_BoundingBox; });
-    expectThrows("geometry", [&] { return createFromGeometry(1, 2, 3, numbers).getType() == ExternalVersionType_Geometry; });
+    expectThrows("geometry",
+                 [&] { return createFromGeometry(1, 2, 3, numbers).getType() == ExternalVersionType_Geometry; });
     expectThrows("solid", [&] { return createFromSolid(1, 2, 3, numbers, 4, numbers) == solid; });
     ExternalVersion version;
     expectThrows("assignment", [&] {

@@ -1,6 +1,5 @@
+#include "Stderr.h"
 #include "TableModel.h"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
@@ -11,6 +10,11 @@
 #include <memory>
 #include <numeric>
 #include <random>
+
+/** A request that is too large to be served is a failure like any other, also for a sanitizer. */
+extern "C" const char* __asan_default_options() {
+    return "allocator_may_return_null=1";
+}
 
 namespace {
 
@@ -36,9 +40,15 @@ TEST(DbFast, tableSpecificationsAreChecked) {
         {"negative bytes", {0, 1}, {{DBF_BYTES, -1}}, DBF_END, false},
         {"wide string beyond 31 bits", {0, 1}, {{DBF_WSTRING, 0x40000001}}, DBF_END, false},
         {"row beyond 31 bits", {0, 1}, {{DBF_BYTES, INT_MAX}, {DBF_BYTES, INT_MAX}}, DBF_END, false},
+        {"bucket of the largest rows", {0, 65535}, {{DBF_BYTES, INT_MAX - 8}}, DBF_END, false},
+        {"bucket of the largest wide rows", {0, 65535}, {{DBF_WSTRING, INT_MAX / 2 - 8}}, DBF_END, false},
+        {"most buckets of the largest rows", {INT_MAX, 65535}, {{DBF_BYTES, INT_MAX - 8}}, DBF_END, false},
+        {"more rows than 31 bits count", {INT_MAX, 1}, {{DBF_BYTES, 1}}, DBF_END, false},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(createTable(c.table, c.fields, c.terminator) != nullptr, c.accepted) << c.what;
+    stderrOf([&] { // where memory that the system does not have is reported
+        for (const auto& c : cases)
+            EXPECT_EQ(createTable(c.table, c.fields, c.terminator) != nullptr, c.accepted) << c.what;
+    });
 }
 
 TEST(DbFast, indexSpecificationsAreChecked) {
@@ -52,21 +62,6 @@ TEST(DbFast, indexSpecificationsAreChecked) {
     for (const auto& c : cases)
         EXPECT_EQ(createIndex(table, true, c.fields, c.kind) != nullptr, c.accepted)
             << testing::PrintToString(c.fields);
-}
-
-TEST(DbFast, tableStopsAtItsLastBucket) {
-    const TablePtr table = createTable({0, 1}, {{DBF_INT, 0}});
-    dbf_index* const index = createIndex(table, true, {0});
-    const int32_t last = 65534;
-    for (int32_t key = 0; key < last; ++key)
-        ASSERT_EQ(dbf_insert(table.get(), &key), DBF_OK);
-    EXPECT_EQ(dbf_insert(table.get(), &last), DBF_FAILED);
-    for (int32_t key = 0; key <= last; ++key)
-        ASSERT_EQ(dbf_select(index, &key), key < last ? DBF_OK : DBF_NOTFOUND);
-    const int32_t deleted = 4711;
-    EXPECT_EQ(dbf_delete(index, &deleted), DBF_OK);
-    EXPECT_EQ(dbf_insert(table.get(), &last), DBF_OK);
-    EXPECT_EQ(dbf_insert(table.get(), &deleted), DBF_FAILED);
 }
 
 struct TableShape {
