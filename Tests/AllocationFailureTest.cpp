@@ -1,21 +1,32 @@
+/**
+ * @file AllocationFailureTest.cpp
+ * Every allocation of an operation fails in turn, alone and with all later ones: first the stores, then what is around.
+ */
+#include "DescribeProperties.h"
 #include "FailingAllocator.h"
 #include "IndexedTable.h"
 #include "Stderr.h"
+#include "TemporaryFolder.h"
 
-#include <ImportCommon/DxKDTree.h>
-#include <ImportCommon/ExternalGUID.h>
-#include <ImportCommon/ExternalGUIDDatabase.h>
+#include <ImportCommon/ImportCommon.h>
 
+#include <dirent.h>
+
+#include <atomic>
 #include <cstring>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
+#include <vector>
 
-using ImportCommon::CDxKDTree;
-using ImportCommon::ExternalGUID;
-using ImportCommon::ExternalGUIDDatabase;
-using ImportCommon::ExternalGUIDRuntimeID_e;
+using namespace ImportCommon;
+
+/** A request that is too large to be served is a failure like any other, also for a sanitizer. */
+extern "C" const char* __asan_default_options() {
+    return "allocator_may_return_null=1";
+}
 
 namespace {
 
@@ -213,6 +224,275 @@ TEST_F(AllocationFailure, databaseKeepsItsIdentities) {
             EXPECT_TRUE(knows(database, next, retried));
             return failed;
         });
+}
+
+using Stream = std::unique_ptr<FileStream>;
+using Cursor = std::unique_ptr<dbf_cursor, decltype(&dbf_closecursor)>;
+
+/** A result as text, made when there is memory again. */
+template <typename T>
+std::wstring textOf(const T& value) {
+    if constexpr (std::is_arithmetic_v<T>)
+        return std::to_wstring(value);
+    else if constexpr (std::is_same_v<T, IFC2X3Property>)
+        return describe(value);
+    else
+        return {value.begin(), value.end()};
+}
+
+/** Handles that are open, to see that none is left behind. */
+std::ptrdiff_t openHandles() {
+    std::ptrdiff_t count = 0;
+    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir("/dev/fd"), closedir);
+    while (folder && readdir(folder.get()) != nullptr)
+        ++count;
+    return count;
+}
+
+/** What an operation answers; "throws" stands for std::bad_alloc. */
+template <typename Operation>
+std::wstring answerOf(const Operation& operation, std::optional<FailingAllocator>* memory = nullptr) {
+    std::optional<std::decay_t<decltype(operation())>> result;
+    try {
+        result.emplace(operation());
+    } catch (const std::bad_alloc&) {
+    }
+    if (memory != nullptr)
+        memory->reset();
+    return result ? textOf(*result) : L"throws";
+}
+
+/**
+ * Calls an operation with its first, second, third ... allocation failing, alone and with all later ones. It answers as
+ * with enough memory, since the system gets by with less in places, or with one of @p without; then it works again.
+ */
+template <typename Operation>
+void expectAnswers(const char* what, const std::set<std::wstring>& without, const Operation& operation) {
+    SCOPED_TRACE(what);
+    const std::wstring whole = answerOf(operation); // the first call may allocate for good
+    ASSERT_EQ(without.count(whole), 0U);
+    bool shown = false;
+    forEachFailure([&](const Failure_s& failure) {
+        const std::ptrdiff_t handles = openHandles();
+        std::optional<FailingAllocator> memory(std::in_place, failure.which, failure.extent);
+        const std::wstring answer = answerOf(operation, &memory);
+        const bool failed = FailingAllocator::hasFailed();
+        EXPECT_TRUE(answer == whole || (failed && without.count(answer) != 0)) << testing::PrintToString(answer);
+        EXPECT_EQ(openHandles(), handles);
+        EXPECT_EQ(answerOf(operation), whole) << "afterwards";
+        shown = shown || answer != whole;
+        return failed;
+    });
+    EXPECT_TRUE(shown) << "no failure showed";
+}
+
+template <typename Operation>
+void expectThrows(const char* what, const Operation& operation) {
+    expectAnswers(what, {L"throws"}, operation);
+}
+
+// Longer than what a string holds without memory of its own.
+const std::string longText = "a text of forty-two characters, caf\xC3\xA9 \xE4\xB8\xAD\xE6\x96\x87";
+const std::wstring longWide = L"a text of forty-two characters, caf\u00E9 \u4E2D\u6587";
+
+TEST_F(AllocationFailure, texts) {
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(longText.c_str());
+    expectThrows("decode", [=] { return StringOperations::ConvertFromUTF8(bytes); });
+    expectThrows("decode n bytes", [=] { return StringOperations::ConvertFromUTF8(bytes, longText.size()); });
+    expectThrows("from the locale", [] { return StringOperations::ConvertFromCurrentLocale(longText); });
+    expectThrows("to the locale", [] { return StringOperations::ConvertToCurrentLocale(longWide); });
+    expectThrows("to the locale's buffer", [] {
+        char text[64];
+        StringOperations::ConvertToCurrentLocale(longWide.data(), longWide.size(), text, sizeof text);
+        return text[0] == 'a' && text[63] == 0;
+    });
+    expectThrows("to ISO 8859-1", [] {
+        std::string text;
+        return !StringOperations::TryConvertToIsoLatin1(longWide, text) && text.size() == longWide.size();
+    });
+    expectThrows("number", [] { return StringOperations::AsWString(4294967295U - 10000); });
+}
+
+TEST_F(AllocationFailure, environment) {
+    EnvironmentVariables::SetString(L"ic_test", longWide);
+    expectThrows("get", [] { return EnvironmentVariables::GetString(L"ic_test"); });
+    expectThrows("expand", [] { return EnvironmentVariables::ExpandVariables(longWide); });
+
+    // The system may keep what it was given before, so each call gives it something new.
+    std::wstring text;
+    const auto nextText = [&] { text = longWide + std::to_wstring(text.size()) + text.substr(0, 100); };
+    int number = 0;
+    for (nextText(); number < 3; ++number, nextText()) {
+        const std::wstring key = L"ic_test" + std::to_wstring(number);
+        EXPECT_EQ(EnvironmentVariables::SetInt(key, number), 0);
+        const FailingAllocator memory(1);
+        EXPECT_EQ(EnvironmentVariables::SetString(key, text), -1);
+        EXPECT_EQ(EnvironmentVariables::SetInt(key, 987600 + number), -1);
+        EXPECT_EQ(EnvironmentVariables::SetFileStreamHandle(key, stderr), -1);
+        EXPECT_EQ(EnvironmentVariables::GetInt(key), number) << "the earlier value stays";
+    }
+}
+
+TEST_F(AllocationFailure, importEnvironment) {
+    EnvironmentVariables::SetInt(L"fo_handle_version", 1);
+    EnvironmentVariables::SetFileStreamHandle(L"fo_handle_textures", stderr);
+    for (const wchar_t* const key : {L"fo_string_filename", L"fo_string_module", L"fo_string_path"})
+        EnvironmentVariables::SetString(key, longWide);
+    expectThrows("deserialize", [] {
+        ForeignObjectEnv_t env = {};
+        foreignobject_env_deserialize(env);
+        return env.textures == stderr && env.fileName + env.module == longWide + longWide && env.path == longWide;
+    });
+}
+
+TEST_F(AllocationFailure, files) {
+    const TemporaryFolder folder;
+    const std::wstring name = L"a file with a name of more than a few characters.ifc.txt";
+    writeFile(std::string(name.begin(), name.end()), "content");
+    using Files = FileOperations;
+    expectThrows("name without path", [&] { return Files::GetFileWithoutPath(L"folder/" + name); });
+    expectThrows("name without extension", [&] { return Files::GetFileWithoutExtenstion(L"folder/" + name); });
+    expectThrows("ending slash", [&] { return Files::InsertEndingDirectorySlash(name); });
+    expectThrows("exists", [&] { return Files::Exists(name); });
+    expectThrows("is a folder", [&] { return !Files::IsDirectory(name); });
+    expectThrows("read access", [&] { return Files::HasReadAccess(name); });
+    expectThrows("write access", [&] { return Files::HasWriteAccess(name); });
+    expectThrows("size", [&] { return Files::GetFileSize(name); });
+    expectThrows("time", [&] { return Files::GetFileLastWriteTime(name); });
+    expectThrows("free space", [&] { return Files::GetFreeBytesAvailable(name) != 0; });
+    expectThrows("time as text", [] { return Files::ConvertSystemTimeToTimeString({}); });
+    const std::wstring other = name + L".folder";
+    expectThrows("make and delete a folder", [&] {
+        const bool made = Files::MakeDirectory(other) || Files::IsDirectory(other);
+        return made && Files::DeleteDirectory(other);
+    });
+    // Here the system looks at the disk, and may fail by itself.
+    const std::set<std::wstring> without = {L"throws", L""};
+    expectAnswers("full path", without, [&] { return Files::GetFullPath(name); });
+    expectAnswers("full path of a new file", without, [&] { return Files::GetFullPath(other); });
+    expectAnswers("folder", without, [&] { return Files::GetFullFolder(name); });
+    const std::wstring listed = folder.widePath() + L"/" + name;
+    expectAnswers("scan", {L"throws", L"0"}, [&] {
+        const std::vector<std::wstring> files = Files::ScanFilesInDirectory(folder.widePath());
+        return files.size() == 1 && files[0] == listed;
+    });
+}
+
+TEST_F(AllocationFailure, streams) {
+    const TemporaryFolder folder;
+    const std::wstring path = L"a file with a name of more than a few characters.txt";
+    writeFile(std::string(path.begin(), path.end()), "content");
+    const auto contentOf = [](const Stream& stream) {
+        std::vector<char> bytes;
+        const bool read = stream && stream->read(4096, bytes);
+        return read ? std::string(bytes.begin(), bytes.end()) : std::string();
+    };
+    expectAnswers("read", {L"throws", L""}, [&] { return contentOf(Stream(FileStream::openFileForReading(path))); });
+    expectAnswers("write", {L"throws", L""}, [&] {
+        const Stream stream(FileStream::createFileForWriting(path));
+        const bool written = stream && stream->write(4, "text");
+        if (written)
+            stream->seekToBegin();
+        return written ? contentOf(stream) : std::string();
+    });
+    expectAnswers("borrowed handle", {L"0"}, [] { return Stream(FileStream::createFromHandle(stderr)) != nullptr; });
+}
+
+/** Counts its calls, and tells whether it got data. */
+std::atomic<int> calls;
+unsigned int countCall(void* data, unsigned long /*size*/) {
+    ++calls;
+    return data != nullptr ? 1 : 0;
+}
+
+TEST_F(AllocationFailure, threadsAndLocks) {
+    int started = 0;
+    expectAnswers("thread", {L"throws", L"0"}, [&] {
+        const pthread_t thread = ThreadOperations::createThread(countCall, "abc", 3, false);
+        const bool known = ThreadOperations::hasEnded(thread, nullptr);
+        EXPECT_EQ(ThreadOperations::closeThread(thread) == 1, known);
+        started += known ? 1 : 0;
+        return known;
+    });
+    EXPECT_EQ(calls, started);
+
+    const pthread_t thread = ThreadOperations::createThread(countCall, "", PTRDIFF_MAX, false);
+    void* result = nullptr;
+    ASSERT_EQ(pthread_join(thread, &result), 0);
+    EXPECT_EQ(result, nullptr) << "a thread without memory for its data gets none";
+
+    const CriticalSection::Lock none(nullptr);
+    expectAnswers("lock", {L"0"}, [] {
+        CriticalSection section;
+        { const CriticalSection::Lock lock(&section); }
+        const bool entered = section.Enter(nullptr) == 0;
+        EXPECT_EQ(section.Leave(nullptr) == 0, entered);
+        return entered;
+    });
+}
+
+TEST_F(AllocationFailure, libraries) {
+    const std::string path = PLAIN_LIBRARY;
+    const std::wstring wide(path.begin(), path.end());
+    testing::internal::CaptureStderr(); // the loader's reason, at most once
+    const auto isValid = [](std::unique_ptr<DynamicLibrary> library) { return library && library->isValid(); };
+    const auto open = [&] { return DynamicLibrary::loadDynamicLibrary(wide, L""); };
+    expectAnswers("library", {L"throws", L"0"}, [&] { return isValid(std::unique_ptr<DynamicLibrary>(open())); });
+    expectAnswers("executable", {L"throws", L"0"},
+                  [&] { return isValid(std::unique_ptr<DynamicLibrary>(DynamicLibrary::getExecutable())); });
+    testing::internal::GetCapturedStderr();
+}
+
+TEST_F(AllocationFailure, versions) {
+    const double numbers[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+    const ExternalVersion solid = createFromSolid(1, 2, 3, numbers, 4, numbers);
+    expectThrows("copy", [&] { return ExternalVersion(solid) == solid; });
+    expectThrows("box", [] { return createFromBoundingBox(1, 2, 3).getType() == ExternalVersionType_BoundingBox; });
+    expectThrows("geometry",
+                 [&] { return createFromGeometry(1, 2, 3, numbers).getType() == ExternalVersionType_Geometry; });
+    expectThrows("solid", [&] { return createFromSolid(1, 2, 3, numbers, 4, numbers) == solid; });
+    ExternalVersion version;
+    expectThrows("assignment", [&] {
+        version = solid;
+        return version == solid;
+    });
+    noMemory.during([&] { EXPECT_THROW(version = solid, std::bad_alloc); });
+    EXPECT_EQ(version.getType(), ExternalVersionType_Invalid) << "a version that lost its object";
+    char stream[CExternalVersion::MaximumStreamSize];
+    EXPECT_EQ(version.toByteStream(sizeof stream, stream), 4U);
+}
+
+TEST_F(AllocationFailure, properties) {
+    IFC2X3PropertySet set;
+    for (const wchar_t* const name : {L"a", L"b", L"c"})
+        set.addProperty(createPropertySingleValueString(name, L"", L"value"));
+    // A set without memory for its list is silently empty.
+    const std::set<std::wstring> without = {L"throws", L"Size/=usage{};"};
+    const IFC2X3Property complex = createPropertyComplex(L"Size", L"", L"usage", set);
+    expectAnswers("make", without, [&] { return createPropertyComplex(L"Size", L"", L"usage", set); });
+    expectAnswers("copy", without, [&] { return IFC2X3Property(complex); });
+    IFC2X3Property assigned;
+    expectAnswers("assign", without, [&] {
+        assigned = complex;
+        return std::move(assigned);
+    });
+    const PngTexture texture(std::vector<char>(3));
+    expectThrows("texture", [&] { return PngTexture(texture).getData().size() == 3; });
+}
+
+TEST_F(AllocationFailure, cursors) {
+    const TablePtr table = createTable({0, 50}, {{DBF_INT, 0}, {DBF_INT, 0}});
+    dbf_index* const index = createIndex(table, false, {1});
+    for (int32_t id = 0; id < 200; ++id) {
+        const int32_t row[] = {id, id % 2};
+        ASSERT_EQ(dbf_insert(table.get(), row), DBF_OK);
+    }
+    const int32_t row[] = {0, 1};
+    const auto rowsOf = [](const Cursor& cursor) { return cursor ? dbf_getcursorrowcount(cursor.get()) : -1; };
+    stderrOf([&] {
+        expectAnswers("all rows", {L"-1"}, [&] { return rowsOf({dbf_opencursor_all(table.get()), &dbf_closecursor}); });
+        expectAnswers("rows of a key", {L"-1"}, [&] { return rowsOf({dbf_opencursor(index, row), &dbf_closecursor}); });
+    });
 }
 
 } // namespace
