@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Runs every fuzz target for so many seconds, with the address and undefined behaviour sanitizers. Fails with the name of
-# the input when one ends badly. What the targets learn is kept in the build folder.
+# the input when one ends badly. What the targets learn is kept in the build folder. FUZZ_SEED, 1 by default, makes a run
+# begin with other inputs.
 # Usage: Scripts/fuzz.sh SECONDS [TARGET...]
 set -euo pipefail
 
@@ -36,7 +37,7 @@ mkdir -p "$findings"
 run() {
     local target=$1 log=$build/$1.log
     mkdir -p "$build/corpus/$target"
-    if ! "$build/Fuzz/bin/$target" -max_total_time="$seconds" -timeout=10 -print_final_stats=1 -max_len=2048 \
+    if ! "$build/Fuzz/bin/$target" -max_total_time="$seconds" -seed="${FUZZ_SEED:-1}" -timeout=60 -print_final_stats=1 -max_len=2048 \
         -artifact_prefix="$findings/$target-" "$build/corpus/$target" "$root/Fuzz/Corpus/$target" >"$log" 2>&1; then
         grep -aE 'wrong result|ERROR|runtime error|SUMMARY' "$log" | head -n 5 >&2 || true
         local input

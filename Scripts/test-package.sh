@@ -57,6 +57,10 @@ quietly build cmake --build "$build/library"
 remove() { as_root dpkg --purge "${packages[@]}" >/dev/null 2>&1; }
 trap remove EXIT
 quietly install as_root dpkg -i "$build"/packages/*.deb
+hardening=$(readelf --dynamic --segments --dyn-syms --wide "$(pkg-config --variable=libdir import-common)/libimport-common.so")
+for sign in BIND_NOW GNU_RELRO __stack_chk_fail@ _chk@GLIBC; do
+    [[ $hardening == *"$sign"* ]] || fail "the installed library shows no $sign"
+done
 files=$(dpkg -L "${packages[@]}" | sort -u | while read -r file; do [ -d "$file" ] || echo "$file"; done)
 
 step "Against the installed packages: CMake, pkg-config, the examples, the guide"
