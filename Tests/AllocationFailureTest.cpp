@@ -131,17 +131,22 @@ TEST_F(AllocationFailure, identityIsEmpty) {
         [] { return ExternalGUID::fromHalvorneObi(7); },
         [] { return ExternalGUID::fromByteStream(4, "\4\0\0"); },
         [&] { return ExternalGUID::spatialHashFromVertexes(1, vertex); }};
-    for (const auto& make : makers) {
-        ExternalGUID guid = good;
-        noMemory.during([&] {
-            ExternalGUID made = make();
-            made = good;
-            made.fromSpatialHash(vertex);
-            guid = made;
-        });
+    const auto bytesOf = [](const ExternalGUID& guid) {
         unsigned int size = 0;
         const char* const bytes = guid.getBytes(&size);
-        EXPECT_EQ(std::string(bytes, size), std::string(96, '\0')) << &make - makers;
+        return std::string(bytes, size);
+    };
+    for (const auto& make : makers) {
+        forEachFailure([&](const Failure_s& failure) {
+            std::optional<ExternalGUID> guid;
+            const bool failed = failure.during([&] { guid.emplace(make()); });
+            EXPECT_EQ(bytesOf(*guid), failed ? std::string(96, '\0') : bytesOf(make())) << &make - makers;
+            noMemory.during([&] { guid->fromSpatialHash(vertex); });
+            *guid = good;
+            const std::string assigned = bytesOf(*guid); // a value without its block stays empty
+            EXPECT_TRUE(assigned == bytesOf(good) || (failed && assigned == std::string(96, '\0')));
+            return failed;
+        });
     }
 }
 
@@ -204,24 +209,34 @@ TEST_F(AllocationFailure, databaseAnswersForTheKindsThatItHas) {
 }
 
 TEST_F(AllocationFailure, databaseKeepsItsIdentities) {
-    const auto guidOf = [](int number) {
+    const auto px = [](int number) {
         return ExternalGUID::fromPX({{1, static_cast<unsigned char>(number), static_cast<unsigned char>(number >> 8)}});
     };
-    for (const int before : {2000, 4000})
-        forEachFailure([&](const Failure_s& failure) {
+    const auto hash = [](int number) {
+        const double vertex[] = {number * 1.0, 0, 0};
+        return ExternalGUID::spatialHashFromVertexes(1, vertex);
+    };
+    const struct {
+        ExternalGUID (*guidOf)(int number);
+        int before, first, next;
+        int failed, lost; // what a failed insert answers, and how many ids it uses up
+    } cases[] = {{px, 2000, -2, -1, -1, 1}, {px, 4000, -2, -1, -1, 1}, {hash, 1024, 0, 1, 0, 0}};
+    for (const auto& c : cases)
+        forEachFailure([&c](const Failure_s& failure) {
             ExternalGUIDDatabase database;
-            for (int number = 0; number < before; ++number)
-                EXPECT_EQ(database.insertGUID(guidOf(number)), -2 - number);
-            const ExternalGUID next = guidOf(before);
+            for (int number = 0; number < c.before; ++number)
+                EXPECT_EQ(database.insertGUID(c.guidOf(number)), c.first + c.next * number);
+            const ExternalGUID guid = c.guidOf(c.before);
+            const int expected = c.first + c.next * c.before;
             int id = 0;
-            const bool failed = failure.during([&] { id = database.insertGUID(next); });
-            EXPECT_EQ(id, failed ? -1 : -2 - before);
-            EXPECT_EQ(database.findGUID(next), id);
-            for (int number = 0; number < before; ++number)
-                EXPECT_TRUE(knows(database, guidOf(number), -2 - number));
-            const int retried = database.insertGUID(next);
-            EXPECT_EQ(retried, -2 - before - (failed ? 1 : 0)) << "a failed insert uses up an id";
-            EXPECT_TRUE(knows(database, next, retried));
+            const bool failed = failure.during([&] { id = database.insertGUID(guid); });
+            EXPECT_EQ(id, failed ? c.failed : expected);
+            EXPECT_EQ(database.findGUID(guid), failed ? -1 : expected);
+            for (int number = 0; number < c.before; ++number)
+                EXPECT_TRUE(knows(database, c.guidOf(number), c.first + c.next * number));
+            const int retried = database.insertGUID(guid);
+            EXPECT_EQ(retried, expected + c.next * (failed ? c.lost : 0));
+            EXPECT_TRUE(knows(database, guid, retried));
             return failed;
         });
 }
@@ -234,7 +249,7 @@ template <typename T>
 std::wstring textOf(const T& value) {
     if constexpr (std::is_arithmetic_v<T>)
         return std::to_wstring(value);
-    else if constexpr (std::is_same_v<T, IFC2X3Property>)
+    else if constexpr (std::is_same_v<T, IFC2X3Property> || std::is_same_v<T, IFC2X3PropertySet>)
         return describe(value);
     else
         return {value.begin(), value.end()};
@@ -476,6 +491,17 @@ TEST_F(AllocationFailure, properties) {
         assigned = complex;
         return std::move(assigned);
     });
+    // Without memory for its list a set drops what is added.
+    const std::wstring some = describe(set);
+    const std::wstring emptied = L"Size/=usage{};";
+    expectAnswers("add", {L"throws", some, some + emptied, emptied, describe(complex)}, [&] {
+        IFC2X3PropertySet more = set;
+        more.addProperty(complex);
+        return more;
+    });
+    IFC2X3_PSet_RoofCommon_s roof{};
+    expectAnswers("record", {L"throws", L"", L"FireRating/=1:;IsExternal/=2:0;"},
+                  [&] { return IFC2X3_PSet_Custom_s(roof).properties; });
     const PngTexture texture(std::vector<char>(3));
     expectThrows("texture", [&] { return PngTexture(texture).getData().size() == 3; });
 }
