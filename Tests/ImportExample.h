@@ -27,7 +27,6 @@ inline std::string replaced(std::string text, const std::string& from, const std
 
 struct Result {
     int exitCode;
-    std::string output;
     std::string error;
 };
 
@@ -40,7 +39,7 @@ protected:
     Result run(const std::string& arguments) const {
         const std::string command = "'" IMPORT_HOST "' --plugin '" IFC_PLUGIN "' " + arguments + " >stdout 2>stderr";
         const int status = std::system(command.c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(file("stdout")), readFile(file("stderr"))};
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(file("stderr"))};
     }
 
     /** Imports a text as a model into the folder "state" and gives the report. */
@@ -75,13 +74,6 @@ protected:
 
 /** Changed properties in any order, as lists of identity, set, name, old and new value. */
 using PropertyChanges = std::set<json>;
-
-inline PropertyChanges changesOf(const json& edits) {
-    PropertyChanges changes;
-    for (const json& edit : edits)
-        changes.insert(json::array({edit["identity"], edit["set"], edit["name"], edit["old"], edit["new"]}));
-    return changes;
-}
 
 inline PropertyChanges changedProperties(const json& report) {
     PropertyChanges changes;

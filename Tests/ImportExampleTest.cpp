@@ -40,7 +40,10 @@ TEST_F(ImportExampleTest, EveryEditGetsItsStatus) {
         EXPECT_EQ(report["counts"][status], identities.size()) << status;
     }
     EXPECT_EQ(found.size(), 7u);
-    EXPECT_EQ(changedProperties(report), changesOf(edits["properties"]));
+    PropertyChanges changes;
+    for (const json& edit : edits["properties"])
+        changes.insert(json::array({edit["identity"], edit["set"], edit["name"], edit["old"], edit["new"]}));
+    EXPECT_EQ(changedProperties(report), changes);
     EXPECT_EQ(report["counts"]["properties"], edits["properties"].size());
     EXPECT_EQ(report["counts"]["unchanged"], first["objects"].size() - 8);
     EXPECT_NE(readFile(file("stdout")).find("Pset_WallCommon.FireRating: F90 -> F120"), std::string::npos);
@@ -55,17 +58,9 @@ TEST_F(ImportExampleTest, EveryEditGetsItsStatus) {
     }
 }
 
-TEST_F(ImportExampleTest, TheSameModelAgainIsUnchanged) {
-    const std::size_t objects = import(house_)["objects"].size();
-    EXPECT_EQ(import(house_)["counts"]["unchanged"], objects);
-    fs::create_directories(file("state/output-of-import.killed/solids"));
-    EXPECT_EQ(import(house_)["counts"]["unchanged"], objects);
-    EXPECT_FALSE(fs::exists(file("state/output-of-import.killed")));
-    EXPECT_EQ(std::distance(fs::directory_iterator(file("state/output")), fs::directory_iterator()), 16);
-}
-
 TEST_F(ImportExampleTest, MovesOfAnySizeAreMoves) {
-    const std::map<std::string, double> moves = {{"0.,0.002,0.", 0.002},
+    const std::map<std::string, double> moves = {{"0.0005,0.,0.", 0},
+                                                 {"0.,0.002,0.", 0.002},
                                                  {"0.123456,-0.7,0.3", std::hypot(0.123456, 0.7, 0.3)},
                                                  {"1000.,-731.,12.", std::hypot(1000.0, 731.0, 12.0)}};
     for (const auto& [offset, distance] : moves) {
@@ -74,14 +69,10 @@ TEST_F(ImportExampleTest, MovesOfAnySizeAreMoves) {
         import(house_);
         const json report = import(movedHouse(house_, offset));
         for (const json& object : report["objects"]) {
-            EXPECT_EQ(object["status"], "moved") << object;
-            EXPECT_NEAR(object["distance"], distance, 2e-4) << object;
+            EXPECT_EQ(object["status"], distance > 0 ? "moved" : "unchanged") << object;
+            EXPECT_NEAR(object["distance"], distance, distance > 0 ? 2e-4 : 1e-3) << object;
         }
     }
-    fs::remove_all(file("state"));
-    import(house_);
-    const json report = import(movedHouse(house_, "0.0005,0.,0."));
-    EXPECT_EQ(report["counts"]["unchanged"], report["objects"].size());
 }
 
 TEST_F(ImportExampleTest, NamesReachTheReportAsTheyAre) {
@@ -128,7 +119,6 @@ TEST_F(ImportExampleTest, BadModelsAreRefused) {
         {"", "empty"},
         {" \n", "empty"},
         {"solid cube\nendsolid", "not an IFC file"},
-        {house_.substr(0, house_.size() / 2), "truncated"},
         {house_.substr(0, house_.find("END-ISO")), "truncated"},
         {replaced(house_, "#3402,#3412", "#3402,#777777"), "#777777"},
         {replaced(house_, "IFC2X3", "IFC4"), "IFC4"},
