@@ -230,12 +230,13 @@ TEST_F(AllocationFailure, databaseKeepsItsIdentities) {
             const int expected = c.first + c.next * c.before;
             int id = 0;
             const bool failed = failure.during([&] { id = database.insertGUID(guid); });
-            EXPECT_EQ(id, failed ? c.failed : expected);
-            EXPECT_EQ(database.findGUID(guid), failed ? -1 : expected);
+            const bool isAdded = id == expected; // the tree gets by without some of its memory
+            EXPECT_TRUE(isAdded || (failed && id == c.failed)) << id;
+            EXPECT_EQ(database.findGUID(guid), isAdded ? expected : -1);
             for (int number = 0; number < c.before; ++number)
                 EXPECT_TRUE(knows(database, c.guidOf(number), c.first + c.next * number));
             const int retried = database.insertGUID(guid);
-            EXPECT_EQ(retried, expected + c.next * (failed ? c.lost : 0));
+            EXPECT_EQ(retried, expected + c.next * (isAdded ? 0 : c.lost));
             EXPECT_TRUE(knows(database, guid, retried));
             return failed;
         });

@@ -193,6 +193,8 @@ TEST_F(ImportExampleTest, BadPluginsAndPlacesAreRefused) {
     expectFailure("--report new.json --picture new.json house.ifc", 2, "same file", "usage: ");
     expectFailure("--state state .", 2, "not with a folder", "usage: ");
     expectFailure("--state state --report state/objects.state house.ifc", 2, "in the state folder", "usage: ");
+    fs::create_hard_link(file("house.ifc"), file("new.json.new"));
+    EXPECT_EQ(run("--state state --report new.json house.ifc").exitCode, 0);
     EXPECT_EQ(readFile(file("house.ifc")), house_);
 }
 

@@ -74,9 +74,11 @@ PendingFile::PendingFile(const std::string& path, const std::string& content) : 
     }
 
     target_ = fs::exists(path, error) ? fs::canonical(path, error).string() : path;
-    // Always the same name: what a killed process leaves is taken over by the next.
+    // Always the same name: what a killed process leaves is replaced by the next, and never written to, since it could be
+    // a link that somebody else put there.
     temporary_ = target_ + ".new";
-    const int file = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0666);
+    ::unlink(temporary_.c_str());
+    const int file = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (file < 0) {
         temporary_.clear();
         throw Failure(path, std::strerror(errno));
