@@ -25,7 +25,8 @@ fi
 
 mapfile -t sources < <(git ls-files -- 'DbFast/*.cpp' 'ImportSDK/*.cpp')
 said=$build/said.txt
-printf '%s\n' "${sources[@]}" | xargs -P "$(nproc)" -n 4 clang-tidy -p "$build" --quiet 2>/dev/null |
+# One source at a time: what clang-tidy says of one depends on those that it has read before.
+printf '%s\n' "${sources[@]}" | xargs -P "$(nproc)" -n 1 clang-tidy -p "$build" --quiet 2>/dev/null |
     sed -nE "s#^$root/([^:]+):([0-9]+):[0-9]+: (warning|error): (.*) \[([^],]+).*\]\$#\5 \1 line \2: \4#p" >"$said"
 cppcheck --enable=warning,performance,portability --std=c++17 --quiet -j "$(nproc)" -I DbFast/Include \
     -I ImportSDK/ImportCommon/Include --template='{id} {file} line {line}: {message}' DbFast ImportSDK 2>&1 |
