@@ -82,6 +82,7 @@ TEST(Property, textsAreCutAt256Characters) {
             reused = property;
             EXPECT_EQ(describe(reused), describe(property));
             EXPECT_STREQ(reused.getName2(), kept.c_str());
+            EXPECT_EQ(std::wstring(reused.getDescription(), 256), kept + std::wstring(256 - kept.size(), L'\0'));
         }
         EXPECT_STREQ(reused.getPropertyComplex().getUsageName2(), kept.c_str());
     }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <iterator>
 #include <random>
 #include <string>
 #include <utility>
@@ -14,7 +15,7 @@ using namespace std::string_literals;
 
 namespace {
 
-constexpr wchar_t untouchedWide = 0x7777;
+constexpr wchar_t untouchedWide = 0x77777; // which no text decodes to
 constexpr char untouchedByte = '#';
 
 /** What a codec function returned, and everything its output buffer held afterwards. */
@@ -125,22 +126,44 @@ Outcome_t<std::string> modelEncode(const std::wstring& text, std::size_t capacit
     return {k, out};
 }
 
+/** Runs of letters of one kind, of bytes that matter and of any bytes, cut off anywhere. */
+std::string randomBytes(std::mt19937& random) {
+    const std::string frequent = "\0abz\xC3\xDF\xE2\xEF\x80\xA9\xBF"s;
+    const std::size_t size = random() % (random() % 2 == 0 ? 12 : 200);
+    const unsigned int kinds = random() % 2 == 0 ? 4 : 6; // half of the texts are valid up to their end
+    std::string bytes;
+    while (bytes.size() < size) {
+        const auto kind = random() % kinds;
+        for (auto left = random() % (kind < 4 ? 60 : 4); left > 0; --left) {
+            const auto any = [&random](unsigned int first, unsigned int count) {
+                return static_cast<char>(first + random() % count);
+            };
+            const bool plain = kind == 0 || (kind == 1 && random() % 8 != 0);
+            bytes += plain ? any(1, 0x7F) : kind == 4 ? frequent[random() % frequent.size()] : any(0, 0x100);
+            if (!plain && kind < 4) {
+                bytes.back() = kind == 3 ? any(0xE0, 0x10) : any(0xC0, 0x20);
+                std::generate_n(std::back_inserter(bytes), kind == 3 ? 2 : 1, [&any] { return any(0x80, 0x40); });
+            }
+        }
+    }
+    bytes.resize(size);
+    return bytes;
+}
+
 TEST(StringOperations, agreesWithThePlainModel) {
     constexpr unsigned int seed = 20240611;
     std::cout << "seed " << seed << std::endl;
     std::mt19937 random(seed);
     const auto below = [&random](std::size_t limit) { return static_cast<std::size_t>(random()) % limit; };
-    const std::string frequent = "\0abz\xC3\xDF\xE2\xEF\x80\xA9\xBF"s;
+    const auto near = [&below](std::size_t size) { return std::max<std::size_t>(size + below(20), 10) - 10; };
     testing::internal::CaptureStderr(); // the warnings about invalid text are no use here
     for (int round = 0; round < 30000 && !HasFailure(); ++round) {
-        std::string bytes(below(12), 0);
-        const bool anyByte = below(8) == 0;
-        std::generate(bytes.begin(), bytes.end(),
-                      [&] { return anyByte ? static_cast<char>(below(256)) : frequent[below(frequent.size())]; });
-        const std::size_t capacity = below(10);
+        const std::string bytes = randomBytes(random);
         const std::size_t n = below(bytes.size() + 1);
         const std::string terminated = bytes + '\0';
-        for (const auto& [text, limit] : {std::pair(bytes, n), std::pair(terminated, SIZE_MAX)}) {
+        const std::size_t capacity = near(below(4) == 0 ? bytes.size() : modelCount(terminated, SIZE_MAX));
+        for (const auto& [text, limit] :
+             {std::pair(bytes, n), std::pair(bytes, bytes.size()), std::pair(terminated, SIZE_MAX)}) {
             EXPECT_EQ(decode(text, limit, capacity), modelDecode(text, limit, capacity)) << "round " << round;
             EXPECT_EQ(count(text, limit), modelCount(text, limit)) << "round " << round;
         }
@@ -150,9 +173,14 @@ TEST(StringOperations, agreesWithThePlainModel) {
         EXPECT_EQ(decodeString(terminated, n), expected) << "round " << round;
 
         constexpr std::size_t magnitudes[] = {1, 0x90, 0x900, 0x10010, 0x200000, 0x100000000};
-        std::wstring wide(below(12), 0);
-        std::generate(wide.begin(), wide.end(), [&] { return static_cast<wchar_t>(below(magnitudes[below(6)])); });
-        EXPECT_EQ(encode(wide, capacity), modelEncode(wide, capacity)) << "round " << round;
+        auto [stored, wide] = modelDecode(bytes, bytes.size(), bytes.size());
+        wide.resize(stored);
+        const std::size_t rarity = below(2) == 0 ? 4 : 200;
+        std::replace_if(
+            wide.begin(), wide.end(), [&](wchar_t) { return below(rarity) == 0; },
+            static_cast<wchar_t>(below(magnitudes[below(6)])));
+        const std::size_t room = near(bytes.size());
+        EXPECT_EQ(encode(wide, room), modelEncode(wide, room)) << "round " << round;
     }
     testing::internal::GetCapturedStderr();
 }

@@ -266,19 +266,21 @@ unsigned int CExternalVersion::toByteStream(unsigned int size, char* buffer) con
         return 0;
     }
     StreamWriter stream(buffer);
-    stream.put(&type_, 1);
-    if (type_ > ExternalVersionType_Geometry) {
-        return stream.size();
-    }
-    if (hasVolume()) {
+    const std::uint32_t type = type_; // the bytes of the stream might be this object's, as far as the compiler knows
+    stream.put(&type, 1);
+    switch (type) {
+    case ExternalVersionType_Solid:
         stream.put(&volume_, 1);
         stream.put(centroid_, 3);
-    }
-    if (hasDistances()) {
+        [[fallthrough]];
+    case ExternalVersionType_Geometry:
         stream.put(distances_, distanceCount);
-    }
-    if (hasBoundingBox()) {
+        [[fallthrough]];
+    case ExternalVersionType_BoundingBox:
         stream.put(boundingBox_, 3);
+        break;
+    default:
+        break;
     }
     return stream.size();
 }
@@ -291,12 +293,13 @@ void CExternalVersion::fromByteStream(unsigned int size, const char* buffer) {
         type_ = ExternalVersionType_Invalid;
         return;
     }
-    type_ = readTag(buffer);
-    if (type_ > ExternalVersionType_Geometry || !hasBoundingBox()) {
+    const std::uint32_t type = readTag(buffer);
+    type_ = type;
+    if (type > ExternalVersionType_Geometry || type == ExternalVersionType_Invalid) {
         return;
     }
     StreamReader stream(buffer + tagSize, size - tagSize);
-    if (hasVolume()) {
+    if (type == ExternalVersionType_Solid) {
         if (stream.remaining() < sizeof volume_ + sizeof centroid_) {
             volumeWarning.report();
             return;
@@ -304,7 +307,7 @@ void CExternalVersion::fromByteStream(unsigned int size, const char* buffer) {
         stream.get(&volume_, 1);
         stream.get(centroid_, 3);
     }
-    if (hasDistances()) {
+    if (type != ExternalVersionType_BoundingBox) {
         if (stream.remaining() < sizeof distances_) {
             distancesWarning.report();
             return;

@@ -2,6 +2,16 @@
 
 namespace ImportCommon {
 
+namespace {
+
+/** Apart from its caller, so that a handle with an object doesn't pay for the look whether this one has been made. */
+[[gnu::noinline]] const CExternalVersion& invalidVersion() {
+    static const CExternalVersion invalid;
+    return invalid;
+}
+
+} // namespace
+
 ExternalVersion::ExternalVersion() : version_(new CExternalVersion) {
 }
 
@@ -26,8 +36,7 @@ ExternalVersion& ExternalVersion::operator=(const ExternalVersion& other) {
 
 /** The owned object, or an invalid one for a handle without. */
 const CExternalVersion& ExternalVersion::version() const {
-    static const CExternalVersion invalid;
-    return version_ != nullptr ? *version_ : invalid;
+    return version_ != nullptr ? *version_ : invalidVersion();
 }
 
 bool ExternalVersion::operator==(const ExternalVersion& other) const {

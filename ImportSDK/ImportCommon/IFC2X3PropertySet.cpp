@@ -12,7 +12,7 @@ namespace ImportCommon {
 namespace {
 
 constexpr unsigned int growth = 50;
-constexpr unsigned int propertiesPerChunk = 4;
+constexpr unsigned int propertiesPerChunk = 8;
 
 /** What a set shows at an index that it doesn't have. */
 class CIFC2X3PropertyNull : public IFC2X3Property {};

@@ -1,4 +1,5 @@
 #include "OneTimeWarning.h"
+#include "Utf8Blocks.h"
 
 #include <ImportCommon/StringOperations.h>
 
@@ -11,6 +12,8 @@
 namespace ImportCommon {
 
 namespace {
+
+using namespace Utf8Blocks;
 
 /** Number of bytes of the sequence that a lead byte opens; 0 for a byte that opens none. */
 std::size_t sequenceLength(unsigned char lead) {
@@ -38,33 +41,11 @@ std::size_t readableLength(const unsigned char* s, std::size_t length, bool term
     return length;
 }
 
-wchar_t decodeSequence(const unsigned char* s, std::size_t length, std::size_t readable) {
-    const unsigned int second = readable > 1 ? s[1] & 0x3FU : 0;
-    if (length == 2) {
-        return static_cast<wchar_t>((s[0] & 0x1FU) << 6 | second);
-    }
-    const unsigned int third = readable > 2 ? s[2] & 0x3FU : 0;
-    return static_cast<wchar_t>((s[0] & 0x0FU) << 12 | second << 6 | third);
-}
-
-constexpr std::size_t blockSize = 8;
-
 /** Whether eight bytes are plain ASCII without a zero. */
 bool isPlain(const unsigned char* s) {
     constexpr std::uint64_t ones = 0x0101010101010101;
-    std::uint64_t block;
-    std::memcpy(&block, s, sizeof block);
+    const std::uint64_t block = wordAt(s);
     return (((block - ones) | block) & ones << 7) == 0;
-}
-
-/** Whether eight characters are plain ASCII without a zero. */
-bool isPlain(const wchar_t* w) {
-    std::uint32_t all = 0;
-    for (std::size_t i = 0; i < blockSize; ++i) {
-        const auto c = static_cast<std::uint32_t>(w[i]);
-        all |= c | (c - 1);
-    }
-    return all < 0x80;
 }
 
 /** Number of bytes before the first zero. */
@@ -76,29 +57,42 @@ std::size_t lengthOf(const unsigned char* s, std::size_t n) {
     return n == SIZE_MAX ? std::strlen(text) : strnlen(text, n);
 }
 
+constexpr std::size_t retryAfter = 64; // elements of mixed text to go through before another look for blocks
+
+enum class Outcome { finished, unfinished, invalid };
+
 /**
- * Decodes the sequences that begin in the blocks of a text, up to one that is invalid or too near the end of the text or
- * of the room for anything to be left out of account. Both numbers move on.
+ * Decodes sequence by sequence: the whole text, or up to @p last at least. It stays a function so that short texts of one
+ * kind don't pay for its registers.
  */
-void decodeBlocks(const unsigned char* s, std::size_t end, std::size_t& i, wchar_t* out, std::size_t capacity,
-                  std::size_t& stored) {
-    constexpr std::size_t longest = blockSize + 2; // with what a last sequence may take from the next block
-    while (end - i >= longest && capacity - stored >= blockSize) {
-        if (isPlain(s + i)) {
-            std::copy_n(s + i, blockSize, out + stored);
-            i += blockSize;
-            stored += blockSize;
-            continue;
+[[gnu::noinline]] Outcome decodeEach(const unsigned char* s, std::size_t n, std::size_t last, Progress& at,
+                                     wchar_t* out, std::size_t capacity) {
+    std::size_t i = at.read;
+    std::size_t stored = at.stored;
+    while (i < std::min(n, last)) {
+        const std::size_t length = sequenceLength(s[i]);
+        if (length == 0) {
+            return Outcome::invalid;
         }
-        for (const std::size_t next = i + blockSize; i < next;) {
-            const std::size_t length = sequenceLength(s[i]);
-            if (length == 0) {
-                return;
+        if (length == 1) {
+            const unsigned char byte = s[i++];
+            if (stored < capacity) {
+                out[stored++] = static_cast<wchar_t>(byte);
             }
-            out[stored++] = length == 1 ? static_cast<wchar_t>(s[i]) : decodeSequence(s + i, length, length);
-            i += length;
+            if (byte == 0) {
+                at.stored = stored;
+                return Outcome::finished;
+            }
+        } else if (stored < capacity && length <= n - i) {
+            const std::size_t readable = readableLength(s + i, length, n == SIZE_MAX);
+            out[stored++] = decodeSequence(s + i, length, readable);
+            i += readable;
+        } else {
+            ++i; // only the lead byte: what follows is met as a lead byte and ends the conversion
         }
     }
+    at = {i, stored};
+    return i < n ? Outcome::unfinished : Outcome::finished;
 }
 
 /** How much of a text a message may show without reading behind it. */
@@ -130,33 +124,41 @@ std::size_t StringOperations::StringLengthUTF8(const unsigned char* s, std::size
 
 std::size_t StringOperations::ConvertFromUTF8(const unsigned char* s, std::size_t n, wchar_t* out,
                                               std::size_t capacity) {
-    static OneTimeWarning once;
-    std::size_t stored = 0;
-    std::size_t i = 0;
-    decodeBlocks(s, lengthOf(s, n), i, out, capacity, stored);
-    while (i < n) {
-        const std::size_t length = sequenceLength(s[i]);
-        if (length == 0) {
+    std::size_t stored = decodeTriples(s, n, out, capacity); // which need not know where the text ends
+    std::size_t i = 3 * stored;
+    if (i < n && s[i] == 0) {
+        if (stored < capacity) {
+            out[stored++] = 0;
+        }
+        return stored;
+    }
+    const std::size_t zero = i + lengthOf(s + i, n == SIZE_MAX ? n : n - i);
+    const std::size_t end = zero < n ? zero + 1 : n;
+    for (;;) {
+        if (i < end) {
+            const std::size_t from = i;
+            decodeFront(s, end, i, out, capacity, stored);
+            if (i >= end) {
+                return stored; // a terminator was a character, not the continuation of one
+            }
+            if (i - from >= blockSize) {
+                continue;
+            }
+        }
+        Progress at = {i, stored};
+        const std::size_t last = i < end && end - i > retryAfter ? i + retryAfter : n;
+        const Outcome outcome = decodeEach(s, n, last, at, out, capacity);
+        if (outcome == Outcome::finished) {
+            return at.stored;
+        }
+        if (outcome == Outcome::invalid) {
+            static OneTimeWarning once;
             once.report("StringOperations::ConvertFromUTF8 error for string %.*s", shownLength(n), s);
             return 0;
         }
-        if (length == 1) {
-            const unsigned char byte = s[i++];
-            if (stored < capacity) {
-                out[stored++] = static_cast<wchar_t>(byte);
-            }
-            if (byte == 0) {
-                return stored;
-            }
-        } else if (stored < capacity && length <= n - i) {
-            const std::size_t readable = readableLength(s + i, length, n == SIZE_MAX);
-            out[stored++] = decodeSequence(s + i, length, readable);
-            i += readable;
-        } else {
-            ++i; // only the lead byte: what follows is met as a lead byte and ends the conversion
-        }
+        i = at.read;
+        stored = at.stored;
     }
-    return stored;
 }
 
 std::wstring StringOperations::ConvertFromUTF8(const unsigned char* s, std::size_t n) {
@@ -184,18 +186,16 @@ std::size_t StringOperations::ConvertToUTF8(const wchar_t* w, std::size_t n, uns
     }
     const std::size_t room = capacity - 1;
     std::size_t stored = 0;
-    std::size_t retry = 0; // a block that is not plain is left before the next one is looked at
-    for (std::size_t i = 0; i < n; ++i) {
-        if (i >= retry && n - i >= blockSize && room - stored >= blockSize) {
-            retry = i + blockSize;
-            if (isPlain(w + i)) {
-                std::transform(w + i, w + retry, out + stored, [](wchar_t c) { return static_cast<unsigned char>(c); });
-                stored += blockSize;
-                i += blockSize - 1;
-                continue;
-            }
+    std::size_t retry = 0;
+    for (std::size_t i = 0; i < n;) {
+        if (i >= retry) {
+            const Progress front = encodeFront(w + i, n - i, out + stored, room - stored);
+            i += front.read;
+            stored += front.stored;
+            retry = i + (front.read >= blockSize ? 0 : retryAfter);
+            continue;
         }
-        const auto c = static_cast<std::uint32_t>(w[i]);
+        const auto c = static_cast<std::uint32_t>(w[i++]);
         if (c < 0x80) {
             if (stored + 1 <= room) {
                 out[stored++] = static_cast<unsigned char>(c);
@@ -209,9 +209,8 @@ std::size_t StringOperations::ConvertToUTF8(const wchar_t* w, std::size_t n, uns
                 out[stored++] = static_cast<unsigned char>(0x80 | (c & 0x3F));
             }
         } else if (c < 0x10000 && stored + 3 <= room) {
-            out[stored++] = static_cast<unsigned char>(0xE0 | c >> 12);
-            out[stored++] = static_cast<unsigned char>(0x80 | (c >> 6 & 0x3F));
-            out[stored++] = static_cast<unsigned char>(0x80 | (c & 0x3F));
+            encodeTriple(c, out + stored);
+            stored += 3;
         }
     }
     out[stored] = 0;
