@@ -63,6 +63,12 @@ Hashes line(std::size_t count) {
     return hashes;
 }
 
+Hashes descendingLine(std::size_t count) {
+    Hashes hashes = line(count);
+    std::reverse(hashes.begin(), hashes.end());
+    return hashes;
+}
+
 class Tree {
 public:
     explicit Tree(const Hashes& hashes) : hashes_(hashes) {}
@@ -125,7 +131,7 @@ public:
     }
     bool find(const Hash& hash) {
         std::uint32_t nearest = 0;
-        double distance = tolerance;
+        double distance = 0;
         nanoflann::KNNResultSet<double, std::uint32_t> result(1);
         result.init(&nearest, &distance);
         search(result, hash);
@@ -231,6 +237,7 @@ const bool added = [] {
     }
     for (const std::size_t count : std::initializer_list<std::size_t>{10000, 20000, 50000, 100000}) {
         addIndex<Tree>("line", count, line, "library");
+        addIndex<Tree>("descending line", count, descendingLine, "library");
     }
     return true;
 }();

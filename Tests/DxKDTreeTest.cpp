@@ -70,7 +70,7 @@ TEST(DxKDTree, agreesWithAPlainModel) {
     const double special[] = {nan, -nan, HUGE_VAL, -HUGE_VAL, -0.0, 1e308, -1e308};
     const double steps[] = {0, 0, 0, 0.0009, -0.0009, 0.001, -0.001, 0.0099, -0.0101, 0.03, -0.03, -0.04, -0.05};
     unsigned int seed = 4200;
-    for (const std::size_t dimension : {1U, 2U, 3U, 11U}) {
+    for (const std::size_t dimension : {1U, 2U, 3U, 11U, 20U}) {
         std::cout << "dimension " << dimension << ": seed " << ++seed << "\n";
         std::mt19937 random(seed);
         const auto oneOf = [&random](const auto& values) { return values[random() % std::size(values)]; };
@@ -146,6 +146,37 @@ TEST(DxKDTree, agreesWithAPlainModelInShapes) {
         }
         ASSERT_EQ(tree.getCount(), model.size()) << shape.name;
     }
+}
+
+TEST(DxKDTree, agreesWithAPlainModelAcrossCornersOfCells) {
+    std::mt19937 random(11);
+    CDxKDTree tree(3);
+    PlainTree model;
+    for (int call = 0; call < 20000; ++call) {
+        Vector_t vector(3);
+        std::generate(vector.begin(), vector.end(), [&] { return uniform(random, 50); });
+        ASSERT_EQ(tree.insert(vector.data()), model.insert(vector)) << call;
+        for (double& component : vector)
+            component += uniform(random, 0.006) - 0.003;
+        ASSERT_EQ(tree.find(vector.data()), model.find(vector)) << call;
+    }
+}
+
+TEST(DxKDTree, whatIsNotANumberHidesNoOtherNode) {
+    CDxKDTree tree(20);
+    PlainTree model;
+    const auto insert = [&](const Vector_t& vector) { ASSERT_EQ(tree.insert(vector.data()), model.insert(vector)); };
+    const auto levelOf = [](int k) { return k < 16 ? k : k == 16 ? std::nan("") : k < 32 ? 1000 : 999.962; };
+    for (int k = 0; k < 300; ++k) {
+        Vector_t vector(20, k);
+        vector[18] = levelOf(k);
+        insert(vector);
+    }
+    Vector_t other(20, 400);
+    other[18] = 999.93;
+    insert(other);
+    other[18] -= 0.009;
+    EXPECT_EQ(tree.find(other.data()), model.find(other));
 }
 
 /** One long chain; counts the wrong answers. */

@@ -50,9 +50,9 @@ struct alignas(double) CDxKDTree::Node_s {
 };
 
 /**
- * A short cut from a node over a number of nodes that are high children of each other. A vector may take it that can't
- * match any of them and goes to the high side of all; the largest components of theirs, which stand behind this, tell.
- * What is on the high side of a node never changes, so a skip stays valid.
+ * A short cut from a node to one of those below it. On the way the sides that are taken depend on the axis alone, and it
+ * is for vectors that can't match anything on it and go to all these sides; the outermost components of its nodes, which
+ * stand behind this, tell. Nodes stay where they are, so a skip stays valid.
  */
 struct alignas(double) CDxKDTree::Skip_s {
     Node_s* target;
@@ -60,29 +60,34 @@ struct alignas(double) CDxKDTree::Skip_s {
     Skip_s* allocatedBefore;
     unsigned int level;
     unsigned int axis; // of the target
+    unsigned int low;  // bits of the axes where the way goes to the low side; 0 when there are too many axes
 
-    double* maximum() { return reinterpret_cast<double*>(this + 1); }
+    bool isLow(unsigned int i) const { return low != 0 && (low >> i & 1) != 0; }
 
-    /** Takes a vector over. What is not a number doesn't count: where it is compared nothing goes to the high side. */
+    /** The largest component where the way goes to the high side, the smallest where it goes to the low side. */
+    double* outermost() { return reinterpret_cast<double*>(this + 1); }
+
+    /** Takes a vector over. What is not a number doesn't count: whatever is compared with it goes to the low side. */
     void include(const double* vector, unsigned int dimension) {
         for (unsigned int i = 0; i < dimension; ++i) {
-            maximum()[i] = std::max(maximum()[i], vector[i]);
+            const double component = outermost()[i];
+            outermost()[i] = isLow(i) ? std::fmin(component, vector[i]) : std::fmax(component, vector[i]);
         }
     }
 
     /** Whether a vector may take it. If so, @p room is lowered to what the nodes in between leave. */
     bool mayPass(const double* vector, unsigned int dimension, bool mayMatch, double& room) {
-        double most = -highSideSlack;
+        double apart = 0;
         double least = room;
         for (unsigned int i = 0; i < dimension; ++i) {
-            const double above = vector[i] - maximum()[i];
-            if (!(above >= -highSideSlack)) {
+            const double difference = vector[i] - outermost()[i];
+            if (isLow(i) ? !(difference < -highSideSlack) : !(difference >= -highSideSlack)) {
                 return false;
             }
-            most = std::max(most, above);
-            least = std::min(least, above + highSideSlack);
+            apart = std::max(apart, isLow(i) ? -difference : difference);
+            least = std::min(least, std::fabs(difference + highSideSlack));
         }
-        if (mayMatch && most < matchTolerance) {
+        if (mayMatch && apart < matchTolerance) {
             return false;
         }
         room = least;
@@ -103,23 +108,62 @@ struct CDxKDTree::Block_s {
 };
 
 /**
- * The nodes of a descent that are high children of each other. Sorted input makes them very many, so skips are laid over
- * them: over 16 nodes, over 16 of those skips, and so on, each when a descent comes by where it ends.
+ * The last nodes of a descent, as long as each axis has its side. Sorted input makes them very many, so skips are laid
+ * over them: over 16 nodes, over 16 of those skips, and so on, each when a descent comes by where it ends.
  */
 class CDxKDTree::Node_s::Chain {
 public:
-    Chain(Node_s* head, Skip_s*& skips, unsigned int dimension) : head_(head), skips_(skips), dimension_(dimension) {}
+    Chain(Node_s* root, Skip_s*& skips, unsigned int dimension) : skips_(skips), dimension_(dimension) { begin(root); }
+
+    /** The descent goes from a node to a child, which may be null. */
+    void step(Node_s* node, unsigned int axis, bool high, Node_s* child, unsigned int childAxis) {
+        // Sixteen nodes must have all axes among them, or a skip over them would not know its sides.
+        if (dimension_ <= skipLength) {
+            follow(node, 1U << axis, high ? 0 : 1U << axis);
+        } else if (!high) {
+            begin(child);
+            return;
+        }
+        if (child != nullptr) {
+            advance(child, 1, childAxis);
+        }
+    }
+
+    /** The descent takes a skip. */
+    void step(Node_s* node, const Skip_s& skip) {
+        if (dimension_ <= skipLength) {
+            follow(node, (1U << dimension_) - 1, skip.low);
+        }
+        advance(skip.target, skipLength << (levelBits * skip.level), skip.axis);
+    }
+
+private:
+    static constexpr unsigned int levelBits = 4;
+    static constexpr unsigned int skipLength = 1U << levelBits;
+    static constexpr unsigned int longChain = 8 * skipLength;
+    static constexpr unsigned int levels = 7; // a longer one would not fit a count of nodes
 
     void begin(Node_s* head) {
         head_ = head;
         length_ = 0;
+        known_ = 0;
+        low_ = 0;
+    }
+
+    /** Takes over to which side it goes on some axes; a chain that went to the other one ends at the node. */
+    void follow(Node_s* node, unsigned int axes, unsigned int low) {
+        if (((low_ ^ low) & known_ & axes) != 0) {
+            begin(node);
+        }
+        known_ |= axes;
+        low_ |= low;
     }
 
     /** The descent arrived at a node that is @p count nodes further. */
     void advance(Node_s* node, unsigned int count, unsigned int axis) {
         length_ += count;
         unsigned int unit = skipLength;
-        for (unsigned int level = 0; length_ % unit == 0 && level < levels; ++level, unit *= skipLength) {
+        for (unsigned int level = 0; level < levels && length_ % unit == 0; ++level, unit *= skipLength) {
             if (unit > count) { // else there is a skip already, the one that the descent took
                 addSkip(length_ == unit ? head_ : starts_[level], node, level, axis);
             }
@@ -127,27 +171,29 @@ public:
         }
     }
 
-    static unsigned int lengthOf(const Skip_s& skip) { return skipLength << (levelBits * skip.level); }
-
-private:
-    static constexpr unsigned int levelBits = 4;
-    static constexpr unsigned int skipLength = 1U << levelBits;
-    static constexpr unsigned int levels = 7; // a longer one would not fit a count of nodes
-
     /** Adds a skip from one node to another unless there is one. Without memory the way stays as long as it is. */
     void addSkip(Node_s* start, Node_s* end, unsigned int level, unsigned int axis) {
         const bool isThere = start->skip != nullptr && start->skip->level >= level;
-        if (isThere || (level > 0 && !isSkipped(start, end, level - 1))) {
+        const bool isRare = low_ != 0 && length_ < longChain; // few vectors would take it, and all have to look at it
+        if (isThere || isRare || (level > 0 && !isSkipped(start, end, level - 1))) {
             return;
         }
         void* memory = std::malloc(sizeof(Skip_s) + sizeof(double) * dimension_);
         if (memory == nullptr) {
             return;
         }
-        Skip_s* added = new (memory) Skip_s{end, start->skip, skips_, level, axis};
-        std::memcpy(added->maximum(), start->vector(), sizeof(double) * dimension_);
-        for (Node_s* node = start; node != end; node = level > 0 ? node->skip->target : node->high) {
-            added->include(level > 0 ? node->skip->maximum() : node->vector(), dimension_);
+        Skip_s* added = new (memory) Skip_s{end, start->skip, skips_, level, axis, low_};
+        std::memcpy(added->outermost(), start->vector(), sizeof(double) * dimension_);
+        if (level > 0) {
+            for (Node_s* node = start; node != end; node = node->skip->target) {
+                added->include(node->skip->outermost(), dimension_);
+            }
+        } else {
+            unsigned int nodeAxis = (axis + skipLength * (dimension_ - 1)) % dimension_; // 16 nodes before
+            for (Node_s* node = start; node != end; nodeAxis = (nodeAxis + 1) % dimension_) {
+                added->include(node->vector(), dimension_);
+                node = added->isLow(nodeAxis) ? node->low : node->high;
+            }
         }
         start->skip = added;
         skips_ = added;
@@ -155,17 +201,22 @@ private:
 
     /** Whether skips of a level lead from one node to another. */
     static bool isSkipped(const Node_s* start, const Node_s* end, unsigned int level) {
-        while (start != end && start->skip != nullptr && start->skip->level == level) {
+        for (unsigned int i = 0; i < skipLength; ++i) {
+            if (start->skip == nullptr || start->skip->level != level) {
+                return false;
+            }
             start = start->skip->target;
         }
         return start == end;
     }
 
-    Node_s* head_;
+    Node_s* head_ = nullptr;
     Skip_s*& skips_;
     unsigned int dimension_;
     unsigned int length_ = 0;
-    Node_s* starts_[levels];
+    unsigned int known_ = 0; // bits of the axes whose side is known
+    unsigned int low_ = 0;   // and of those where it is the low one
+    Node_s* starts_[levels] = {};
 };
 
 CDxKDTree::CDxKDTree(unsigned int dimension) : dimension_(dimension) {
@@ -271,8 +322,11 @@ bool CDxKDTree::isFinite(const double* vector) const {
 
 /** The id of the match of a vector, NotFound, or unsure. */
 unsigned int CDxKDTree::recall(const double* vector, std::uint64_t cell) const {
-    if (count_ == 0 || cells_ == nullptr) {
-        return count_ == 0 ? NotFound : unsure;
+    if (count_ == 0) {
+        return NotFound;
+    }
+    if (cells_ == nullptr) {
+        return unsure;
     }
     // Who is on the vector's way for sure, and who may be. The first on any way has the lowest id.
     unsigned int match = NotFound;
@@ -345,9 +399,9 @@ CDxKDTree::Way_s CDxKDTree::descend(const double* vector, bool mayMatch) {
             skip = skip->shorter;
         }
         if (skip != nullptr) {
+            chain.step(node, *skip);
             node = skip->target;
             axis = skip->axis;
-            chain.advance(node, Node_s::Chain::lengthOf(*skip), axis);
             continue;
         }
         // Which child it will be is as good as random, and waiting for either is what a descent's time goes to.
@@ -361,13 +415,10 @@ CDxKDTree::Way_s CDxKDTree::descend(const double* vector, bool mayMatch) {
         const bool high = difference >= -highSideSlack;
         way.room = std::min(way.room, std::fabs(difference + highSideSlack));
         way.place = high ? &node->high : &node->low;
+        const unsigned int nextAxis = axis + 1 == dimension_ ? 0 : axis + 1;
+        chain.step(node, axis, high, *way.place, nextAxis);
         node = *way.place;
-        axis = axis + 1 == dimension_ ? 0 : axis + 1;
-        if (!high) {
-            chain.begin(node);
-        } else if (node != nullptr) {
-            chain.advance(node, 1, axis);
-        }
+        axis = nextAxis;
     }
     way.match = node;
     return way;

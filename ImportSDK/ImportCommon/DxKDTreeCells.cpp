@@ -13,7 +13,7 @@ constexpr unsigned int axes = CDxKDTreeCells::axes;
 // vectors are near a side of one.
 constexpr double cellsPerUnit[axes] = {4, 4, 4, 0.5, 0.5, 0.5, 0.5, 0.5, 0.5, 0.5, 0.5};
 
-// Of equal components at most one is near a side, and none of the first that is a multiple of a quarter.
+// Of equal components few are near a side at once, and none of the first that is a multiple of a quarter.
 constexpr double shifts[axes] = {0,        1.0 / 11, 2.0 / 11, 3.0 / 11, 4.0 / 11, 5.0 / 11,
                                  6.0 / 11, 7.0 / 11, 8.0 / 11, 9.0 / 11, 10.0 / 11};
 
@@ -24,8 +24,8 @@ constexpr std::uint32_t factors[axes] = {0x9E3779B9, 0x85EBCA6B, 0xC2B2AE35, 0x2
 constexpr double noFraction = 6755399441055744; // 1.5 times 2 to the 52nd
 
 /**
- * The share of a component in the number of its cell. The sum is so large that it has no fraction, and never decreases
- * from one component to a larger one, whatever is rounded on the way.
+ * The share of a component in the number of its cell. The sum is so large that, unless the component is too, it has no
+ * fraction; and it never decreases from one component to a larger one, whatever is rounded on the way.
  */
 std::uint64_t shareOf(double component, unsigned int axis) {
     const double sum = component * cellsPerUnit[axis] + shifts[axis] + noFraction;

@@ -15,7 +15,7 @@ namespace ImportCommon {
 /**
  * Space in cells, a quarter of a unit wide where it matters most, and a hash table of the nodes in them.
  *
- * What a vector may match is in its own cell or, since the tolerance is small, in a neighbour that it is near to. All
+ * What a vector may match is in its own cell or, since the tolerance is small, in a neighbour that it is near to. Eleven
  * components count, so that equal objects in different places and different objects in the same place are told apart. A
  * cell takes so many nodes; then it is full and says so, since a descent is faster than looking at all of them.
  */

@@ -17,11 +17,12 @@ class CDxKDTreeCells;
  * Stores vectors of doubles and finds one that matches a given vector: the sum of absolute differences is below 0.01.
  *
  * A look-up is one descent without backtracking, so a match on the far side of a split is not found. Nodes are numbered
- * in the order of insertion, from 0, and are never removed. Vectors with a component that is not a number match nothing;
+ * in the order of insertion, from 0, and are never removed. Vectors with a component that is not finite match nothing;
  * in a tree of dimension 0 everything matches. Not safe for use by several threads at a time.
  *
  * Insertions leave work for the first look-up of a vector that is close to a stored one without being equal, a descent
- * for each node: at a million nodes it may take seconds.
+ * for each node: at a million nodes it may take seconds, and longer when their order makes the tree one long chain that
+ * goes to and fro.
  */
 class IMPORT_COMMON_API CDxKDTree {
 public:

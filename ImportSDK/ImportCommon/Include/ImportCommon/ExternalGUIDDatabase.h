@@ -26,7 +26,10 @@ enum ExternalGUIDRuntimeID_e : int {
  */
 class IMPORT_COMMON_API ExternalGUIDDatabase {
 public:
-    /** An empty database. A kind whose table could not be created for lack of memory answers -1. */
+    /**
+     * An empty database. A kind whose table could not be created for lack of memory answers -1, and all of them do when
+     * there was none for the database itself.
+     */
     ExternalGUIDDatabase();
     ~ExternalGUIDDatabase();
 
