@@ -21,8 +21,9 @@ BARS = [
     ("tables/find int", "1000000", None, 0.8),
     ("tables/delete and insert", "1000000", None, 0.8),
     ("tables/scan", "1000000", None, 1.5),
-    *((f"tree/{work} {objects}", size, None, 0.05)
-      for objects in ("random", "lattice") for work in ("register", "find") for size in ("20000", "100000")),
+    *((f"tree/{work} {objects}", size, beside, 0.05)
+      for objects in ("random", "lattice") for work in ("register", "find") for size in ("20000", "100000")
+      for beside in ("nanoflann, nearest", "nanoflann, radius")),
     *((f"text/{work} {kind}", "names", None, 0.5) for kind in ("ASCII", "Latin", "CJK") for work in ("decode", "encode")),
     *((f"text/{work} ASCII", "1 MiB", "widening or narrowing copy", 2.0) for work in ("decode", "encode")),
     ("properties/convert a wall", "8", None, 1.5),
@@ -132,7 +133,8 @@ def memoryTable(results):
 
 def growthTable(results):
     rows = []
-    for work in ("tree/register line", "tree/find line", "tree/find moved line"):
+    for work in ("tree/register line", "tree/find line", "tree/find moved line",
+                 "tree/find moved descending line"):
         for size in results.sizes(work):
             half = str(int(size) // 2)
             now, before = results.times[(work, size, "library")], results.times.get((work, half, "library"))
