@@ -191,7 +191,7 @@ def machineText(results):
     caches = ", ".join(f"L{cache['level']} {cache['size'] / 1048576:g} MiB" for cache in context["caches"]
                        if cache["type"] in ("Unified", "Data"))
     return (f"{context['date'][:10]}, {context['num_cpus']} processors of {context['mhz_per_cpu']} MHz ({caches}), "
-            f"Release build. Medians of three runs, in processor time.")
+            f"Release build. Medians of three runs or more, in processor time.")
 
 
 def main():

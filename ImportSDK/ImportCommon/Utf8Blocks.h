@@ -227,7 +227,7 @@ inline Progress encodePairs(const wchar_t* w, std::size_t n, unsigned char* out,
     const auto encode = [&stored, out](wchar_t wide) {
         const auto c = static_cast<std::uint32_t>(wide);
         std::memcpy(out + stored, pairCodes.bytes[c], 2); // the second byte of ASCII is where the text ends or goes on
-        stored += 1 + static_cast<std::size_t>(c >= 0x80);
+        stored += 1 + ((0x7F - c) >> 31); // one more when that is negative; a comparison would become a branch
     };
     std::size_t storedBehind[blockSize];
     for (std::size_t i = 0; i < blockSize; ++i) {
