@@ -2,8 +2,8 @@
  * @file BenchmarkSupport.h
  * What the benchmarks share: their names, their data and the memory of the process.
  *
- * A benchmark is called AREA/WORK/SIZE/CONTENDER, and the library's own contender is called "library". The report
- * divides its time by that of the best other contender of the same AREA/WORK/SIZE.
+ * A benchmark is called AREA/TASK/SIZE/CONTENDER, and the library's own contender is called "library". The report
+ * divides its time by that of the best other contender of the same AREA/TASK/SIZE.
  */
 #pragma once
 

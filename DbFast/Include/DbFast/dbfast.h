@@ -95,7 +95,7 @@ typedef struct dbf_cursor dbf_cursor;
  *
  * @param tablespec   initial room and rows per bucket; read during the call only
  * @param fieldspecs  at least one field, ended by a record of type DBF_END; read during the call only
- * @return the table, owned by the caller until dbf_droptable; null for an invalid specification or without memory
+ * @return the table, owned by the caller until dbf_droptable; null when one of these is not valid, or without memory
  */
 DBFAST_API dbf_table* dbf_createtable(const dbf_tablespec* tablespec, const dbf_fieldspec* fieldspecs);
 
@@ -153,7 +153,7 @@ DBFAST_API int dbf_delete(dbf_index* index, const void* row);
  * @param table      the table
  * @param indexspec  kind and uniqueness; read during the call only
  * @param keyfields  numbers of the key fields; read during the call only
- * @return the index, owned by the table; null for an invalid specification or without memory
+ * @return the index, owned by the table; null when one of these is not valid, or without memory
  */
 DBFAST_API dbf_index* dbf_createindex(dbf_table* table, const dbf_indexspec* indexspec, const int32_t* keyfields);
 
