@@ -1,16 +1,13 @@
 // The table store beside containers that find a row by a number and by 22 characters.
 
-#include "KeyStores.h"
+#include "KeyStoreBenchmark.h"
 
 #include <DbFast/dbfast.h>
-
-#include <memory>
-#include <numeric>
 
 namespace {
 
 /** A table with the functions of the other stores. */
-class Table {
+class Table : public KeyedByText {
 public:
     Table()
         : table_(dbf_createtable(&tableSpec, fieldSpecs)),
@@ -51,86 +48,14 @@ private:
     dbf_index* byKey_;
 };
 
-struct Inputs {
-    std::vector<Key> keys;
-    std::vector<Key> keysAtRandom;
-    std::vector<std::int32_t> idsAtRandom;
-
-    explicit Inputs(std::size_t count) : keys(randomKeys(count)), keysAtRandom(shuffled(keys)), idsAtRandom(count) {
-        std::iota(idsAtRandom.begin(), idsAtRandom.end(), 0);
-        idsAtRandom = shuffled(std::move(idsAtRandom));
-    }
-};
-
-const Inputs& inputsOf(std::size_t count) {
-    static std::unique_ptr<Inputs> inputs;
-    if (!inputs || inputs->keys.size() != count) {
-        inputs = std::make_unique<Inputs>(count);
-    }
-    return *inputs;
-}
-
-template <typename Store>
-void fill(Store& store, const std::vector<Key>& keys) {
-    std::int32_t id = 0;
-    for (const Key& key : keys) {
-        benchmark::DoNotOptimize(store.findOrInsert(id++, key));
-    }
-}
-
-template <typename Store>
-Store& filledStore(std::size_t count) {
-    static std::size_t size = 0;
-    static std::unique_ptr<Store> store;
-    if (size != count) {
-        store.reset();
-        store = std::make_unique<Store>();
-        fill(*store, inputsOf(count).keys);
-        size = count;
-    }
-    return *store;
-}
-
-template <typename Store>
-void insertAll(benchmark::State& state, std::size_t count) {
-    const Inputs& inputs = inputsOf(count);
-    for (auto _ : state) {
-        auto store = std::make_unique<Store>();
-        fill(*store, inputs.keys);
-        state.PauseTiming();
-        store.reset();
-        state.ResumeTiming();
-    }
-}
-
-template <typename Store>
-void findAll(benchmark::State& state, std::size_t count) {
-    const Store& store = filledStore<Store>(count);
-    for (auto _ : state) {
-        for (const Key& key : inputsOf(count).keysAtRandom) {
-            benchmark::DoNotOptimize(store.find(key));
-        }
-    }
-}
-
-template <typename Store>
-void findAllById(benchmark::State& state, std::size_t count) {
-    const Store& store = filledStore<Store>(count);
-    for (auto _ : state) {
-        for (const std::int32_t id : inputsOf(count).idsAtRandom) {
-            benchmark::DoNotOptimize(store.keyOf(id));
-        }
-    }
-}
-
 /** Deletes half of the rows in random order and inserts them again; an operation is one of the two. */
 template <typename Store>
 void replaceHalf(benchmark::State& state, std::size_t count) {
     Store& store = filledStore<Store>(count);
-    const Inputs& inputs = inputsOf(count);
+    const std::vector<Key> keys = shuffled(keysOf(count));
     std::vector<Pair> half;
     for (std::size_t i = 0; i < count / 2; ++i) {
-        half.push_back({store.find(inputs.keysAtRandom[i]), inputs.keysAtRandom[i]});
+        half.push_back({store.find(keys[i]), keys[i]});
     }
     for (auto _ : state) {
         for (const Pair& pair : half) {

@@ -3,7 +3,7 @@
 // Every contender reads its inputs in the order of memory: the library identity objects, the others 22 characters. By
 // runtime id the library makes an identity object, the others copy 22 characters.
 
-#include "KeyStores.h"
+#include "KeyStoreBenchmark.h"
 
 #include <ImportCommon/ExternalGUIDDatabase.h>
 
@@ -12,8 +12,6 @@
 #include <unistd.h>
 
 #include <fstream>
-#include <memory>
-#include <numeric>
 
 using namespace ImportCommon;
 
@@ -22,7 +20,7 @@ namespace {
 /** The library, with the functions of the other stores. */
 class Database {
 public:
-    static std::vector<ExternalGUID> inputs(const std::vector<Key>& keys) {
+    static std::vector<ExternalGUID> inputsOf(const std::vector<Key>& keys) {
         std::vector<ExternalGUID> guids;
         guids.reserve(keys.size());
         for (const Key& key : keys) {
@@ -38,80 +36,6 @@ private:
     ExternalGUIDDatabase database_;
 };
 
-std::vector<Key> inputsOf(const std::vector<Key>& keys, const void*) {
-    return keys;
-}
-
-std::vector<ExternalGUID> inputsOf(const std::vector<Key>& keys, const Database*) {
-    return Database::inputs(keys);
-}
-
-const std::vector<Key>& keysOf(std::size_t count) {
-    static std::vector<Key> keys;
-    if (keys.size() != count) {
-        keys = randomKeys(count);
-    }
-    return keys;
-}
-
-template <typename Store, typename Inputs>
-void fill(Store& store, const Inputs& inputs) {
-    std::int32_t id = -2;
-    for (const auto& input : inputs) {
-        benchmark::DoNotOptimize(store.findOrInsert(id--, input));
-    }
-}
-
-/** A store of that many keys, kept for the next benchmark. */
-template <typename Store>
-Store& filledStore(std::size_t count) {
-    static std::size_t size = 0;
-    static std::unique_ptr<Store> store;
-    if (size != count) {
-        store.reset();
-        store = std::make_unique<Store>();
-        fill(*store, inputsOf(keysOf(count), store.get()));
-        size = count;
-    }
-    return *store;
-}
-
-template <typename Store>
-void registerAll(benchmark::State& state, std::size_t count) {
-    const auto inputs = inputsOf(keysOf(count), static_cast<Store*>(nullptr));
-    for (auto _ : state) {
-        auto store = std::make_unique<Store>();
-        fill(*store, inputs);
-        state.PauseTiming();
-        store.reset();
-        state.ResumeTiming();
-    }
-}
-
-template <typename Store>
-void findAll(benchmark::State& state, std::size_t count) {
-    Store& store = filledStore<Store>(count);
-    const auto inputs = inputsOf(shuffled(keysOf(count)), &store);
-    for (auto _ : state) {
-        for (const auto& input : inputs) {
-            benchmark::DoNotOptimize(store.find(input));
-        }
-    }
-}
-
-template <typename Store>
-void findAllById(benchmark::State& state, std::size_t count) {
-    Store& store = filledStore<Store>(count);
-    std::vector<std::int32_t> ids(count);
-    std::iota(ids.rbegin(), ids.rend(), -1 - static_cast<std::int32_t>(count));
-    ids = shuffled(std::move(ids));
-    for (auto _ : state) {
-        for (const std::int32_t id : ids) {
-            benchmark::DoNotOptimize(store.keyOf(id));
-        }
-    }
-}
-
 double residentBytes() {
     std::size_t total = 0;
     std::size_t resident = 0;
@@ -122,7 +46,7 @@ double residentBytes() {
 /** Memory that a store takes, measured in a process of its own so that no store finds what another left behind. */
 template <typename Store>
 void measureMemory(benchmark::State& state, std::size_t count) {
-    const auto inputs = inputsOf(keysOf(count), static_cast<Store*>(nullptr));
+    const auto inputs = Store::inputsOf(keysOf(count));
     double bytes = 0;
     for (auto _ : state) {
         int ends[2];
@@ -140,11 +64,15 @@ void measureMemory(benchmark::State& state, std::size_t count) {
             _exit(write(ends[1], &taken, sizeof taken) == sizeof taken ? 0 : 1);
         }
         close(ends[1]);
-        if (read(ends[0], &bytes, sizeof bytes) != sizeof bytes) {
-            state.SkipWithError("the child process failed");
-        }
+        const bool isMeasured = child > 0 && read(ends[0], &bytes, sizeof bytes) == sizeof bytes;
         close(ends[0]);
-        waitpid(child, nullptr, 0);
+        if (child > 0) {
+            waitpid(child, nullptr, 0);
+        }
+        if (!isMeasured) {
+            state.SkipWithError("the child process failed");
+            return;
+        }
     }
     state.counters["bytes"] = bytes / static_cast<double>(count);
 }
@@ -157,7 +85,7 @@ void addStore(const Store*, std::size_t count, const std::string& name) {
                             [run, count](benchmark::State& state) { run(state, count); });
     };
     add("memory", measureMemory<Store>)->Iterations(1)->Repetitions(1);
-    add("register", registerAll<Store>);
+    add("register", insertAll<Store>);
     add("find", findAll<Store>);
     add("find by id", findAllById<Store>);
 }

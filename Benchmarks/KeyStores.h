@@ -27,13 +27,18 @@ struct Pair {
     Key key;
 };
 
+/** A store that is given the 22 characters themselves. */
+struct KeyedByText {
+    static const std::vector<Key>& inputsOf(const std::vector<Key>& keys) { return keys; }
+};
+
 struct StdHash {
     std::size_t operator()(const Key& key) const { return std::hash<std::string_view>()(key.view()); }
 };
 
 /** Two hash maps, one by key and one by number. */
 template <typename ByKey, typename ById>
-class TwoMaps {
+class TwoMaps : public KeyedByText {
 public:
     /** The number of a key; one that is new gets @p id. */
     std::int32_t findOrInsert(std::int32_t id, const Key& key) {
@@ -76,7 +81,7 @@ using FlatHashMaps = TwoMaps<absl::flat_hash_map<Key, std::int32_t, AbslHash>, a
 
 #ifdef HAVE_BOOST
 /** One container with two hashed unique indexes. */
-class MultiIndex {
+class MultiIndex : public KeyedByText {
 public:
     std::int32_t findOrInsert(std::int32_t id, const Key& key) { return pairs_.insert({id, key}).first->id; }
     std::int32_t find(const Key& key) const {
@@ -98,7 +103,7 @@ private:
 
 #ifdef HAVE_SQLITE
 /** A table in memory with two unique indexes, statements prepared, everything in one transaction. */
-class SqliteTable {
+class SqliteTable : public KeyedByText {
 public:
     SqliteTable() {
         check(sqlite3_open(":memory:", &database_));
