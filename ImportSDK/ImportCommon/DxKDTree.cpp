@@ -116,11 +116,11 @@ public:
     Chain(Node_s* root, Skip_s*& skips, unsigned int dimension) : skips_(skips), dimension_(dimension) { begin(root); }
 
     /** The descent goes from a node to a child, which may be null. */
-    void step(Node_s* node, unsigned int axis, bool high, Node_s* child, unsigned int childAxis) {
+    void step(Node_s* node, unsigned int axis, bool isHigh, Node_s* child, unsigned int childAxis) {
         // Sixteen nodes must have all axes among them, or a skip over them would not know its sides.
         if (dimension_ <= skipLength) {
-            follow(node, 1U << axis, high ? 0 : 1U << axis);
-        } else if (!high) {
+            follow(node, 1U << axis, isHigh ? 0 : 1U << axis);
+        } else if (!isHigh) {
             begin(child);
             return;
         }
@@ -130,11 +130,11 @@ public:
     }
 
     /** The descent takes a skip. */
-    void step(Node_s* node, const Skip_s& skip) {
+    void step(Node_s* node, const Skip_s& taken) {
         if (dimension_ <= skipLength) {
-            follow(node, (1U << dimension_) - 1, skip.low);
+            follow(node, (1U << dimension_) - 1, taken.low);
         }
-        advance(skip.target, skipLength << (levelBits * skip.level), skip.axis);
+        advance(taken.target, skipLength << (levelBits * taken.level), taken.axis);
     }
 
 private:
@@ -151,12 +151,12 @@ private:
     }
 
     /** Takes over to which side it goes on some axes; a chain that went to the other one ends at the node. */
-    void follow(Node_s* node, unsigned int axes, unsigned int low) {
-        if (((low_ ^ low) & known_ & axes) != 0) {
+    void follow(Node_s* node, unsigned int axes, unsigned int lowAxes) {
+        if (((low_ ^ lowAxes) & known_ & axes) != 0) {
             begin(node);
         }
         known_ |= axes;
-        low_ |= low;
+        low_ |= lowAxes;
     }
 
     /** The descent arrived at a node that is @p count nodes further. */
