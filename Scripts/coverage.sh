@@ -10,7 +10,7 @@ build=${1:-$root/build/coverage}
 "$root/Scripts/install-packages.sh" g++ cmake ninja-build libassimp-dev libgtest-dev nlohmann-json3-dev gcovr
 
 mkdir -p "$build"
-options=(-DCMAKE_BUILD_TYPE=Debug -DIMPORTCOMMON_BUILD_BENCHMARKS=OFF -DIMPORTCOMMON_COVERAGE=ON)
+options=(-DCMAKE_CXX_COMPILER=g++ -DCMAKE_C_COMPILER=gcc -DCMAKE_BUILD_TYPE=Debug -DIMPORTCOMMON_BUILD_BENCHMARKS=OFF -DIMPORTCOMMON_COVERAGE=ON)
 if ! { cmake -S "$root" -B "$build" -G Ninja "${options[@]}" && cmake --build "$build"; } >"$build/build.log" 2>&1; then
     cat "$build/build.log" >&2
     echo "coverage.sh: the build failed" >&2
@@ -38,6 +38,10 @@ left() {
 }
 lines=$(percent "$build/lines.txt")
 branches=$(percent "$build/branches.txt")
+if ! [[ $lines =~ ^[0-9]+$ && $branches =~ ^[0-9]+$ ]]; then
+    echo "coverage.sh: there are no figures, see $build" >&2
+    exit 1
+fi
 echo "Lines:    $lines % ($(total "$build/lines.txt"))"
 echo "Branches: $branches % ($(total "$build/branches.txt"))"
 echo "Lines that no test reaches:"

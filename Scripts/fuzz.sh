@@ -28,7 +28,7 @@ fi
 if [ $# -gt 0 ]; then
     targets=("$@")
 else
-    mapfile -t targets < <(find "$build/Fuzz/bin" -maxdepth 1 -type f -executable -printf '%f\n' | sort)
+    mapfile -t targets < <(ls "$root/Fuzz/Corpus") # there is a folder for each
 fi
 findings=$build/findings
 mkdir -p "$findings"

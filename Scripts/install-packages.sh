@@ -31,8 +31,8 @@ fi
 echo "Installing ${missing[*]}"
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
-export DEBIAN_FRONTEND=noninteractive
-if ! { "${become_root[@]}" apt-get update && "${become_root[@]}" apt-get install -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
+apt=("${become_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -o Acquire::Retries=3)
+if ! { "${apt[@]}" update && "${apt[@]}" install -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
     tail -n 5 "$log" >&2
     echo "install-packages: apt-get could not install ${missing[*]}" >&2
     exit 1

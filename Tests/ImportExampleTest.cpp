@@ -175,6 +175,9 @@ TEST_F(ImportExampleTest, BadPluginsAndPlacesAreRefused) {
     expectFailure("--state house.ifc/state house.ifc", 1, "house.ifc/state: ", "Not a directory");
     const std::pair<const char*, const char*> faults[] = {{"crash", "crashed"},
                                                           {"exit", "ended the process"},
+                                                          {"quit", "ended the process"},
+                                                          {"shout", "crashed"},
+                                                          {"leave", "gave 77"},
                                                           {"throw", "out of order"},
                                                           {"fail", "gave 77"},
                                                           {"silence", "bad.so"}};

@@ -10,6 +10,13 @@
 
 namespace {
 
+double toCoordinate(std::string_view text) {
+    const double coordinate = toDouble(text);
+    if (!std::isfinite(coordinate))
+        throw std::runtime_error("a coordinate is not finite");
+    return coordinate;
+}
+
 using Polygon = std::vector<Point>;
 
 /** Faces that cover less than this, in square metres, stand upright or are too small to be seen. */
@@ -97,9 +104,7 @@ void readLine(std::string_view line, std::vector<Collector>& objects) {
         throw std::runtime_error("a vertex lacks a coordinate");
     Polygon vertices;
     for (std::size_t i = 0; i < coordinates.size(); i += 3) {
-        vertices.push_back({toDouble(coordinates[i]), toDouble(coordinates[i + 1])});
-        if (!std::isfinite(vertices.back().x) || !std::isfinite(vertices.back().y))
-            throw std::runtime_error("a coordinate is not finite");
+        vertices.push_back({toCoordinate(coordinates[i]), toCoordinate(coordinates[i + 1])});
     }
     object.points.insert(object.points.end(), vertices.begin(), vertices.end());
 
@@ -162,7 +167,7 @@ Footprint footprintFromText(std::string_view text) {
             throw std::runtime_error("a point lacks a coordinate");
         Polygon polygon;
         for (std::size_t i = 0; i < coordinates.size(); i += 2)
-            polygon.push_back({toDouble(coordinates[i]), toDouble(coordinates[i + 1])});
+            polygon.push_back({toCoordinate(coordinates[i]), toCoordinate(coordinates[i + 1])});
         footprint.push_back(std::move(polygon));
     }
     return footprint;

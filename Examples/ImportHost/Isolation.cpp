@@ -1,7 +1,9 @@
 #include "Isolation.h"
 
 #include "Failure.h"
+#include "StderrCapture.h"
 
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,27 +20,31 @@
 
 namespace {
 
-/** The child: writes what went wrong to the pipe, and ends without the parent's clean-up. */
-[[noreturn]] void work(const std::function<void()>& work, int pipe) {
+constexpr char succeeded = '+'; // what the child tells last; or '-', and what went wrong
+
+/** The child: tells how it went, and ends without the parent's clean-up. */
+[[noreturn]] void runChild(const std::function<void()>& function, int pipeEnd, [[maybe_unused]] pid_t parent) {
 #if defined(__linux__)
     ::prctl(PR_SET_PDEATHSIG, SIGKILL); // a host that is killed takes its import along
+    if (::getppid() != parent)
+        ::_exit(1); // it was killed before that
 #endif
-    std::string failure;
+    std::string outcome(1, succeeded);
     try {
-        work();
+        function();
     } catch (const std::exception& e) {
-        failure = e.what();
+        outcome = std::string("-") + e.what();
     }
     std::fflush(stdout);
-    const bool told = failure.empty() || ::write(pipe, failure.data(), failure.size()) >= 0;
+    const bool told = ::write(pipeEnd, outcome.data(), outcome.size()) == static_cast<ssize_t>(outcome.size());
     ::_exit(told ? 0 : 1);
 }
 
-std::string readToEnd(int pipe) {
+std::string readToEnd(int pipeEnd) {
     std::string text;
     char block[4096];
     for (;;) {
-        const ssize_t size = ::read(pipe, block, sizeof block);
+        const ssize_t size = ::read(pipeEnd, block, sizeof block);
         if (size > 0)
             text.append(block, static_cast<std::size_t>(size));
         else if (size == 0 || errno != EINTR)
@@ -59,24 +65,31 @@ void runIsolated(const std::string& file, const std::function<void()>& function)
     int ends[2];
     if (::pipe(ends) != 0)
         throw Failure(file, std::strerror(errno));
-    std::fflush(nullptr); // what is buffered would be written twice
+    for (const int end : ends)
+        ::fcntl(end, F_SETFD, FD_CLOEXEC); // a program that the plug-in leaves running is not waited for
+    std::fflush(nullptr);                  // what is buffered would be written twice
+    const pid_t parent = ::getpid();
+    StderrCapture words; // of the child
     const pid_t child = ::fork();
     if (child == 0) {
         ::close(ends[0]);
-        work(function, ends[1]);
+        runChild(function, ends[1], parent);
     }
     const int reason = errno;
     ::close(ends[1]);
-    const std::string failure = child > 0 ? readToEnd(ends[0]) : std::string();
+    const std::string outcome = child > 0 ? readToEnd(ends[0]) : std::string();
     ::close(ends[0]);
+    const int status = child > 0 ? waitFor(child) : 0;
+    const std::string said = words.finish();
     if (child < 0)
         throw Failure(file, std::strerror(reason));
 
-    const int status = waitFor(child);
-    if (!failure.empty())
-        throw Failure(failure);
+    // A crash is one line, whatever the system's libraries have to say of it.
     if (WIFSIGNALED(status))
         throw Failure(file, std::string("the plug-in crashed while importing it: ") + ::strsignal(WTERMSIG(status)));
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+    std::fputs(said.c_str(), stderr);
+    if (outcome.empty())
         throw Failure(file, "the plug-in ended the process that imports it");
+    if (outcome.front() != succeeded)
+        throw Failure(outcome.substr(1));
 }

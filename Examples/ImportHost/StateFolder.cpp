@@ -127,6 +127,8 @@ void StateFolder::load() {
     std::error_code error;
     hasObjects_ = fs::exists(fs::symlink_status(path_ + "/objects.state", error));
     if (hasObjects_) {
+        if (!fs::is_regular_file(path_ + "/objects.state", error))
+            throw Failure(path_ + "/objects.state", "not a file"); // a pipe would keep its reader waiting
         objects_ = read(path_);
         return;
     }

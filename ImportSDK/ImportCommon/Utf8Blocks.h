@@ -43,6 +43,9 @@ inline std::uint64_t wordAt(const unsigned char* s) {
 
 constexpr std::uint64_t topBits = 0x8080808080808080;
 
+static_assert(sizeof(wchar_t) == sizeof(std::uint32_t), "a character is a code point");
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the first byte of a word is its lowest");
+
 /** The top bits of the bytes that open a longer sequence. Words are little-endian: what follows a byte is above it. */
 inline std::uint64_t leadsOf(std::uint64_t word) {
     return word & word << 1 & topBits;

@@ -1,5 +1,8 @@
 // A plug-in that fails in the way that the environment asks for.
 
+#include <unistd.h>
+
+#include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
 #include <string_view>
@@ -11,6 +14,17 @@ extern "C" int ImportModel() {
         std::abort();
     if (how == "exit")
         std::_Exit(3);
+    if (how == "quit")
+        std::_Exit(0); // as if all had gone well
+    if (how == "shout") {
+        std::fputs("one\ntwo\n", stderr);
+        std::abort();
+    }
+    if (how == "leave") {
+        if (fork() == 0)
+            execlp("sleep", "sleep", "60", nullptr);
+        return 77;
+    }
     if (how == "throw")
         throw std::runtime_error("out of order");
     if (how == "fail")
