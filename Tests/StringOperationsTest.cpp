@@ -1,3 +1,4 @@
+#include "../Fuzz/Utf8Reference.h"
 #include "Stderr.h"
 
 #include <ImportCommon/StringOperations.h>
@@ -49,81 +50,25 @@ Outcome_t<std::string> encode(const std::wstring& text, std::size_t capacity) {
     return {result, std::string(output.begin(), output.end())};
 }
 
-int sequenceLength(unsigned char lead) {
-    return lead < 0x80 ? 1 : (lead & 0xE0) == 0xC0 ? 2 : (lead & 0xF0) == 0xE0 ? 3 : 0;
-}
-
 std::size_t modelCount(const std::string& bytes, std::size_t n) {
-    std::size_t i = 0;
-    std::size_t count = 0;
-    for (; i < n && bytes[i] != 0; ++count) {
-        const int length = sequenceLength(static_cast<unsigned char>(bytes[i]));
-        if (length == 0) {
-            return 0;
-        }
-        i += 1;
-        for (int k = 1; k < length && (n != SIZE_MAX || bytes[i] != 0); ++k) {
-            i += 1;
-        }
-    }
-    return count;
+    return Utf8Reference::count(reinterpret_cast<const unsigned char*>(bytes.data()), n);
 }
 
 Outcome_t<std::wstring> modelDecode(const std::string& bytes, std::size_t n, std::size_t capacity) {
-    std::wstring out(capacity, untouchedWide);
-    std::size_t i = 0;
-    std::size_t k = 0;
-    while (i < n) {
-        const auto lead = static_cast<unsigned char>(bytes[i++]);
-        const int length = sequenceLength(lead);
-        if (length == 0) {
-            return {0, out};
-        }
-        if (length == 1) {
-            if (k < capacity) {
-                out[k++] = static_cast<wchar_t>(lead);
-            }
-            if (lead == 0) {
-                return {k, out};
-            }
-        } else if (k < capacity && i < n - static_cast<std::size_t>(length - 2)) {
-            int value = lead & (length == 2 ? 0x1F : 0x0F);
-            for (int c = 1; c < length; ++c) {
-                const bool terminator = n == SIZE_MAX && bytes[i] == 0;
-                value = (value << 6) | (terminator ? 0 : bytes[i++] & 0x3F);
-            }
-            out[k++] = static_cast<wchar_t>(value);
-        }
-    }
-    return {k, out};
+    std::wstring out;
+    const auto* s = reinterpret_cast<const unsigned char*>(bytes.data());
+    const std::size_t result = Utf8Reference::decode(s, n, capacity, out);
+    out.resize(capacity, untouchedWide);
+    return {result, out};
 }
 
 Outcome_t<std::string> modelEncode(const std::wstring& text, std::size_t capacity) {
-    std::string out(capacity, untouchedByte);
-    std::size_t k = 0;
-    for (std::size_t i = 0; capacity > 0 && i < text.size(); ++i) {
-        const auto c = static_cast<long>(text[i]);
-        std::string bytes;
-        if (c >= 0 && c < 0x80) {
-            bytes = {static_cast<char>(c)};
-        } else if (c >= 0x80 && c < 0x800) {
-            bytes = {static_cast<char>(0xC0 | (c >> 6)), static_cast<char>(0x80 | (c & 0x3F))};
-        } else if (c >= 0x800 && c < 0x10000) {
-            bytes = {static_cast<char>(0xE0 | (c >> 12)), static_cast<char>(0x80 | ((c >> 6) & 0x3F)),
-                     static_cast<char>(0x80 | (c & 0x3F))};
-        }
-        if (k + bytes.size() <= capacity - 1) {
-            out.replace(k, bytes.size(), bytes);
-            k += bytes.size();
-        }
-        if (c == 0) {
-            break;
-        }
-    }
-    if (capacity > 0) {
-        out[std::min(k, capacity - 1)] = 0;
-    }
-    return {k, out};
+    std::string out = Utf8Reference::encode(text, capacity);
+    const std::size_t result = out.size();
+    out.resize(capacity, untouchedByte);
+    if (capacity > 0)
+        out[result] = 0;
+    return {result, out};
 }
 
 /** Runs of letters of one kind, of bytes that matter and of any bytes, cut off anywhere. */
