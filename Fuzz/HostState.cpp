@@ -48,16 +48,11 @@ void write(const std::string& path, const std::string& content) {
 
 /** The closing line that makes a damaged body count as whole, so that its records are looked at as well. */
 std::string closed(const std::string& body) {
-    std::uint64_t sum = 0xcbf29ce484222325u;
-    for (const char c : body)
-        sum = (sum ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
     std::size_t objects = 0;
     const std::string lines = body.substr(body.find('\n') + 1);
     for (const std::string_view line : split(lines, '\n'))
         objects += line.empty() ? 0 : 1;
-    char hex[17];
-    std::snprintf(hex, sizeof hex, "%016llx", static_cast<unsigned long long>(sum));
-    return body + "end " + std::to_string(objects) + ' ' + hex + '\n';
+    return body + "end " + std::to_string(objects) + ' ' + checksum(body) + '\n';
 }
 
 std::vector<std::string> linesOf(const std::vector<ObjectRecord>& objects) {

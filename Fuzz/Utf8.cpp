@@ -83,8 +83,12 @@ void encodeAll(const std::wstring& wide, std::size_t capacity) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     FuzzInput input(data, size);
-    const std::size_t capacity = input.take<std::uint8_t>();
-    const std::size_t n = input.take<std::uint8_t>();
+    const auto takeSize = [&input]() -> std::size_t {
+        const std::size_t size = input.take<std::uint8_t>();
+        return size < 192 ? size : (size - 191) * 32; // the last ones stand for long texts
+    };
+    const std::size_t capacity = takeSize();
+    const std::size_t n = takeSize();
     const std::string text = input.bytes();
     decodeAll(text, n, capacity);
 
