@@ -155,7 +155,13 @@ TEST_F(ImportFaultsTest, aKilledImportLeavesTheOldOrTheNewState) {
         before = after;
     }
     std::cout << killed << " imports killed, " << changed << " had changed the state\n";
-    EXPECT_EQ(import({"house.ifc"}), 0);
+    // The system may close the standard error stream of the last one before it lets go of the state's lock.
+    int result = import({"house.ifc"});
+    for (int i = 0; i < 1000 && error_.find("another import is running") != std::string::npos; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        result = import({"house.ifc"});
+    }
+    EXPECT_EQ(result, 0) << error_;
     EXPECT_EQ(state(), oldState_);
     for (const auto& entry : fs::directory_iterator(file("state")))
         EXPECT_TRUE(entry.path().filename() == "objects.state" || entry.path().filename() == "output") << entry;
