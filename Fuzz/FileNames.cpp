@@ -21,9 +21,11 @@ wchar_t upper(wchar_t c) {
 /** Ends are compared without their first characters, as far as the shorter one goes. */
 bool matches(const std::wstring& file, const std::wstring& pattern) {
     const std::size_t compared = std::min(file.size(), pattern.size());
-    for (std::size_t i = 1; i < compared; ++i)
-        if (upper(file[file.size() - i]) != upper(pattern[pattern.size() - i]))
+    for (std::size_t i = 1; i < compared; ++i) {
+        if (upper(file[file.size() - i]) != upper(pattern[pattern.size() - i])) {
             return false;
+        }
+    }
     return true;
 }
 
@@ -32,10 +34,12 @@ bool matchesAny(const std::wstring& file, const std::wstring& list) {
     std::size_t begin = 0;
     while (begin < text.size()) {
         const std::size_t end = std::min(text.find(L'|', begin), text.size());
-        if (end == begin)
+        if (end == begin) {
             return false;
-        if (matches(file, text.substr(begin, end - begin)))
+        }
+        if (matches(file, text.substr(begin, end - begin))) {
             return true;
+        }
         begin = end + 1;
     }
     return list.empty();
@@ -50,10 +54,12 @@ std::wstring decoded(const std::string& text) {
 }
 
 std::string lastComponent(std::string path) {
-    if (path.empty())
+    if (path.empty()) {
         return ".";
-    while (path.size() > 1 && path.back() == '/')
+    }
+    while (path.size() > 1 && path.back() == '/') {
         path.pop_back();
+    }
     return path == "/" ? path : path.substr(path.rfind('/') + 1);
 }
 

@@ -44,8 +44,9 @@ public:
     T take() {
         T value{};
         const std::size_t taken = std::min(sizeof value, size_);
-        if (taken > 0)
+        if (taken > 0) {
             std::memcpy(&value, data_, taken);
+        }
         skip(taken);
         return value;
     }

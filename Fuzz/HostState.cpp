@@ -50,15 +50,17 @@ void write(const std::string& path, const std::string& content) {
 std::string closed(const std::string& body) {
     std::size_t objects = 0;
     const std::string lines = body.substr(body.find('\n') + 1);
-    for (const std::string_view line : split(lines, '\n'))
+    for (const std::string_view line : split(lines, '\n')) {
         objects += line.empty() ? 0 : 1;
+    }
     return body + "end " + std::to_string(objects) + ' ' + checksum(body) + '\n';
 }
 
 std::vector<std::string> linesOf(const std::vector<ObjectRecord>& objects) {
     std::vector<std::string> lines;
-    for (const ObjectRecord& object : objects)
+    for (const ObjectRecord& object : objects) {
         lines.push_back(recordToLine(object));
+    }
     return lines;
 }
 
@@ -101,8 +103,9 @@ void checkStreams(const std::string& objects, const std::string& polygons, const
     write(folder.path() + "/polygons", polygons);
     write(folder.path() + "/attributes", attributes);
     try {
-        for (const ObjectRecord& record : readObjects(folder.path(), "plugin"))
+        for (const ObjectRecord& record : readObjects(folder.path(), "plugin")) {
             checkLine(recordToLine(record));
+        }
     } catch (const Failure&) {
     }
 }

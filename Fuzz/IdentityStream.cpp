@@ -100,7 +100,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const ExactArray<double> vertexes(size / sizeof(double));
     std::memcpy(vertexes.get(), data, vertexes.size() * sizeof(double));
     const auto count = static_cast<unsigned int>(vertexes.size() / 3);
-    if (count > 0)
+    if (count > 0) {
         store(database, ExternalGUID::spatialHashFromVertexes(count, vertexes.get()));
+    }
     return 0;
 }

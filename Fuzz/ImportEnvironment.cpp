@@ -56,8 +56,9 @@ void read(FuzzInput& input) {
         std::string value = input.field('\n');
         // Long texts come as a short one that is repeated.
         const unsigned int repeated = value.empty() ? 0 : static_cast<unsigned char>(value.back());
-        for (unsigned int count = repeated >= 0xF0 ? (repeated - 0xEF) * 100 : 0; count > 0; --count)
+        for (unsigned int count = repeated >= 0xF0 ? (repeated - 0xEF) * 100 : 0; count > 0; --count) {
             value += value.substr(0, 7);
+        }
         textVariables[i]->set(value);
     }
     for (std::size_t i = 0; i < streamVariables.size(); ++i) {
@@ -78,23 +79,28 @@ void read(FuzzInput& input) {
     const bool accepted = foreignobject_env_deserialize(env);
     require(env.version == std::atoi(version.value()) && accepted == (env.version == 1), "version");
     const std::wstring* const results[] = {&env.fileName, &env.module, &env.path};
-    for (std::size_t i = 0; i < 3; ++i)
+    for (std::size_t i = 0; i < 3; ++i) {
         require(*results[i] == (accepted ? decoded(textVariables[i]->value()) : L"earlier"), "text");
-    for (std::size_t i = 0; accepted && i < 16; ++i)
+    }
+    for (std::size_t i = 0; accepted && i < 16; ++i) {
         require(reinterpret_cast<long>(env.*streams[i]) == std::atol(streamVariables[i]->value()), "stream");
+    }
 }
 
 /** The system keeps every text it was ever given, so only so many are given to it. */
 void write(FuzzInput& input) {
     static int remaining = 50000;
-    if (remaining-- <= 0)
+    if (remaining-- <= 0) {
         return;
+    }
     std::wstring key = L"fuzz_";
-    for (unsigned int length = input.below(4); length > 0; --length)
+    for (unsigned int length = input.below(4); length > 0; --length) {
         key += static_cast<wchar_t>(input.take<std::uint16_t>());
+    }
     std::wstring value;
-    for (unsigned int length = input.below(64); length > 0; --length)
+    for (unsigned int length = input.below(64); length > 0; --length) {
         value += static_cast<wchar_t>(input.below(3) == 0 ? input.take<std::uint32_t>() : input.take<std::uint8_t>());
+    }
     const std::string narrowKey = Utf8Reference::encode(key, 4096).c_str();
     const std::string narrow = Utf8Reference::encode(value, 4096).c_str();
     const bool possible = narrowKey.find('=') == std::string::npos;
@@ -109,8 +115,9 @@ void write(FuzzInput& input) {
     require(!possible || (EnvironmentVariables::SetFileStreamHandle(key, stream) == 0 &&
                           EnvironmentVariables::GetFileStreamHandle(key) == stream),
             "stream that was set");
-    if (possible)
+    if (possible) {
         unsetenv(narrowKey.c_str());
+    }
     require(EnvironmentVariables::GetString(key).empty(), "variable that is not set");
 }
 
@@ -118,9 +125,10 @@ void write(FuzzInput& input) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     FuzzInput input(data, size);
-    if (input.below(8) == 0)
+    if (input.below(8) == 0) {
         write(input);
-    else
+    } else {
         read(input);
+    }
     return 0;
 }

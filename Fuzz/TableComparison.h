@@ -25,11 +25,13 @@ std::vector<Char> textOf(unsigned int number, std::size_t capacity, unsigned int
         return static_cast<Char>((sizeof(Char) == 1 ? 0xC0 : 0x1F600) + digit);
     };
     std::vector<Char> text;
-    for (unsigned int rest = number; rest != 0 && text.size() < capacity; rest /= 25)
+    for (unsigned int rest = number; rest != 0 && text.size() < capacity; rest /= 25) {
         text.push_back(unit(rest % 25));
+    }
     const bool terminated = number % 3 != 0 && text.size() < capacity;
-    if (terminated)
+    if (terminated) {
         text.push_back(0);
+    }
     text.resize(capacity, unit(terminated ? behindTerminator : 25));
     return text;
 }
@@ -61,18 +63,20 @@ public:
           choices_(choices),
           table_(createTable(storage, shape.fields)),
           model_(storage) {
-        for (const auto& [unique, keyFields] : shape.indexes)
+        for (const auto& [unique, keyFields] : shape.indexes) {
             addIndex(IndexModel(unique, keyFields, fields_));
+        }
     }
 
     /** One call; inserts have a weight of @p inserts against 6 for other calls to a row. */
     void step(unsigned int inserts) {
-        if (below(400) == 0)
+        if (below(400) == 0) {
             exchangeIndex();
-        else if (below(3) == 0)
+        } else if (below(3) == 0) {
             useCursor();
-        else
+        } else {
             touchRow(inserts);
+        }
     }
 
     void clear() {
@@ -82,23 +86,26 @@ public:
 
     /** Every row is found in every way, and no other. */
     void compareAll() const {
-        Cursor_s all = openAll();
-        for (std::size_t rows = 0; rows <= model_.rows.size(); ++rows)
+        Cursor all = openAll();
+        for (std::size_t rows = 0; rows <= model_.rows.size(); ++rows) {
             fetch(all);
-        for (const IndexModel& index : model_.indexes)
+        }
+        for (const IndexModel& index : model_.indexes) {
             for (const auto& [position, row] : model_.rows) {
                 const auto same = index.matches(row);
-                if (same.empty() || same.back() == position)
+                if (same.empty() || same.back() == position) {
                     compareMatches(index, row);
+                }
                 Row found = row;
                 Row expected = row;
                 require(dbf_select(index.handle, found.data()) == model_.select(index, expected), "select");
                 require(found == expected, "selected row");
             }
+        }
     }
 
 private:
-    struct Cursor_s {
+    struct Cursor {
         std::unique_ptr<dbf_cursor, decltype(&dbf_closecursor)> handle;
         std::vector<Position> rows;
         std::size_t position;
@@ -120,8 +127,9 @@ private:
             addIndex(std::move(dropped_.back()));
             return dropped_.pop_back();
         }
-        if (model_.indexes.size() == 1)
+        if (model_.indexes.size() == 1) {
             return;
+        }
         const auto index = model_.indexes.begin() + static_cast<std::ptrdiff_t>(below(model_.indexes.size()));
         require(dbf_dropindex(index->handle) == DBF_OK, "drop of an index");
         dropped_.push_back(std::move(*index));
@@ -149,11 +157,13 @@ private:
     /** As many quarters of them have the key of a row that is stored. */
     Row randomRow(const IndexModel& by, unsigned int quarters) {
         Row row(fields_.back().offset + fields_.back().size, static_cast<char>(below(256))); // the padding counts too
-        for (std::size_t i = 0; i < fields_.size(); ++i)
+        for (std::size_t i = 0; i < fields_.size(); ++i) {
             writeValue(fields_[i], below(shape_.values[i]), row.data() + fields_[i].offset);
+        }
         const auto stored = model_.rows.lower_bound(below(model_.capacity() + 1));
-        if (stored != model_.rows.end() && below(4) < quarters)
+        if (stored != model_.rows.end() && below(4) < quarters) {
             by.copyKey(stored->second, row);
+        }
         row.shrink_to_fit();
         return row;
     }
@@ -182,15 +192,16 @@ private:
         }
     }
 
-    Cursor_s openAll() const {
-        Cursor_s cursor{{dbf_opencursor_all(table_.get()), &dbf_closecursor}, {}, 0};
-        for (const auto& stored : model_.rows)
+    Cursor openAll() const {
+        Cursor cursor{{dbf_opencursor_all(table_.get()), &dbf_closecursor}, {}, 0};
+        for (const auto& stored : model_.rows) {
             cursor.rows.push_back(stored.first);
+        }
         return cursor;
     }
 
-    Cursor_s openByKey(const IndexModel& by, const Row& row) const {
-        Cursor_s cursor{{dbf_opencursor(by.handle, row.data()), &dbf_closecursor}, by.matches(row), 0};
+    Cursor openByKey(const IndexModel& by, const Row& row) const {
+        Cursor cursor{{dbf_opencursor(by.handle, row.data()), &dbf_closecursor}, by.matches(row), 0};
         std::reverse(cursor.rows.begin(), cursor.rows.end());
         return cursor;
     }
@@ -201,7 +212,7 @@ private:
             cursors_.push_back(below(3) == 0 ? openAll() : openByKey(by, randomRow(by, 3)));
         }
         const std::size_t which = below(cursors_.size());
-        Cursor_s& cursor = cursors_[which];
+        Cursor& cursor = cursors_[which];
         const auto current =
             cursor.position > 0 ? model_.rows.find(cursor.rows[cursor.position - 1]) : model_.rows.end();
         const bool exists = current != model_.rows.end();
@@ -210,8 +221,9 @@ private:
             cursors_.erase(cursors_.begin() + static_cast<std::ptrdiff_t>(which));
         } else if (action < 5) {
             Row row = randomRow(anyIndex(), 2);
-            if (exists && below(2) == 0)
+            if (exists && below(2) == 0) {
                 anyIndex().copyKey(current->second, row);
+            }
             require(dbf_updatecurrent(cursor.handle.get(), row.data()) ==
                         (exists ? model_.updateAt(current->first, row) : DBF_NOTFOUND),
                     "update of the current row");
@@ -223,7 +235,7 @@ private:
         }
     }
 
-    void fetch(Cursor_s& cursor) const {
+    void fetch(Cursor& cursor) const {
         Row row(fields_.back().offset + fields_.back().size + 8, 'z');
         Row expected = row;
         int result = DBF_NOTFOUND;
@@ -244,8 +256,9 @@ private:
         std::vector<Position> found;
         for (const dbf_rowid* id = dbf_findhashmatch(index.handle, key.data());
              id != nullptr && found.size() <= expected.size();
-             id = dbf_findhashmatch_next(index.handle, key.data(), id))
+             id = dbf_findhashmatch_next(index.handle, key.data(), id)) {
             found.push_back(model_.positionOf(*id));
+        }
         std::reverse(found.begin(), found.end());
         require(found == expected, "rows of a key");
     }
@@ -256,5 +269,5 @@ private:
     TablePtr table_;
     TableModel model_;
     std::vector<IndexModel> dropped_;
-    std::vector<Cursor_s> cursors_; // closed before the table is dropped
+    std::vector<Cursor> cursors_; // closed before the table is dropped
 };

@@ -29,16 +29,21 @@ TableShape readShape(FuzzInput& input) {
     for (unsigned int count = 1 + input.below(6); count > 0; --count) {
         const unsigned int chosen = input.take<std::uint8_t>();
         std::vector<int32_t> keyFields;
-        for (std::size_t field = 0; field < shape.fields.size(); ++field)
-            if ((chosen >> field & 1) != 0)
+        for (std::size_t field = 0; field < shape.fields.size(); ++field) {
+            if ((chosen >> field & 1) != 0) {
                 keyFields.push_back(static_cast<int32_t>(field));
-        if ((chosen & 0x20) != 0)
+            }
+        }
+        if ((chosen & 0x20) != 0) {
             std::reverse(keyFields.begin(), keyFields.end());
-        if (!keyFields.empty())
+        }
+        if (!keyFields.empty()) {
             shape.indexes.emplace_back((chosen & 0x40) != 0, keyFields);
+        }
     }
-    if (shape.indexes.empty())
+    if (shape.indexes.empty()) {
         shape.indexes.emplace_back(true, std::vector<int32_t>{0});
+    }
     return shape;
 }
 
@@ -49,10 +54,11 @@ void compare(FuzzInput& input) {
     TableComparison<InputChoices> comparison(shape, storage, choices);
     for (unsigned int step = 0; step < 3000 && !input.empty(); ++step) {
         const unsigned int phase = input.below(256);
-        if (phase == 255)
+        if (phase == 255) {
             comparison.clear();
-        else
+        } else {
             comparison.step(phase % 2 == 0 ? 24 : 2);
+        }
     }
     comparison.compareAll();
 }
@@ -61,23 +67,27 @@ void compare(FuzzInput& input) {
 void createFromAnything(FuzzInput& input) {
     const dbf_tablespec storage{input.take<std::int16_t>(), input.take<std::int32_t>()};
     std::vector<dbf_fieldspec> specs;
-    for (unsigned int count = input.below(5); count > 0; --count)
+    for (unsigned int count = input.below(5); count > 0; --count) {
         specs.push_back({input.take<std::int8_t>(), input.take<std::int16_t>()});
+    }
     specs.push_back({static_cast<std::int32_t>(input.below(4) == 0 ? 101 : DBF_END), 0});
     specs.push_back({DBF_END, 0});
     const std::int64_t rows = storage.rowsperbucket;
-    if (rows * 4 * 32768 * 2 > (1 << 30) && rows <= 65535)
+    if (rows * 4 * 32768 * 2 > (1 << 30) && rows <= 65535) {
         return; // a bucket that is really too large for a quick run
+    }
     const TablePtr table(dbf_createtable(&storage, specs.data()), &dbf_droptable);
-    if (table == nullptr)
+    if (table == nullptr) {
         return;
+    }
     const std::vector<FieldModel> fields = layoutOf({specs.begin(), specs.end() - 2});
     const Row row(fields.back().offset + fields.back().size, '\0');
     require(dbf_insert(table.get(), row.data()) == DBF_OK, "insert in a new table");
     const dbf_indexspec index{input.take<std::int8_t>(), 1};
     std::vector<std::int32_t> keys;
-    for (unsigned int count = input.below(6); count > 0; --count)
+    for (unsigned int count = input.below(6); count > 0; --count) {
         keys.push_back(input.take<std::int8_t>());
+    }
     keys.push_back(-1);
     dbf_createindex(table.get(), &index, keys.data());
 }
@@ -86,9 +96,10 @@ void createFromAnything(FuzzInput& input) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     FuzzInput input(data, size);
-    if (input.below(16) == 0)
+    if (input.below(16) == 0) {
         createFromAnything(input);
-    else
+    } else {
         compare(input);
+    }
     return 0;
 }

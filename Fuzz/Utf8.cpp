@@ -59,8 +59,9 @@ void encodeAll(const std::wstring& wide, std::size_t capacity) {
     require(stored == expected.size(), "encoded length");
     require(std::memcmp(out.get(), expected.data(), stored) == 0, "encoded text");
     require(capacity == 0 || out[stored] == 0, "terminator");
-    for (std::size_t i = stored + 1; i < capacity; ++i)
+    for (std::size_t i = stored + 1; i < capacity; ++i) {
         require(out[i] == 0x7A, "bytes behind the terminator");
+    }
 
     const std::string narrow = StringOperations::ConvertToCurrentLocale(wide);
     require(narrow == Utf8Reference::encode(wide, 65536), "string to the locale");
@@ -75,8 +76,9 @@ void encodeAll(const std::wstring& wide, std::size_t capacity) {
     std::string latin;
     const bool fits = StringOperations::TryConvertToIsoLatin1(wide, latin);
     require(latin.size() == wide.size(), "length of ISO 8859-1 text");
-    for (std::size_t i = 0; fits && i < wide.size(); ++i)
+    for (std::size_t i = 0; fits && i < wide.size(); ++i) {
         require(latin[i] == static_cast<char>(wide[i]), "ISO 8859-1 text");
+    }
 }
 
 } // namespace

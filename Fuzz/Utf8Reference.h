@@ -23,10 +23,12 @@ struct Character {
  */
 inline Character characterAt(const unsigned char* s, std::size_t i, std::size_t n, bool terminated) {
     const unsigned int lead = s[i];
-    if (lead <= 0x7F)
+    if (lead <= 0x7F) {
         return {1, 1, static_cast<wchar_t>(lead)};
-    if (lead < 0xC0 || lead > 0xEF)
+    }
+    if (lead < 0xC0 || lead > 0xEF) {
         return {0, 0, 0};
+    }
     Character c{lead < 0xE0 ? 2U : 3U, 1, static_cast<wchar_t>(lead < 0xE0 ? lead - 0xC0 : lead - 0xE0)};
     bool ended = false;
     for (unsigned int k = 1; k < c.length; ++k) {
@@ -42,8 +44,9 @@ inline std::size_t count(const unsigned char* s, std::size_t n) {
     std::size_t i = 0;
     while (i < n && s[i] != 0) {
         const Character c = characterAt(s, i, n, n == SIZE_MAX);
-        if (c.length == 0)
+        if (c.length == 0) {
             return 0;
+        }
         i += n == SIZE_MAX ? c.present : c.length;
         ++characters;
     }
@@ -56,14 +59,17 @@ inline std::size_t decode(const unsigned char* s, std::size_t n, std::size_t cap
     std::size_t i = 0;
     while (i < n) {
         const Character c = characterAt(s, i, n, n == SIZE_MAX);
-        if (c.length == 0)
+        if (c.length == 0) {
             return 0;
+        }
         const bool room = out.size() < capacity;
         if (c.length == 1) {
-            if (room)
+            if (room) {
                 out += c.value;
-            if (c.value == 0)
+            }
+            if (c.value == 0) {
                 break;
+            }
             ++i;
         } else if (room && (n == SIZE_MAX || n - i >= c.length)) {
             out += c.value;
@@ -88,10 +94,12 @@ inline std::string encode(const std::wstring& w, std::size_t capacity) {
             bytes = {static_cast<char>(0xE0 + c / 4096), static_cast<char>(0x80 + c / 64 % 64),
                      static_cast<char>(0x80 + c % 64)};
         }
-        if (out.size() + bytes.size() < capacity)
+        if (out.size() + bytes.size() < capacity) {
             out += bytes;
-        if (c == 0)
+        }
+        if (c == 0) {
             break;
+        }
     }
     return out;
 }

@@ -22,8 +22,9 @@ struct Model {
 
     void read(const std::string& stream) {
         type = 0;
-        if (stream.size() < 4)
+        if (stream.size() < 4) {
             return;
+        }
         const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(stream[i]); };
         const auto number = [&](std::size_t i) {
             return static_cast<std::uint32_t>(static_cast<signed char>(byte(i)));
@@ -34,8 +35,9 @@ struct Model {
         for (std::size_t part = begin; type >= 1 && type <= 3 && part < 15;) {
             const std::size_t next = part == 0 ? 4 : part == 4 ? 12 : 15;
             const std::size_t bytes = (next - part) * sizeof(double);
-            if (next == 15 ? stream.size() - at != bytes : stream.size() - at < bytes)
+            if (next == 15 ? stream.size() - at != bytes : stream.size() - at < bytes) {
                 return;
+            }
             std::memcpy(values + part, stream.data() + at, bytes);
             at += bytes;
             part = next;
@@ -52,13 +54,14 @@ struct Model {
 void checkText(const ExternalVersion& version, unsigned int size) {
     const ExactArray<char> text(size, 'z');
     version.toString(size, text.get());
-    if (version.getType() == ExternalVersionType_Invalid)
+    if (version.getType() == ExternalVersionType_Invalid) {
         require(std::string(text.get(), size) == std::string("invalid\0\0", 9).append(256, '\0').substr(0, size),
                 "text of an invalid version");
-    else if (version.getType() <= ExternalVersionType_Geometry && size > 0)
+    } else if (version.getType() <= ExternalVersionType_Geometry && size > 0) {
         require(std::memchr(text.get(), 0, size) != nullptr, "text is terminated");
-    else
+    } else {
         require(std::string(text.get(), size) == std::string(size, 'z'), "text of an unknown version");
+    }
 }
 
 /** A version whose values are numbers equals itself after its stream was read back. */

@@ -35,15 +35,17 @@ class GrowingTable {
 public:
     GrowingTable(const dbf_tablespec& spec, int32_t count) : table_(spec) {
         groups_.reserve(10000); // so that only the store allocates
-        while (count-- > 0)
+        while (count-- > 0) {
             EXPECT_EQ(insert(), DBF_OK);
+        }
     }
 
     int insert() {
         const auto key = static_cast<int32_t>(groups_.size());
         const int result = table_.insert(rowOf(key, key % 5));
-        if (result == DBF_OK)
+        if (result == DBF_OK) {
             groups_.push_back(key % 5);
+        }
         return result;
     }
 
@@ -71,7 +73,7 @@ private:
     std::vector<int32_t> groups_; // of the rows that must be there
 };
 
-TEST_F(AllocationFailure, tableStaysWhole) {
+TEST_F(AllocationFailureTest, tableStaysWhole) {
     const auto insert = [](GrowingTable& table) { return table.insert(); };
     const auto clear = [](GrowingTable& table) { return table.clear(); };
     const auto addIndex = [](GrowingTable& table) { return table.addIndex(); };
@@ -87,7 +89,7 @@ TEST_F(AllocationFailure, tableStaysWhole) {
                  {"create index", {0, 7}, 500, addIndex}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
-        forEachFailure([&c](const Failure_s& failure) {
+        forEachFailure([&c](const Failure& failure) {
             GrowingTable table(c.storage, c.rows);
             int result = DBF_OK;
             const bool failed = failure.during([&] { result = c.run(table); });
@@ -98,8 +100,9 @@ TEST_F(AllocationFailure, tableStaysWhole) {
                 EXPECT_EQ(result, DBF_FAILED) << "no memory yet";
                 table.check();
                 EXPECT_EQ(c.run(table), DBF_OK);
-                for (int more = 0; more < 300; ++more)
+                for (int more = 0; more < 300; ++more) {
                     EXPECT_EQ(table.insert(), DBF_OK) << more;
+                }
                 table.check();
             }
             return failed;
@@ -107,9 +110,9 @@ TEST_F(AllocationFailure, tableStaysWhole) {
     }
 }
 
-TEST_F(AllocationFailure, tableIsCreatedWholeOrNotAtAll) {
+TEST_F(AllocationFailureTest, tableIsCreatedWholeOrNotAtAll) {
     const std::string log = stderrOf([] {
-        forEachFailure([](const Failure_s& failure) {
+        forEachFailure([](const Failure& failure) {
             const dbf_tablespec spec{40, 2};
             const dbf_fieldspec fields[] = {{DBF_BYTES, 24}, {DBF_END, 0}};
             TablePtr table(nullptr, &dbf_droptable);
@@ -121,7 +124,7 @@ TEST_F(AllocationFailure, tableIsCreatedWholeOrNotAtAll) {
     EXPECT_NE(log.find("libdbfast: cannot allocate memory (48 bytes) for bucket data\n"), std::string::npos) << log;
 }
 
-TEST_F(AllocationFailure, identityIsEmpty) {
+TEST_F(AllocationFailureTest, identityIsEmpty) {
     const double vertex[11] = {1, 2, 3};
     const ExternalGUID good = ExternalGUID::fromHalvorneObi(7);
     const std::function<ExternalGUID()> makers[] = {
@@ -137,7 +140,7 @@ TEST_F(AllocationFailure, identityIsEmpty) {
         return std::string(bytes, size);
     };
     for (const auto& make : makers) {
-        forEachFailure([&](const Failure_s& failure) {
+        forEachFailure([&](const Failure& failure) {
             std::optional<ExternalGUID> guid;
             const bool failed = failure.during([&] { guid.emplace(make()); });
             EXPECT_EQ(bytesOf(*guid), failed ? std::string(96, '\0') : bytesOf(make())) << &make - makers;
@@ -150,17 +153,18 @@ TEST_F(AllocationFailure, identityIsEmpty) {
     }
 }
 
-TEST_F(AllocationFailure, treeKeepsItsNodes) {
+TEST_F(AllocationFailureTest, treeKeepsItsNodes) {
     // The next node is the first one, or needs a block and a larger table of cells.
-    for (const unsigned int before : {0U, 1024U})
-        forEachFailure([before](const Failure_s& failure) {
+    for (const unsigned int before : {0U, 1024U}) {
+        forEachFailure([before](const Failure& failure) {
             CDxKDTree tree(2);
             const auto insert = [&tree](unsigned int id) {
                 const double vector[] = {id * 1.0, id / 512 * 1.0};
                 return tree.insert(vector);
             };
-            for (unsigned int id = 0; id < before; ++id)
+            for (unsigned int id = 0; id < before; ++id) {
                 EXPECT_EQ(insert(id), id);
+            }
             unsigned int result = 0;
             unsigned int neighbour = 0;
             const bool failed = failure.during([&] {
@@ -172,12 +176,15 @@ TEST_F(AllocationFailure, treeKeepsItsNodes) {
             const bool isAdded = tree.getCount() == before + 1;
             EXPECT_EQ(result, isAdded ? before : 0);
             EXPECT_TRUE(isAdded || (failed && tree.getCount() == before));
-            for (unsigned int id = 0; id < before + 2000; ++id)
+            for (unsigned int id = 0; id < before + 2000; ++id) {
                 EXPECT_EQ(insert(id), id);
-            for (unsigned int id = 0; id < before + 2000; ++id)
+            }
+            for (unsigned int id = 0; id < before + 2000; ++id) {
                 EXPECT_EQ(tree.find(tree.getVector(id)), id);
+            }
             return failed;
         });
+    }
 }
 
 /** Whether an identity is known, under the same id both ways, or unknown both ways. */
@@ -191,16 +198,17 @@ bool knows(ExternalGUIDDatabase& database, const ExternalGUID& guid, int id) {
     return same;
 }
 
-TEST_F(AllocationFailure, databaseAnswersForTheKindsThatItHas) {
+TEST_F(AllocationFailureTest, databaseAnswersForTheKindsThatItHas) {
     const double hash[11] = {1, 2, 3};
     const ExternalGUID guids[] = {ExternalGUID::fromIFCGlobalID("2O2Fr$t4X7Zf8NOew3FLOH"), ExternalGUID::fromPX({{1}}),
                                   ExternalGUID::fromHalvorneObi(7), ExternalGUID::spatialHashFromVertexes(1, hash)};
-    forEachFailure([&guids](const Failure_s& failure) {
+    forEachFailure([&guids](const Failure& failure) {
         std::optional<ExternalGUIDDatabase> database;
         const bool failed = failure.during([&] { database.emplace(); });
         int known = 0;
-        for (const ExternalGUID& guid : guids)
+        for (const ExternalGUID& guid : guids) {
             known += knows(*database, guid, database->insertGUID(guid)) ? 1 : 0;
+        }
         EXPECT_EQ(known == 4, !failed);
         EXPECT_TRUE(known == 0 || known >= 3 || failure.extent == FailingAllocator::FromThenOn)
             << "one failure, one kind";
@@ -208,7 +216,7 @@ TEST_F(AllocationFailure, databaseAnswersForTheKindsThatItHas) {
     });
 }
 
-TEST_F(AllocationFailure, databaseKeepsItsIdentities) {
+TEST_F(AllocationFailureTest, databaseKeepsItsIdentities) {
     const auto px = [](int number) {
         return ExternalGUID::fromPX({{1, static_cast<unsigned char>(number), static_cast<unsigned char>(number >> 8)}});
     };
@@ -221,11 +229,12 @@ TEST_F(AllocationFailure, databaseKeepsItsIdentities) {
         int before, first, next;
         int failed, lost; // what a failed insert answers, and how many ids it uses up
     } cases[] = {{px, 2000, -2, -1, -1, 1}, {px, 4000, -2, -1, -1, 1}, {hash, 1024, 0, 1, 0, 0}};
-    for (const auto& c : cases)
-        forEachFailure([&c](const Failure_s& failure) {
+    for (const auto& c : cases) {
+        forEachFailure([&c](const Failure& failure) {
             ExternalGUIDDatabase database;
-            for (int number = 0; number < c.before; ++number)
+            for (int number = 0; number < c.before; ++number) {
                 EXPECT_EQ(database.insertGUID(c.guidOf(number)), c.first + c.next * number);
+            }
             const ExternalGUID guid = c.guidOf(c.before);
             const int expected = c.first + c.next * c.before;
             int id = 0;
@@ -233,13 +242,15 @@ TEST_F(AllocationFailure, databaseKeepsItsIdentities) {
             const bool isAdded = id == expected; // the tree gets by without some of its memory
             EXPECT_TRUE(isAdded || (failed && id == c.failed)) << id;
             EXPECT_EQ(database.findGUID(guid), isAdded ? expected : -1);
-            for (int number = 0; number < c.before; ++number)
+            for (int number = 0; number < c.before; ++number) {
                 EXPECT_TRUE(knows(database, c.guidOf(number), c.first + c.next * number));
+            }
             const int retried = database.insertGUID(guid);
             EXPECT_EQ(retried, expected + c.next * (isAdded ? 0 : c.lost));
             EXPECT_TRUE(knows(database, guid, retried));
             return failed;
         });
+    }
 }
 
 using Stream = std::unique_ptr<FileStream>;
@@ -248,20 +259,22 @@ using Cursor = std::unique_ptr<dbf_cursor, decltype(&dbf_closecursor)>;
 /** A result as text, made when there is memory again. */
 template <typename T>
 std::wstring textOf(const T& value) {
-    if constexpr (std::is_arithmetic_v<T>)
+    if constexpr (std::is_arithmetic_v<T>) {
         return std::to_wstring(value);
-    else if constexpr (std::is_same_v<T, IFC2X3Property> || std::is_same_v<T, IFC2X3PropertySet>)
+    } else if constexpr (std::is_same_v<T, IFC2X3Property> || std::is_same_v<T, IFC2X3PropertySet>) {
         return describe(value);
-    else
+    } else {
         return {value.begin(), value.end()};
+    }
 }
 
 /** Handles that are open, to see that none is left behind. */
 std::ptrdiff_t openHandles() {
     std::ptrdiff_t count = 0;
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir("/dev/fd"), closedir);
-    while (folder && readdir(folder.get()) != nullptr)
+    while (folder && readdir(folder.get()) != nullptr) {
         ++count;
+    }
     return count;
 }
 
@@ -273,8 +286,9 @@ std::wstring answerOf(const Operation& operation, std::optional<FailingAllocator
         result.emplace(operation());
     } catch (const std::bad_alloc&) {
     }
-    if (memory != nullptr)
+    if (memory != nullptr) {
         memory->reset();
+    }
     return result ? textOf(*result) : L"throws";
 }
 
@@ -288,7 +302,7 @@ void expectAnswers(const char* what, const std::set<std::wstring>& without, cons
     const std::wstring whole = answerOf(operation); // the first call may allocate for good
     ASSERT_EQ(without.count(whole), 0U);
     bool shown = false;
-    forEachFailure([&](const Failure_s& failure) {
+    forEachFailure([&](const Failure& failure) {
         const std::ptrdiff_t handles = openHandles();
         std::optional<FailingAllocator> memory(std::in_place, failure.which, failure.extent);
         const std::wstring answer = answerOf(operation, &memory);
@@ -311,7 +325,7 @@ void expectThrows(const char* what, const Operation& operation) {
 const std::string longText = "a text of forty-two characters, caf\xC3\xA9 \xE4\xB8\xAD\xE6\x96\x87";
 const std::wstring longWide = L"a text of forty-two characters, caf\u00E9 \u4E2D\u6587";
 
-TEST_F(AllocationFailure, texts) {
+TEST_F(AllocationFailureTest, texts) {
     const auto* const bytes = reinterpret_cast<const unsigned char*>(longText.c_str());
     expectThrows("decode", [=] { return StringOperations::ConvertFromUTF8(bytes); });
     expectThrows("decode n bytes", [=] { return StringOperations::ConvertFromUTF8(bytes, longText.size()); });
@@ -329,7 +343,7 @@ TEST_F(AllocationFailure, texts) {
     expectThrows("number", [] { return StringOperations::AsWString(4294967295U - 10000); });
 }
 
-TEST_F(AllocationFailure, environment) {
+TEST_F(AllocationFailureTest, environment) {
     EnvironmentVariables::SetString(L"ic_test", longWide);
     expectThrows("get", [] { return EnvironmentVariables::GetString(L"ic_test"); });
     expectThrows("expand", [] { return EnvironmentVariables::ExpandVariables(longWide); });
@@ -349,11 +363,12 @@ TEST_F(AllocationFailure, environment) {
     }
 }
 
-TEST_F(AllocationFailure, importEnvironment) {
+TEST_F(AllocationFailureTest, importEnvironment) {
     EnvironmentVariables::SetInt(L"fo_handle_version", 1);
     EnvironmentVariables::SetFileStreamHandle(L"fo_handle_textures", stderr);
-    for (const wchar_t* const key : {L"fo_string_filename", L"fo_string_module", L"fo_string_path"})
+    for (const wchar_t* const key : {L"fo_string_filename", L"fo_string_module", L"fo_string_path"}) {
         EnvironmentVariables::SetString(key, longWide);
+    }
     expectThrows("deserialize", [] {
         ForeignObjectEnv_t env = {};
         foreignobject_env_deserialize(env);
@@ -361,7 +376,7 @@ TEST_F(AllocationFailure, importEnvironment) {
     });
 }
 
-TEST_F(AllocationFailure, files) {
+TEST_F(AllocationFailureTest, files) {
     const TemporaryFolder folder;
     const std::wstring name = L"a file with a name of more than a few characters.ifc.txt";
     writeFile(std::string(name.begin(), name.end()), "content");
@@ -394,7 +409,7 @@ TEST_F(AllocationFailure, files) {
     });
 }
 
-TEST_F(AllocationFailure, streams) {
+TEST_F(AllocationFailureTest, streams) {
     const TemporaryFolder folder;
     const std::wstring path = L"a file with a name of more than a few characters.txt";
     writeFile(std::string(path.begin(), path.end()), "content");
@@ -407,8 +422,9 @@ TEST_F(AllocationFailure, streams) {
     expectAnswers("write", {L"throws", L""}, [&] {
         const Stream stream(FileStream::createFileForWriting(path));
         const bool written = stream && stream->write(4, "text");
-        if (written)
+        if (written) {
             stream->seekToBegin();
+        }
         return written ? contentOf(stream) : std::string();
     });
     expectAnswers("borrowed handle", {L"0"}, [] { return Stream(FileStream::createFromHandle(stderr)) != nullptr; });
@@ -421,7 +437,7 @@ unsigned int countCall(void* data, unsigned long /*size*/) {
     return data != nullptr ? 1 : 0;
 }
 
-TEST_F(AllocationFailure, threadsAndLocks) {
+TEST_F(AllocationFailureTest, threadsAndLocks) {
     int started = 0;
     expectAnswers("thread", {L"throws", L"0"}, [&] {
         const pthread_t thread = ThreadOperations::createThread(countCall, "abc", 3, false);
@@ -447,7 +463,7 @@ TEST_F(AllocationFailure, threadsAndLocks) {
     });
 }
 
-TEST_F(AllocationFailure, libraries) {
+TEST_F(AllocationFailureTest, libraries) {
     const std::string path = PLAIN_LIBRARY;
     const std::wstring wide(path.begin(), path.end());
     testing::internal::CaptureStderr(); // the loader's reason, at most once
@@ -459,7 +475,7 @@ TEST_F(AllocationFailure, libraries) {
     testing::internal::GetCapturedStderr();
 }
 
-TEST_F(AllocationFailure, versions) {
+TEST_F(AllocationFailureTest, versions) {
     const double numbers[8] = {1, 2, 3, 4, 5, 6, 7, 8};
     const ExternalVersion solid = createFromSolid(1, 2, 3, numbers, 4, numbers);
     expectThrows("copy", [&] { return ExternalVersion(solid) == solid; });
@@ -478,10 +494,11 @@ TEST_F(AllocationFailure, versions) {
     EXPECT_EQ(version.toByteStream(sizeof stream, stream), 4U);
 }
 
-TEST_F(AllocationFailure, properties) {
+TEST_F(AllocationFailureTest, properties) {
     IFC2X3PropertySet set;
-    for (const wchar_t* const name : {L"a", L"b", L"c"})
+    for (const wchar_t* const name : {L"a", L"b", L"c"}) {
         set.addProperty(createPropertySingleValueString(name, L"", L"value"));
+    }
     // A set without memory for its list is silently empty.
     const std::set<std::wstring> without = {L"throws", L"Size/=usage{};"};
     const IFC2X3Property complex = createPropertyComplex(L"Size", L"", L"usage", set);
@@ -507,7 +524,7 @@ TEST_F(AllocationFailure, properties) {
     expectThrows("texture", [&] { return PngTexture(texture).getData().size() == 3; });
 }
 
-TEST_F(AllocationFailure, cursors) {
+TEST_F(AllocationFailureTest, cursors) {
     const TablePtr table = createTable({0, 50}, {{DBF_INT, 0}, {DBF_INT, 0}});
     dbf_index* const index = createIndex(table, false, {1});
     for (int32_t id = 0; id < 200; ++id) {

@@ -12,7 +12,7 @@ extern "C" const char* __asan_default_options() {
 
 namespace {
 
-TEST(DbFast, tableSpecificationsAreChecked) {
+TEST(DbFastTest, tableSpecificationsAreChecked) {
     const struct {
         const char* what;
         dbf_tablespec table;
@@ -40,12 +40,13 @@ TEST(DbFast, tableSpecificationsAreChecked) {
         {"more rows than 31 bits count", {INT_MAX, 1}, {{DBF_BYTES, 1}}, DBF_END, false},
     };
     stderrOf([&] { // where memory that the system does not have is reported
-        for (const auto& c : cases)
+        for (const auto& c : cases) {
             EXPECT_EQ(createTable(c.table, c.fields, c.terminator) != nullptr, c.accepted) << c.what;
+        }
     });
 }
 
-TEST(DbFast, indexSpecificationsAreChecked) {
+TEST(DbFastTest, indexSpecificationsAreChecked) {
     const TablePtr table = createTable({0, 4}, {{DBF_INT, 0}, {DBF_FLOAT, 0}});
     const struct {
         int32_t kind;
@@ -53,9 +54,10 @@ TEST(DbFast, indexSpecificationsAreChecked) {
         bool accepted;
     } cases[] = {{1, {0}, true},  {1, {1, 0}, true},  {0, {0}, false},       {2, {0}, false},         {1, {}, false},
                  {1, {2}, false}, {1, {0, 0}, false}, {1, {0, 1, 0}, false}, {1, {0, INT_MAX}, false}};
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(createIndex(table, true, c.fields, c.kind) != nullptr, c.accepted)
             << testing::PrintToString(c.fields);
+    }
 }
 
 const TableShape tableShapes[] = {
@@ -88,9 +90,9 @@ struct RandomChoices {
     unsigned int below(std::size_t limit) { return static_cast<unsigned int>(random() % limit); }
 };
 
-TEST(DbFast, agreesWithAPlainModel) {
+TEST(DbFastTest, agreesWithAPlainModel) {
     unsigned int seed = 20260;
-    for (const TableShape& shape : tableShapes)
+    for (const TableShape& shape : tableShapes) {
         for (const dbf_tablespec& storage : storages) {
             std::cout << shape.name << ", " << storage.initialrows << " rows, " << storage.rowsperbucket
                       << " per bucket: seed " << ++seed << std::endl;
@@ -98,28 +100,32 @@ TEST(DbFast, agreesWithAPlainModel) {
             TableComparison<RandomChoices> comparison(shape, storage, choices);
             const unsigned int steps = storage.rowsperbucket == 2000 ? 30000 : 5000;
             for (unsigned int step = 0; step < steps; ++step) {
-                if (step % (steps / 8) == 0)
+                if (step % (steps / 8) == 0) {
                     comparison.compareAll();
-                if (step == steps / 12 || step == steps - steps / 6)
+                }
+                if (step == steps / 12 || step == steps - steps / 6) {
                     comparison.clear();
+                }
                 comparison.step(step * 5 / steps % 2 == 0 ? 24 : 2); // growing and shrinking in turn
             }
             comparison.compareAll();
         }
+    }
 }
 
-TEST(DbFast, aLocationFromBeforeClearingFindsNothing) {
+TEST(DbFastTest, aLocationFromBeforeClearingFindsNothing) {
     const TablePtr table = createTable({0, 4}, {{DBF_INT, 0}});
     dbf_index* const index = createIndex(table, false, {0});
     const int32_t key = 7;
-    for (int row = 0; row < 100; ++row)
+    for (int row = 0; row < 100; ++row) {
         ASSERT_EQ(dbf_insert(table.get(), &key), DBF_OK);
+    }
     const dbf_rowid last = *dbf_findhashmatch(index, &key);
     ASSERT_EQ(dbf_cleartable(table.get()), DBF_OK);
     EXPECT_EQ(dbf_findhashmatch_next(index, &key, &last), nullptr);
 }
 
-TEST(DbFast, aNullTextEqualsOnlyItself) {
+TEST(DbFastTest, aNullTextEqualsOnlyItself) {
     for (const int32_t type : {DBF_PSTRING, DBF_PWSTRING}) {
         const TablePtr table = createTable({0, 4}, {{type, 0}});
         dbf_index* const index = createIndex(table, true, {0});

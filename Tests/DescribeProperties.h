@@ -15,14 +15,15 @@ inline std::wstring describe(const ImportCommon::IFC2X3PropertySingleValue& valu
     std::wostringstream out;
     out.precision(17);
     out << static_cast<int>(type) << L':';
-    if (Value::isRealType(type))
+    if (Value::isRealType(type)) {
         out << value.getRealValue();
-    else if (type == Value::ValueType_String)
+    } else if (type == Value::ValueType_String) {
         out << value.getStringValue();
-    else if (type == Value::ValueType_Logical)
+    } else if (type == Value::ValueType_Logical) {
         out << static_cast<int>(value.getLogicalValue());
-    else // the getters of other types give 0
+    } else { // the getters of other types give 0
         out << value.getInt64Value() + value.getIntValue() + (value.getBooleanValue() ? 1 : 0);
+    }
     return out.str();
 }
 

@@ -24,8 +24,9 @@ public:
     unsigned int insert(const Vector_t& vector) {
         unsigned int* place = nullptr;
         const unsigned int found = descend(vector, place);
-        if (found != notFound)
+        if (found != notFound) {
             return found;
+        }
         *place = static_cast<unsigned int>(nodes_.size());
         nodes_.push_back({vector, notFound, notFound});
         return static_cast<unsigned int>(nodes_.size() - 1);
@@ -51,10 +52,12 @@ private:
         for (std::size_t depth = 0; *place != notFound; ++depth) {
             Node_s& node = nodes_[*place];
             double distance = 0;
-            for (std::size_t i = 0; i < vector.size(); ++i)
+            for (std::size_t i = 0; i < vector.size(); ++i) {
                 distance += std::fabs(node.vector[i] - vector[i]);
-            if (0.01 > distance)
+            }
+            if (0.01 > distance) {
                 return *place;
+            }
             const std::size_t axis = depth % vector.size();
             place = vector[axis] - node.vector[axis] >= -0.04 ? &node.high : &node.low;
         }
@@ -65,7 +68,7 @@ private:
     std::vector<Node_s> nodes_;
 };
 
-TEST(DxKDTree, agreesWithAPlainModel) {
+TEST(DxKDTreeTest, agreesWithAPlainModel) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double special[] = {nan, -nan, HUGE_VAL, -HUGE_VAL, -0.0, 1e308, -1e308};
     const double steps[] = {0, 0, 0, 0.0009, -0.0009, 0.001, -0.001, 0.0099, -0.0101, 0.03, -0.03, -0.04, -0.05};
@@ -79,26 +82,31 @@ TEST(DxKDTree, agreesWithAPlainModel) {
         Vector_t vector(dimension);
         for (int call = 0; call < 20000; ++call) {
             const bool fresh = model.size() == 0 || random() % 3 == 0;
-            if (!fresh)
+            if (!fresh) {
                 vector = model.vectorOf(static_cast<unsigned int>(random() % model.size()));
-            for (double& component : vector)
+            }
+            for (double& component : vector) {
                 component = (fresh ? static_cast<double>(random() % 40) / (dimension == 1 ? 0.01 : 4) : component) +
                             oneOf(steps);
-            if (random() % 20 == 0)
+            }
+            if (random() % 20 == 0) {
                 vector[random() % dimension] = oneOf(special);
-            if (random() % 2 == 0)
+            }
+            if (random() % 2 == 0) {
                 ASSERT_EQ(tree.insert(vector.data()), model.insert(vector)) << call;
-            else
+            } else {
                 ASSERT_EQ(tree.find(vector.data()), model.find(vector)) << call;
+            }
             ASSERT_EQ(tree.getCount(), model.size()) << call;
         }
-        for (unsigned int id = 0; id < model.size(); ++id)
+        for (unsigned int id = 0; id < model.size(); ++id) {
             ASSERT_EQ(std::memcmp(tree.getVector(id), model.vectorOf(id).data(), dimension * sizeof(double)), 0) << id;
+        }
         EXPECT_EQ(tree.getVector(static_cast<unsigned int>((model.size() + 1023) / 1024 * 1024)), nullptr);
     }
 }
 
-struct Shape_s {
+struct Shape {
     const char* name;
     void (*place)(unsigned int number, std::mt19937& random, double (&centre)[3]);
 };
@@ -108,7 +116,7 @@ double uniform(std::mt19937& random, double limit) {
 }
 
 /** Mostly equal objects; the second of a pair is so low that a small move takes another way. */
-const Shape_s shapes[] = {
+const Shape shapes[] = {
     {"ascending", [](unsigned int n, std::mt19937&, double (&at)[3]) { at[0] = n, at[1] = n % 2 * -0.035; }},
     {"descending", [](unsigned int n, std::mt19937&, double (&at)[3]) { at[0] = -1.0 * n, at[2] = n % 2 * -0.035; }},
     {"lattice", [](unsigned int n, std::mt19937&,
@@ -121,9 +129,9 @@ const Shape_s shapes[] = {
                     double (&at)[3]) { at[0] = std::ldexp(1 + uniform(random, 1e-9), static_cast<int>(n % 60)); }},
 };
 
-TEST(DxKDTree, agreesWithAPlainModelInShapes) {
+TEST(DxKDTreeTest, agreesWithAPlainModelInShapes) {
     const double moves[] = {0, 1e-9, 0.0007, 0.0099, 0.01, 0.0101, 0.03, 0.05};
-    for (const Shape_s& shape : shapes) {
+    for (const Shape& shape : shapes) {
         std::mt19937 random(77);
         CDxKDTree tree(11);
         PlainTree model;
@@ -132,8 +140,9 @@ TEST(DxKDTree, agreesWithAPlainModelInShapes) {
             shape.place(number, random, centre);
             Vector_t vector(11, 0.87);
             std::copy_n(centre, 3, vector.begin());
-            if (number % 500 == 499)
+            if (number % 500 == 499) {
                 vector[random() % 11] = number % 1000 == 999 ? HUGE_VAL : std::numeric_limits<double>::quiet_NaN();
+            }
             ASSERT_EQ(tree.insert(vector.data()), model.insert(vector)) << shape.name << ", seed 77, " << number;
             for (int call = 0; call < 2 && number > 1000; ++call) { // the first are all added on their own
                 Vector_t moved = model.vectorOf(static_cast<unsigned int>(random() % model.size()));
@@ -148,7 +157,7 @@ TEST(DxKDTree, agreesWithAPlainModelInShapes) {
     }
 }
 
-TEST(DxKDTree, agreesWithAPlainModelAcrossCornersOfCells) {
+TEST(DxKDTreeTest, agreesWithAPlainModelAcrossCornersOfCells) {
     std::mt19937 random(11);
     CDxKDTree tree(3);
     PlainTree model;
@@ -156,13 +165,14 @@ TEST(DxKDTree, agreesWithAPlainModelAcrossCornersOfCells) {
         Vector_t vector(3);
         std::generate(vector.begin(), vector.end(), [&] { return uniform(random, 50); });
         ASSERT_EQ(tree.insert(vector.data()), model.insert(vector)) << call;
-        for (double& component : vector)
+        for (double& component : vector) {
             component += uniform(random, 0.006) - 0.003;
+        }
         ASSERT_EQ(tree.find(vector.data()), model.find(vector)) << call;
     }
 }
 
-TEST(DxKDTree, whatIsNotANumberHidesNoOtherNode) {
+TEST(DxKDTreeTest, whatIsNotANumberHidesNoOtherNode) {
     CDxKDTree tree(20);
     PlainTree model;
     const auto insert = [&](const Vector_t& vector) { ASSERT_EQ(tree.insert(vector.data()), model.insert(vector)); };
@@ -190,7 +200,7 @@ void* fillSorted(void* wrong) {
     return nullptr;
 }
 
-TEST(DxKDTree, sortedInputNeedsNoStack) {
+TEST(DxKDTreeTest, sortedInputNeedsNoStack) {
     pthread_attr_t attributes;
     ASSERT_EQ(pthread_attr_init(&attributes), 0);
     ASSERT_EQ(pthread_attr_setstacksize(&attributes, 128 * 1024), 0);

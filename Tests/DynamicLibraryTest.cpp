@@ -93,14 +93,16 @@ TEST_F(DynamicLibraryTest, executableIsALibraryToo) {
 TEST(DynamicLibraryDeathTest, onlyTheFirstFailureIsLogged) {
     const auto failTwice = [] {
         // The reason, which names the file, serves as a format: only doubled percent signs may change.
-        for (const wchar_t* path : {L"/none/5%% %s %n %%%%", L"/none/second"})
-            if (DynamicLibrary::loadDynamicLibrary(path, L"") != nullptr)
+        for (const wchar_t* path : {L"/none/5%% %s %n %%%%", L"/none/second"}) {
+            if (DynamicLibrary::loadDynamicLibrary(path, L"") != nullptr) {
                 std::abort();
+            }
+        }
     };
     expectStderrOfFreshProcess(failTwice, "/none/5% %s %n %%: [^>]*");
 }
 
-TEST(KitDebug, logIsWrittenAsItStands) {
+TEST(KitDebugTest, logIsWrittenAsItStands) {
     for (const int level : {4, -1, 99}) {
         EXPECT_EQ(stderrOf([level] {
                       ImportCommon::KitLog(static_cast<ImportCommon::KitLogLevel_e>(level), "alloc size %d", 0);

@@ -43,9 +43,9 @@ const struct {
 };
 
 /** Prepares the environment of an import as a host does, and clears it again. */
-class Environment : public testing::Test {
+class EnvironmentTest : public testing::Test {
 protected:
-    Environment() {
+    EnvironmentTest() {
         for (const auto& [key, field] : textFields) {
             env_.*field = L"earlier";
             setenv(key, (std::string("\xC3\xBC ") + key).c_str(), 1);
@@ -56,12 +56,14 @@ protected:
         }
     }
 
-    ~Environment() override {
+    ~EnvironmentTest() override {
         unsetenv("fo_handle_version");
-        for (const auto& [key, field] : textFields)
+        for (const auto& [key, field] : textFields) {
             unsetenv(key);
-        for (const auto& [key, field] : streamFields)
+        }
+        for (const auto& [key, field] : streamFields) {
             unsetenv(key);
+        }
     }
 
     /** The library only carries the pointer, so any address that differs from key to key will do. */
@@ -70,13 +72,15 @@ protected:
     ForeignObjectEnv_t env_;
 };
 
-TEST_F(Environment, versionOneFillsEveryField) {
+TEST_F(EnvironmentTest, versionOneFillsEveryField) {
     setenv("fo_handle_version", "1abc", 1);
     EXPECT_TRUE(foreignobject_env_deserialize(env_));
-    for (const auto& [key, field] : textFields)
+    for (const auto& [key, field] : textFields) {
         EXPECT_EQ(env_.*field, L"\u00FC " + std::wstring(key, key + std::string(key).size()));
-    for (const auto& [key, field] : streamFields)
+    }
+    for (const auto& [key, field] : streamFields) {
         EXPECT_EQ(env_.*field, streamOf(key)) << key;
+    }
     unsetenv("fo_string_module");
     unsetenv("fo_handle_log");
     EXPECT_TRUE(foreignobject_env_deserialize(env_));
@@ -84,7 +88,7 @@ TEST_F(Environment, versionOneFillsEveryField) {
     EXPECT_EQ(env_.log, nullptr);
 }
 
-TEST_F(Environment, anotherVersionLeavesTheOtherFields) {
+TEST_F(EnvironmentTest, anotherVersionLeavesTheOtherFields) {
     EXPECT_FALSE(foreignobject_env_deserialize(env_)); // not set
     setenv("fo_handle_version", "2", 1);
     EXPECT_FALSE(foreignobject_env_deserialize(env_));
@@ -93,7 +97,7 @@ TEST_F(Environment, anotherVersionLeavesTheOtherFields) {
     EXPECT_EQ(env_.foreignObjects, stdin);
 }
 
-TEST(EnvironmentVariables, numbersAndStreams) {
+TEST(EnvironmentVariablesTest, numbersAndStreams) {
     EXPECT_EQ(EnvironmentVariables::SetInt(L"ic_test", -5), 0);
     EXPECT_EQ(EnvironmentVariables::GetInt(L"ic_test"), -5);
     EXPECT_EQ(std::getenv("ic_test"), std::string("-5"));
@@ -106,7 +110,7 @@ TEST(EnvironmentVariables, numbersAndStreams) {
     EXPECT_EQ(EnvironmentVariables::GetString(L"ic_test"), L"");
 }
 
-TEST(EnvironmentVariables, textIsUtf8AndCutToTheBuffer) {
+TEST(EnvironmentVariablesTest, textIsUtf8AndCutToTheBuffer) {
     const std::wstring longText(5000, L'x');
     const std::string x4095(4095, 'x');
     const std::pair<std::wstring, std::string> written[] = {

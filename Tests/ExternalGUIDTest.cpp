@@ -59,7 +59,7 @@ void expectAnswersOf(const ExternalGUID& guid, unsigned int kind) {
     EXPECT_EQ(guid.getHalvorneObi(), kind == ExternalGUID::GUIDTypeHalvorneObi ? -2 : 0);
 }
 
-TEST(ExternalGUID, everyKindByteByByte) {
+TEST(ExternalGUIDTest, everyKindByteByByte) {
     const int obi = -2;
     const std::pair<ExternalGUID, std::string> cases[] = {
         {ExternalGUID(), record(0, "", 0)},
@@ -77,7 +77,7 @@ TEST(ExternalGUID, everyKindByteByByte) {
     }
 }
 
-TEST(ExternalGUID, inputsOfAnyLength) {
+TEST(ExternalGUIDTest, inputsOfAnyLength) {
     std::string stream(200, '\0');
     std::generate(stream.begin(), stream.end(), [next = 'A']() mutable { return next++; });
     for (unsigned int size = 0; size <= 200; ++size) {
@@ -92,7 +92,7 @@ TEST(ExternalGUID, inputsOfAnyLength) {
     EXPECT_LE(std::strlen(ExternalGUID::fromByteStream(recordSize, endless.data()).getIFCGlobalID()), 88u);
 }
 
-TEST(ExternalGUID, copiesAreDeep) {
+TEST(ExternalGUIDTest, copiesAreDeep) {
     ExternalGUID original = ExternalGUID::fromIFCGlobalID(globalId);
     const ExternalGUID copy(original);
     ExternalGUID assigned = ExternalGUID::fromByteStream(recordSize, std::string(recordSize, 'x').data());
@@ -111,15 +111,17 @@ Hash_t modelSpatialHash(const std::vector<double>& xyz) {
     const std::size_t visited = xyz.size() / 3 - 1; // the last vertex is left out
     for (std::size_t v = 0; v < visited; ++v) {
         const double* const p = &xyz[3 * v];
-        for (std::size_t axis = 0; axis < 3; ++axis)
+        for (std::size_t axis = 0; axis < 3; ++axis) {
             low[axis] = low[axis] > p[axis] ? p[axis] : low[axis];
+        }
         high[0] = p[0] > high[0] ? p[0] : high[0];
         high[1] = p[1] > high[1] ? p[1] : high[1];
         high[2] = p[2] > high[2] ? p[1] : high[2]; // y, not z
     }
     Hash_t hash{};
-    for (std::size_t axis = 0; axis < 3; ++axis)
+    for (std::size_t axis = 0; axis < 3; ++axis) {
         hash[axis] = (low[axis] + high[axis]) / 2.0;
+    }
     for (std::size_t v = 0; v < visited; ++v) {
         const double dx = xyz[3 * v] - hash[0];
         const double dy = xyz[3 * v + 1] - hash[1];
@@ -130,7 +132,7 @@ Hash_t modelSpatialHash(const std::vector<double>& xyz) {
     return hash;
 }
 
-TEST(ExternalGUID, spatialHashAgreesWithThePlainModel) {
+TEST(ExternalGUIDTest, spatialHashAgreesWithThePlainModel) {
     constexpr unsigned int seed = 4711;
     std::cout << "seed " << seed << std::endl;
     std::mt19937 random(seed);
@@ -143,8 +145,9 @@ TEST(ExternalGUID, spatialHashAgreesWithThePlainModel) {
         const ExternalGUID guid = ExternalGUID::spatialHashFromVertexes(count, xyz.data());
         ASSERT_EQ(guid.getType(), ExternalGUID::GUIDTypeSpatialHash);
         const Hash_t expected = modelSpatialHash(xyz);
-        for (std::size_t i = 0; i < expected.size(); ++i)
+        for (std::size_t i = 0; i < expected.size(); ++i) {
             EXPECT_DOUBLE_EQ(guid.getSpatialHash()[i], expected[i]) << "value " << i << ", round " << round;
+        }
     }
     const ExternalGUID none = ExternalGUID::spatialHashFromVertexes(0, nullptr);
     EXPECT_EQ(bytesOf(none), record(1, "", 0));
@@ -165,12 +168,13 @@ ExternalGUID randomKey(std::mt19937& random) {
     std::string bytes(8 + sizes[kind], '\0');
     bytes[0] = static_cast<char>(ExternalGUID::GUIDTypeIFCGlobalID + kind);
     const std::size_t spread = random() % 3; // the bytes that tell the keys apart stand in front, behind, or in between
-    for (std::size_t i = 0; i < 3; ++i)
+    for (std::size_t i = 0; i < 3; ++i) {
         bytes[8 + std::min(i + spread * 9, sizes[kind] - 1 - i)] = static_cast<char>(random() % 13 * 20);
+    }
     return fromBytes(bytes);
 }
 
-TEST(ExternalGUIDDatabase, agreesWithAMap) {
+TEST(ExternalGUIDDatabaseTest, agreesWithAMap) {
     const unsigned int seed = 4300;
     std::cout << "seed " << seed << "\n";
     std::mt19937 random(seed);
@@ -183,11 +187,13 @@ TEST(ExternalGUIDDatabase, agreesWithAMap) {
         std::string key = bytesOf(guid);
         if (random() % 4 == 0) { // whole numbers are far apart; what is added stays within the tolerance
             Hash_t values = {};
-            for (double& value : values)
+            for (double& value : values) {
                 value = static_cast<double>(random() % 2) * 3;
+            }
             key = bytesOf(spatialHash(values));
-            for (double& value : values)
+            for (double& value : values) {
                 value += static_cast<double>(random() % 9) * 0.0001;
+            }
             guid = spatialHash(values);
         }
         const auto known = model.find(key);
@@ -208,11 +214,12 @@ TEST(ExternalGUIDDatabase, agreesWithAMap) {
         ASSERT_EQ(database.findGUID(fromBytes(bytes)), id);
         ASSERT_TRUE(id >= 0 || bytesFor(database, id) == bytes) << id;
     }
-    for (const int id : {-1, nextKey, nextKey - 1, INT_MIN, nextHash, nextHash + 1, 2047, 2048, INT_MAX})
+    for (const int id : {-1, nextKey, nextKey - 1, INT_MIN, nextHash, nextHash + 1, 2047, 2048, INT_MAX}) {
         EXPECT_EQ(bytesFor(database, id), std::string(96, '\0')) << id;
+    }
 }
 
-TEST(ExternalGUIDDatabase, kindsWithoutKeyHaveNoId) {
+TEST(ExternalGUIDDatabaseTest, kindsWithoutKeyHaveNoId) {
     ExternalGUIDDatabase database;
     for (const char kind : {'\0', '\5', 'd'}) {
         EXPECT_EQ(database.insertGUID(fromBytes(std::string(1, kind))), -1);

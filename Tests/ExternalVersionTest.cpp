@@ -68,15 +68,16 @@ std::string tagOf(std::size_t type) {
     return static_cast<char>(type) + "\0\0\0"s;
 }
 
-TEST(ExternalVersion, everyKindByteByByte) {
+TEST(ExternalVersionTest, everyKindByteByByte) {
     for (const std::size_t type : {0u, 1u, 2u, 3u}) {
         const ExternalVersion version = make(type, sample);
         const std::string expected = stream(tagOf(type), firstValue[type], sample);
         for (const unsigned int size : {0u, largest - 1, largest, largest + 10}) {
             std::string buffer(size, '#');
             std::string after = buffer;
-            if (size >= largest)
+            if (size >= largest) {
                 after.replace(0, expected.size(), expected);
+            }
             EXPECT_EQ(version.toByteStream(size, buffer.data()), size < largest ? 0u : expected.size());
             EXPECT_EQ(buffer, after) << size;
         }
@@ -92,8 +93,9 @@ TEST(ExternalVersion, everyKindByteByByte) {
 
 /** Reads the stream form as far as it goes, and returns the kind. */
 std::uint32_t modelRead(Values_t& v, const std::string& bytes) {
-    if (bytes.size() < 4)
+    if (bytes.size() < 4) {
         return 0;
+    }
     // Meant: the first three bytes are signed.
     const auto type = static_cast<std::uint32_t>(
         static_cast<signed char>(bytes[0]) + static_cast<signed char>(bytes[1]) * 256 +
@@ -104,8 +106,9 @@ std::uint32_t modelRead(Values_t& v, const std::string& bytes) {
         const std::size_t end = *std::upper_bound(std::begin(blockEnds), std::end(blockEnds), value);
         const std::size_t size = (end - value) * sizeof(double);
         const std::size_t remaining = bytes.size() - at;
-        if (value == box ? remaining != size : remaining < size)
+        if (value == box ? remaining != size : remaining < size) {
             break;
+        }
         std::memcpy(&v[value], &bytes[at], size);
         at += size;
         value = end;
@@ -113,7 +116,7 @@ std::uint32_t modelRead(Values_t& v, const std::string& bytes) {
     return type;
 }
 
-TEST(ExternalVersion, streamsOfAnyLengthAndKind) {
+TEST(ExternalVersionTest, streamsOfAnyLengthAndKind) {
     const std::string tags[] = {tagOf(0),      tagOf(1),      tagOf(2),      tagOf(3),     tagOf(4),
                                 "\x80\1\0\0"s, "\2\x80\0\0"s, "\3\0\xFF\1"s, "\1\0\0\x80"s};
     for (const auto& tag : tags) {
@@ -129,7 +132,7 @@ TEST(ExternalVersion, streamsOfAnyLengthAndKind) {
     }
 }
 
-TEST(ExternalVersion, equalWithinTheTolerances) {
+TEST(ExternalVersionTest, equalWithinTheTolerances) {
     const struct {
         std::size_t value;
         double difference;
@@ -144,8 +147,9 @@ TEST(ExternalVersion, equalWithinTheTolerances) {
         Values_t changed{};
         changed[c.value] = c.difference;
         const bool expected[] = {true, c.boxes, c.solids, c.geometries};
-        for (const std::size_t type : {0u, 1u, 2u, 3u})
+        for (const std::size_t type : {0u, 1u, 2u, 3u}) {
             EXPECT_EQ(make(type, {}) == make(type, changed), expected[type]) << type << " " << c.difference;
+        }
     }
     // Of the box, the distance of all three dimensions together counts.
     EXPECT_FALSE(createFromBoundingBox(0, 0, 0) == createFromBoundingBox(0.0008, 0.0008, 0));
@@ -165,13 +169,15 @@ double offsetSimilarity(const double* a, const double* b, double scale) {
 }
 
 double modelSimilarity(std::size_t type, const Values_t& a, const Values_t& b) {
-    if (type <= 1)
+    if (type <= 1) {
         return type == 0 ? 0 : transform(offsetSimilarity(&a[box], &b[box], 1.0), 0.7, 3);
+    }
     const double scale = std::max(std::accumulate(&a[distances], &a[box], 0.0) / 8.0,
                                   std::accumulate(&b[distances], &b[box], 0.0) / 8.0);
     double orientation = 0;
-    for (std::size_t i = distances; i < box; ++i)
+    for (std::size_t i = distances; i < box; ++i) {
         orientation += (1 - std::abs(b[i] - a[i]) / scale) / 8;
+    }
     double score = transform(offsetSimilarity(&a[centroid], &b[centroid], scale), 0.7, 3) *
                    transform(orientation, 0.8, 4) * transform(offsetSimilarity(&a[box], &b[box], scale), 0.7, 3);
     if (type == 2) {
@@ -181,7 +187,7 @@ double modelSimilarity(std::size_t type, const Values_t& a, const Values_t& b) {
     return score;
 }
 
-TEST(ExternalVersion, similarityAgreesWithTheFormulas) {
+TEST(ExternalVersionTest, similarityAgreesWithTheFormulas) {
     constexpr unsigned int seed = 99;
     std::cout << "seed " << seed << std::endl;
     std::mt19937 random(seed);
@@ -207,7 +213,7 @@ TEST(ExternalVersion, similarityAgreesWithTheFormulas) {
     EXPECT_EQ(withTag(make(2, sample), 4).similarity(make(2, sample)), 0.0);
 }
 
-TEST(ExternalVersion, text) {
+TEST(ExternalVersionTest, text) {
     const auto textOf = [](std::size_t type, unsigned int size) {
         std::string buffer(size, '#');
         make(type, sample).toString(size, buffer.data());
@@ -224,7 +230,7 @@ TEST(ExternalVersion, text) {
     EXPECT_EQ(textOf(0, 0) + textOf(1, 0), "");
 }
 
-TEST(ExternalVersion, handlesOwnTheirVersion) {
+TEST(ExternalVersionTest, handlesOwnTheirVersion) {
     ExternalVersion version(new CExternalVersion(1, 2, 3)); // a leak or a second delete shows under a sanitizer
     const ExternalVersion copy(version);
     ExternalVersion assigned = make(2, sample);
@@ -241,8 +247,9 @@ TEST(ExternalVersion, handlesOwnTheirVersion) {
 
 TEST(ExternalVersionDeathTest, eachAccessorWarnsOnce) {
     const auto readAll = [] {
-        for (const std::size_t type : {2u, 1u, 3u, 0u, 0u})
+        for (const std::size_t type : {2u, 1u, 3u, 0u, 0u}) {
             visible(make(type, sample));
+        }
     };
     expectStderrOfFreshProcess(readAll, "no volume in this typeno centeroid in this type"
                                         "no distances in this typeno bounding box in this type");

@@ -28,8 +28,9 @@ thread_local bool failed = false;
 
 #ifdef UNDERLYING
 __attribute__((no_sanitize("address", "undefined"))) bool failsNow() {
-    if (allowed < 0 || allowed-- > 0)
+    if (allowed < 0 || allowed-- > 0) {
         return false;
+    }
     allowed = failsOnce ? -1 : 0;
     failed = true;
     errno = ENOMEM;
@@ -65,8 +66,9 @@ void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
 }
 
 void* operator new(std::size_t size) {
-    if (void* const block = std::malloc(size == 0 ? 1 : size))
+    if (void* const block = std::malloc(size == 0 ? 1 : size)) {
         return block;
+    }
     throw std::bad_alloc();
 }
 

@@ -26,16 +26,17 @@ public:
 };
 
 /** Skips its tests where allocations can't be made to fail. */
-class AllocationFailure : public testing::Test {
+class AllocationFailureTest : public testing::Test {
 protected:
     void SetUp() override {
-        if (!FailingAllocator::isAvailable())
+        if (!FailingAllocator::isAvailable()) {
             GTEST_SKIP() << "the allocator can't be replaced here";
+        }
     }
 };
 
 /** Which allocations fail. */
-struct Failure_s {
+struct Failure {
     long which;
     FailingAllocator::Extent_e extent;
 
@@ -48,17 +49,19 @@ struct Failure_s {
     }
 };
 
-constexpr Failure_s noMemory = {1, FailingAllocator::FromThenOn};
+constexpr Failure noMemory = {1, FailingAllocator::FromThenOn};
 
 /** Calls the attempt with its first, second, third ... allocation failing, until it gets by without a failure. */
 template <typename Attempt>
 void forEachFailure(const Attempt& attempt) {
     for (const auto extent : {FailingAllocator::Once, FailingAllocator::FromThenOn}) {
         long which = 1;
-        while (attempt(Failure_s{which, extent}) && !testing::Test::HasFailure())
+        while (attempt(Failure{which, extent}) && !testing::Test::HasFailure()) {
             ++which;
+        }
         EXPECT_GT(which, 1) << "nothing was allocated";
-        if (testing::Test::HasFailure())
+        if (testing::Test::HasFailure()) {
             FAIL() << "at allocation " << which << (extent == FailingAllocator::Once ? "" : " and all later ones");
+        }
     }
 }

@@ -31,8 +31,9 @@ protected:
 
 TEST_F(FileOperationsTest, kindsOfEntries) {
     const unsigned long long large = (5ull << 30) + 1;
-    for (const char* name : {"file", "sparse", "caf\xC3\xA9 \xE4\xB8\xAD"})
+    for (const char* name : {"file", "sparse", "caf\xC3\xA9 \xE4\xB8\xAD"}) {
         writeFile(name, "12345");
+    }
     fs::resize_file("sparse", large);
     fs::create_directory("folder");
     fs::create_symlink("file", "link");
@@ -99,7 +100,7 @@ TEST_F(FileOperationsTest, timesAccessAndSpace) {
     EXPECT_EQ(FileOperations::GetFreeBytesAvailable(L"missing"), 0u);
 }
 
-TEST(FileOperations, localTimes) {
+TEST_F(FileOperationsTest, localTimes) {
     const char* const centralEurope = "CET-1CEST,M3.5.0,M10.5.0/3";
     const struct {
         const char* zone;
@@ -150,7 +151,7 @@ TEST_F(FileOperationsTest, fullPathsAndFolders) {
     }
 }
 
-TEST(FileOperations, componentsOfPaths) {
+TEST_F(FileOperationsTest, componentsOfPaths) {
     const struct {
         std::wstring path, name, stem, withSlash;
     } cases[] = {
@@ -178,8 +179,9 @@ TEST_F(FileOperationsTest, scansFolders) {
     };
     fs::create_directories("folder/deeper");
     fs::create_directory("empty");
-    for (const char* name : {"b.ifc", ".hidden", "caf\xC3\xA9 \xE4\xB8\xAD", "deeper/not listed"})
+    for (const char* name : {"b.ifc", ".hidden", "caf\xC3\xA9 \xE4\xB8\xAD", "deeper/not listed"}) {
         writeFile(std::string("folder/") + name, "");
+    }
     fs::create_symlink("deeper", "folder/folderLink");
     fs::create_symlink("nowhere", "folder/dangling");
 
@@ -187,12 +189,13 @@ TEST_F(FileOperationsTest, scansFolders) {
     EXPECT_EQ(sortedScan(L"folder"), expected);
     writeFile("empty/\xFF", ""); // a name that can't be decoded stands for the folder itself
     stderrOf([&] {               // which the decoder reports
-        for (const wchar_t* path : {L"empty", L"folder/b.ifc", L"missing", L""})
+        for (const wchar_t* path : {L"empty", L"folder/b.ifc", L"missing", L""}) {
             EXPECT_EQ(sortedScan(path), Paths_t{}) << testing::PrintToString(path);
+        }
     });
 }
 
-TEST(FileOperations, matchesExtensions) {
+TEST_F(FileOperationsTest, matchesExtensions) {
     const struct {
         std::wstring file, list;
         bool matches;

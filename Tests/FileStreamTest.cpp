@@ -74,8 +74,9 @@ TEST_F(FileStreamTest, readsInBlocks) {
         {-1, 0xFFFFFFFF00000001, "8"},
     };
     for (const auto& c : cases) {
-        if (c.offset >= 0)
+        if (c.offset >= 0) {
             stream->seekToOffset(static_cast<unsigned long>(c.offset));
+        }
         std::vector<char> content(7, '#');
         EXPECT_EQ(stream->read(c.size, content), !c.content.empty()) << c.offset << ' ' << c.size;
         EXPECT_EQ(std::string(content.begin(), content.end()), c.content) << c.offset << ' ' << c.size;
@@ -114,8 +115,9 @@ TEST_F(FileStreamTest, closesWhatItOwns) {
         const int descriptor = fileno(handle);
         delete (owns ? new FileStream(handle, true) : FileStream::createFromHandle(handle));
         EXPECT_EQ(fcntl(descriptor, F_GETFD) != -1, !owns);
-        if (!owns)
+        if (!owns) {
             std::fclose(handle);
+        }
     }
 }
 
@@ -167,10 +169,10 @@ TEST_F(FileStreamTest, temporaryFilesAreAlwaysNew) {
     fs::remove(taken);
 }
 
-TEST_F(AllocationFailure, leavesNoTemporaryFile) {
+TEST_F(AllocationFailureTest, leavesNoTemporaryFile) {
     const std::string path = pathOf(*createTemporary(1));
     fs::remove(path);
-    forEachFailure([&path](const Failure_s& failure) {
+    forEachFailure([&path](const Failure& failure) {
         Stream_t stream;
         const bool failed = failure.during([&stream] { stream = createTemporary(1); });
         EXPECT_EQ(stream == nullptr, failed);

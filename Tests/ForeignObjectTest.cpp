@@ -24,7 +24,7 @@ ForeignObjectSolid solidOf(const std::string& bytes) {
     return ForeignObjectSolid(hostType, static_cast<unsigned int>(bytes.size()), exact.data());
 }
 
-TEST(ForeignObjectSolid, copiesOwnTheirBytes) {
+TEST(ForeignObjectSolidTest, copiesOwnTheirBytes) {
     for (const std::string& bytes : {std::string("a\0c", 3), std::string(70000, 'x'), std::string()}) {
         auto source = std::make_unique<ForeignObjectSolid>(solidOf(bytes));
         const ForeignObjectSolid copy(*source);
@@ -41,7 +41,7 @@ TEST(ForeignObjectSolid, copiesOwnTheirBytes) {
     }
 }
 
-TEST_F(AllocationFailure, solidIsEmptyAndSaysSoOncePerOperation) {
+TEST_F(AllocationFailureTest, solidIsEmptyAndSaysSoOncePerOperation) {
     ForeignObjectSolid source = solidOf("abc");
     ForeignObjectSolid assigned(ForeignObjectSolid::Type_TriangleMesh, 0, nullptr);
     const struct {

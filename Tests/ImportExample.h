@@ -63,8 +63,9 @@ protected:
         EXPECT_NE(result.error.find(named), std::string::npos) << result.error;
         EXPECT_NE(result.error.find(reason), std::string::npos) << result.error;
         EXPECT_EQ(readFile(file("state/objects.state")), before);
-        for (const auto& entry : fs::directory_iterator(file("state")))
+        for (const auto& entry : fs::directory_iterator(file("state"))) {
             EXPECT_TRUE(entry.path().filename() == "objects.state" || entry.path().filename() == "output") << entry;
+        }
     }
 
     const TemporaryFolder folder_;
@@ -77,9 +78,11 @@ using PropertyChanges = std::set<json>;
 
 inline PropertyChanges changedProperties(const json& report) {
     PropertyChanges changes;
-    for (const json& object : report["objects"])
-        for (const json& p : object.value("properties", json::array()))
+    for (const json& object : report["objects"]) {
+        for (const json& p : object.value("properties", json::array())) {
             changes.insert(json::array({object["identity"], p["set"], p["name"], p["old"], p["new"]}));
+        }
+    }
     return changes;
 }
 

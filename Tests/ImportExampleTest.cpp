@@ -14,7 +14,7 @@
 
 namespace {
 
-TEST_F(ImportExampleTest, EveryEditGetsItsStatus) {
+TEST_F(ImportExampleTest, everyEditGetsItsStatus) {
     const json edits = json::parse(readFile(fs::path(MODELS_DIR) / "house-edits.json"));
     const json first = import(house_);
     EXPECT_EQ(first["counts"]["added"], first["objects"].size());
@@ -23,10 +23,11 @@ TEST_F(ImportExampleTest, EveryEditGetsItsStatus) {
     std::map<std::string, std::set<json>> found;
     for (const json& object : report["objects"]) {
         const std::string status = object["status"];
-        if (status == "reidentified")
+        if (status == "reidentified") {
             found[status].insert(json::array({object["previousIdentity"], object["identity"]}));
-        else if (status != "unchanged")
+        } else if (status != "unchanged") {
             found[status].insert(object["identity"]);
+        }
         EXPECT_EQ(object.contains("previousIdentity"), status == "reidentified");
         EXPECT_EQ(object.contains("previousClass"), status == "reclassed");
         EXPECT_EQ(object["distance"].is_null(), status == "added" || status == "removed");
@@ -34,15 +35,17 @@ TEST_F(ImportExampleTest, EveryEditGetsItsStatus) {
         EXPECT_TRUE(status != "unchanged" || (object["similarity"] == 1.0 && object["distance"] == 0.0)) << object;
     }
     for (const auto& [status, identities] : edits.items()) {
-        if (status == "properties")
+        if (status == "properties") {
             continue;
+        }
         EXPECT_EQ(found[status], std::set<json>(identities.begin(), identities.end())) << status;
         EXPECT_EQ(report["counts"][status], identities.size()) << status;
     }
     EXPECT_EQ(found.size(), 7u);
     PropertyChanges changes;
-    for (const json& edit : edits["properties"])
+    for (const json& edit : edits["properties"]) {
         changes.insert(json::array({edit["identity"], edit["set"], edit["name"], edit["old"], edit["new"]}));
+    }
     EXPECT_EQ(changedProperties(report), changes);
     EXPECT_EQ(report["counts"]["properties"], edits["properties"].size());
     EXPECT_EQ(report["counts"]["unchanged"], first["objects"].size() - 8);
@@ -52,13 +55,14 @@ TEST_F(ImportExampleTest, EveryEditGetsItsStatus) {
     const std::string picture = readFile(file("plan.svg"));
     for (const auto& [status, count] : report["counts"].items()) {
         std::size_t paths = 0;
-        for (std::size_t at = 0; (at = picture.find("<path class=\"" + status + '"', at)) != std::string::npos; ++at)
+        for (std::size_t at = 0; (at = picture.find("<path class=\"" + status + '"', at)) != std::string::npos; ++at) {
             ++paths;
+        }
         EXPECT_EQ(paths, count) << status;
     }
 }
 
-TEST_F(ImportExampleTest, MovesOfAnySizeAreMoves) {
+TEST_F(ImportExampleTest, movesOfAnySizeAreMoves) {
     const std::map<std::string, double> moves = {{"0.0005,0.,0.", 0},
                                                  {"0.,0.002,0.", 0.002},
                                                  {"0.123456,-0.7,0.3", std::hypot(0.123456, 0.7, 0.3)},
@@ -75,7 +79,7 @@ TEST_F(ImportExampleTest, MovesOfAnySizeAreMoves) {
     }
 }
 
-TEST_F(ImportExampleTest, NamesReachTheReportAsTheyAre) {
+TEST_F(ImportExampleTest, namesReachTheReportAsTheyAre) {
     const std::pair<std::string, std::string> names[] = {
         {"It''s \"quoted\" \\\\ <b>&amp;</b> %41", "It's \"quoted\" \\ <b>&amp;</b> %41"},
         {"tab\tand\x01 control", "tab\tand\x01 control"},
@@ -90,8 +94,9 @@ TEST_F(ImportExampleTest, NamesReachTheReportAsTheyAre) {
         const json report = import(replaced(house_, "'Bench'", '\'' + encoded + '\''));
         std::size_t found = 0;
         for (const json& object : report["objects"]) {
-            if (object["identity"] != "2Q3D669m15Uwr_ACk1kweT")
+            if (object["identity"] != "2Q3D669m15Uwr_ACk1kweT") {
                 continue;
+            }
             EXPECT_EQ(object["name"], name);
             ++found;
         }
@@ -99,7 +104,7 @@ TEST_F(ImportExampleTest, NamesReachTheReportAsTheyAre) {
     }
 }
 
-TEST_F(ImportExampleTest, ObjectsWithBadIdentitiesAreNotLost) {
+TEST_F(ImportExampleTest, objectsWithBadIdentitiesAreNotLost) {
     const std::size_t objects = import(house_)["objects"].size();
     const std::pair<const char*, const char*> identities[] = {
         {"used twice", "1Hd7MYGzT7xfPnKQ1cRawj"}, {"invalid", "9Q3D669m15Uwr_ACk1kweT"}, {"too short", "2Q3D"}};
@@ -113,7 +118,7 @@ TEST_F(ImportExampleTest, ObjectsWithBadIdentitiesAreNotLost) {
     }
 }
 
-TEST_F(ImportExampleTest, BadModelsAreRefused) {
+TEST_F(ImportExampleTest, badModelsAreRefused) {
     import(house_);
     const std::pair<std::string, const char*> models[] = {
         {"", "empty"},
@@ -135,7 +140,7 @@ TEST_F(ImportExampleTest, BadModelsAreRefused) {
     EXPECT_FALSE(fs::exists(file("bad.ifc.import"))) << "a first import that fails leaves nothing behind";
 }
 
-TEST_F(ImportExampleTest, ModelsOfAFolderAreImportedEachForItself) {
+TEST_F(ImportExampleTest, modelsOfAFolderAreImportedEachForItself) {
     import(house_);
     fs::create_directory(file("models"));
     expectFailure("models", 1, "models: ", "no model");
@@ -159,7 +164,7 @@ TEST_F(ImportExampleTest, ModelsOfAFolderAreImportedEachForItself) {
     expectFailure("--list state house.ifc", 2, "without a model", "usage: ");
 }
 
-TEST_F(ImportExampleTest, BadPluginsAndPlacesAreRefused) {
+TEST_F(ImportExampleTest, badPluginsAndPlacesAreRefused) {
     import(house_);
     writeFile(file("junk.so"), "junk");
     Dl_info library;
@@ -181,8 +186,9 @@ TEST_F(ImportExampleTest, BadPluginsAndPlacesAreRefused) {
         setenv("BAD_PLUGIN", how, 1);
         expectFailure("--state state --plugin bad.so house.ifc", 1, "", reason);
     }
-    if (fs::exists("/dev/full"))
+    if (fs::exists("/dev/full")) {
         expectFailure("--state state --picture /dev/full house.ifc", 1, "/dev/full: ", "No space left");
+    }
 
     expectFailure("", 2, "no model", "usage: ");
     expectFailure("--colour house.ifc", 2, "--colour", "usage: ");
@@ -196,7 +202,7 @@ TEST_F(ImportExampleTest, BadPluginsAndPlacesAreRefused) {
     EXPECT_EQ(readFile(file("house.ifc")), house_);
 }
 
-TEST_F(ImportExampleTest, ForeignAndDamagedStatesAreRefused) {
+TEST_F(ImportExampleTest, foreignAndDamagedStatesAreRefused) {
     import(house_);
     const std::string state = readFile(file("state/objects.state"));
     std::string damaged = state;

@@ -39,8 +39,9 @@ public:
         int ends[2];
         EXPECT_EQ(pipe(ends), 0);
         std::vector<const char*> texts = {IMPORT_HOST, "--plugin", IFC_PLUGIN};
-        for (const std::string& argument : arguments)
+        for (const std::string& argument : arguments) {
             texts.push_back(argument.c_str());
+        }
         texts.push_back(nullptr);
         id_ = fork();
         if (id_ == 0) {
@@ -50,8 +51,9 @@ public:
             close(ends[0]);
             close(ends[1]);
             // The IFC reader's crashes shall end its process as they do without a sanitizer, whatever the signal.
-            for (const char* const options : {"ASAN_OPTIONS", "TSAN_OPTIONS"})
+            for (const char* const options : {"ASAN_OPTIONS", "TSAN_OPTIONS"}) {
                 setenv(options, sanitizerOptions, 1);
+            }
             alarm(120); // not for ever
             prepare();
             execv(IMPORT_HOST, const_cast<char**>(texts.data()));
@@ -71,8 +73,9 @@ public:
     /** @return the exit code, or the negative number of the signal that ended it */
     int wait(std::string& error) const {
         char block[4096];
-        for (ssize_t size = 0; (size = ::read(errors_, block, sizeof block)) > 0;)
+        for (ssize_t size = 0; (size = ::read(errors_, block, sizeof block)) > 0;) {
             error.append(block, static_cast<std::size_t>(size));
+        }
         int status = 0;
         waitpid(id_, &status, 0);
         return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
@@ -163,8 +166,9 @@ TEST_F(ImportFaultsTest, aKilledImportLeavesTheOldOrTheNewState) {
     }
     EXPECT_EQ(result, 0) << error_;
     EXPECT_EQ(state(), oldState_);
-    for (const auto& entry : fs::directory_iterator(file("state")))
+    for (const auto& entry : fs::directory_iterator(file("state"))) {
         EXPECT_TRUE(entry.path().filename() == "objects.state" || entry.path().filename() == "output") << entry;
+    }
     EXPECT_EQ(std::distance(fs::directory_iterator(file("state/output")), fs::directory_iterator()), 16);
 }
 
@@ -193,8 +197,9 @@ TEST_F(ImportFaultsTest, aFolderThatCanNotBeWrittenLeavesTheOldState) {
     // From here on, programs that this one starts are bound by permissions whoever runs them.
     mayWriteAnywhere = mayWriteAnywhere && prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE) != 0;
 #endif
-    if (mayWriteAnywhere)
+    if (mayWriteAnywhere) {
         GTEST_SKIP() << "nothing is forbidden to this user";
+    }
     for (const char* const folder : {"state", "."}) {
         fs::permissions(file(folder), fs::perms::owner_read | fs::perms::owner_exec);
         EXPECT_EQ(import({"--report", "report.json", "revised.ifc"}), 1);
@@ -213,8 +218,9 @@ TEST_F(ImportFaultsTest, truncatedModelsAreRefused) {
         EXPECT_FALSE(importText(house_.substr(0, size)));
         // With an end put on, what is missing lies inside: a model that is refused, or a smaller one.
         importText(house_.substr(0, size) + "\nENDSEC;\n" + end + "\n");
-        if (HasFailure())
+        if (HasFailure()) {
             return;
+        }
     }
     EXPECT_FALSE(importText(house_.substr(0, whole + end.size() - 1)));
     EXPECT_TRUE(importText(house_.substr(0, whole + end.size())));

@@ -29,19 +29,21 @@ std::string stateOfVersion1(const std::string& state) {
     std::string text = "import-host-state 1\n";
     while (std::getline(lines, line) && line.compare(0, 4, "end ") != 0) {
         std::size_t end = 0;
-        for (int field = 0; field < 7; ++field)
+        for (int field = 0; field < 7; ++field) {
             end = line.find('\t', end + 1);
+        }
         text += line.substr(0, end) + '\n';
     }
     std::uint64_t sum = 0xcbf29ce484222325u;
-    for (const char c : text)
+    for (const char c : text) {
         sum = (sum ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
+    }
     std::ostringstream checksum;
     checksum << std::hex << std::setw(16) << std::setfill('0') << sum;
     return text + line.substr(0, line.rfind(' ') + 1) + checksum.str() + '\n';
 }
 
-TEST_F(ImportPropertiesTest, EveryEditedPropertyIsNamed) {
+TEST_F(ImportPropertiesTest, everyEditedPropertyIsNamed) {
     const struct {
         const char* from;
         const char* to;
@@ -94,7 +96,7 @@ TEST_F(ImportPropertiesTest, EveryEditedPropertyIsNamed) {
     EXPECT_EQ(changedProperties(moved).size(), expected.size());
 }
 
-TEST_F(ImportPropertiesTest, ValuesOfAllKindsAreCompared) {
+TEST_F(ImportPropertiesTest, valuesOfAllKindsAreCompared) {
     const std::string longText(400, 'x');
     const std::string type = "IFCPROPERTYSINGLEVALUE('P',$,IFCREAL(1.),$);\n"
                              "#9010=IFCFURNITURETYPE('1cccccccccccccccccccc1',#5,'T',$,$,(#9011),$,$,$,.NOTDEFINED.);\n"
@@ -151,7 +153,7 @@ TEST_F(ImportPropertiesTest, ValuesOfAllKindsAreCompared) {
     }
 }
 
-TEST_F(ImportPropertiesTest, StreamsHoldSetsAndSolids) {
+TEST_F(ImportPropertiesTest, streamsHoldSetsAndSolids) {
     import(house_);
     EXPECT_NE(readFile(file("state/output/attributes"))
                   .find("set\t22\t0Ls4IvI2v5nORbKYJdD5Z1\tcustom\t1ijk8xBsT24eX9U0L4H$Fn\tPset_DoorCommon\t\n"
@@ -187,7 +189,7 @@ TEST_F(ImportPropertiesTest, StreamsHoldSetsAndSolids) {
     EXPECT_EQ(count, 35);
 }
 
-TEST_F(ImportPropertiesTest, StatesWithoutPropertiesStillServe) {
+TEST_F(ImportPropertiesTest, statesWithoutPropertiesStillServe) {
     const std::size_t objects = import(house_)["objects"].size();
     writeFile(file("state/objects.state"), stateOfVersion1(readFile(file("state/objects.state"))));
     const std::string edited = replaced(house_, "IFCMASSMEASURE(31.5)", "IFCMASSMEASURE(30.)");

@@ -43,8 +43,9 @@ CodePage_t systemsCodePage(int part) {
 /** The parts by number: as the system has them, but in the editions that the library keeps to. */
 std::array<CodePage_t, 10> expectedCodePages() {
     std::array<CodePage_t, 10> pages{};
-    for (std::size_t part = 1; part <= 9; ++part)
+    for (std::size_t part = 1; part <= 9; ++part) {
         pages[part] = systemsCodePage(static_cast<int>(part));
+    }
     // Greek before the euro, the drachma and the iota below; Hebrew before the marks of direction.
     pages[7][0xA1] = 0x02BD;
     pages[7][0xA2] = 0x02BC;
@@ -54,27 +55,30 @@ std::array<CodePage_t, 10> expectedCodePages() {
 
     wchar_t privateUse = 0xF79C;
     for (const std::size_t part : {8u, 7u, 6u, 3u}) {
-        for (wchar_t& character : pages[part])
-            if (character == unassigned)
+        for (wchar_t& character : pages[part]) {
+            if (character == unassigned) {
                 character = privateUse++;
+            }
+        }
     }
     EXPECT_EQ(privateUse, 0xF7FC);
     return pages;
 }
 
-TEST(IsoLatin, agreesWithTheSystem) {
+TEST(IsoLatinTest, agreesWithTheSystem) {
     const auto pages = expectedCodePages();
     for (int byte = 0; byte < 256; ++byte) {
         for (std::size_t part = 1; part <= 9; ++part) {
             EXPECT_EQ(convert(28590 + static_cast<int>(part), byte), pages[part][static_cast<std::size_t>(byte)])
                 << "part " << part << ", byte " << byte;
         }
-        for (const int unknown : {0, -1, 1252, 28590, 28600, 28605, 65001})
+        for (const int unknown : {0, -1, 1252, 28590, 28600, 28605, 65001}) {
             EXPECT_EQ(convert(unknown, byte), byte < 128 ? byte : byte - 256) << unknown;
+        }
     }
 }
 
-TEST(IsoLatin, strictConversionToLatin1) {
+TEST(IsoLatinTest, strictConversionToLatin1) {
     const struct {
         std::wstring text;
         bool fits;

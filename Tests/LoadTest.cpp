@@ -34,8 +34,9 @@ unsigned int numberOfOperations() {
 
 /** Bytes that the program holds; 0 when nobody counts them. */
 std::size_t bytesInUse() {
-    if (__sanitizer_get_current_allocated_bytes != nullptr)
+    if (__sanitizer_get_current_allocated_bytes != nullptr) {
         return __sanitizer_get_current_allocated_bytes();
+    }
 #if defined(__GLIBC__) && (__GLIBC__ > 2 || __GLIBC_MINOR__ >= 33)
     const auto info = mallinfo2();
     return info.uordblks + info.hblkhd;
@@ -63,7 +64,7 @@ std::string recordOf(const ExternalGUID& guid) {
     return std::string(bytes, size);
 }
 
-TEST(Load, databaseAnswersTheSameAndDoesNotGrow) {
+TEST(LoadTest, databaseAnswersTheSameAndDoesNotGrow) {
     constexpr unsigned int identities = 40000;
     ExternalGUIDDatabase database;
     std::vector<int> ids(identities, -1);
@@ -73,29 +74,33 @@ TEST(Load, databaseAnswersTheSameAndDoesNotGrow) {
         // First each identity once, in any case; from then on nothing is new.
         const unsigned int number =
             operation < identities ? operation : static_cast<unsigned int>(random() % identities);
-        if (operation == 2 * identities)
+        if (operation == 2 * identities) {
             filled = bytesInUse();
+        }
         const ExternalGUID guid = identityOf(number);
-        if (ids[number] == -1)
+        if (ids[number] == -1) {
             ids[number] = database.insertGUID(guid);
+        }
         const auto action = random() % 3;
-        if (action == 0)
+        if (action == 0) {
             ASSERT_EQ(database.insertGUID(guid), ids[number]) << operation;
-        else if (action == 1)
+        } else if (action == 1) {
             ASSERT_EQ(database.findGUID(guid), ids[number]) << operation;
-        else
+        } else {
             ASSERT_EQ(recordOf(database.findGUID(static_cast<ExternalGUIDRuntimeID_e>(ids[number]))), recordOf(guid));
+        }
     }
     std::cout << filled << " bytes in use when filled, " << bytesInUse() << " at the end\n";
     EXPECT_EQ(bytesInUse(), filled);
 }
 
-TEST(Load, tableAnswersTheSameAndDoesNotGrow) {
+TEST(LoadTest, tableAnswersTheSameAndDoesNotGrow) {
     constexpr int32_t keys = 20000;
     const IndexedTable t({0, 100});
     std::vector<int32_t> groups(keys, 0);
-    for (int32_t key = 0; key < keys; ++key)
+    for (int32_t key = 0; key < keys; ++key) {
         ASSERT_EQ(t.insert(rowOf(key, 0)), DBF_OK);
+    }
     const std::size_t filled = bytesInUse();
     std::mt19937 random(2);
     for (unsigned int operation = 0; operation < numberOfOperations(); ++operation) {
@@ -128,15 +133,17 @@ TEST(Load, tableAnswersTheSameAndDoesNotGrow) {
     t.check(groups);
 }
 
-TEST(Load, fullTableStaysWhole) {
+TEST(LoadTest, fullTableStaysWhole) {
     constexpr int32_t last = 65534 * 3;
     const IndexedTable t({0, 3});
     std::vector<int32_t> groups(2 * last, noGroup);
-    for (int32_t key = 0; key < last; ++key)
+    for (int32_t key = 0; key < last; ++key) {
         ASSERT_EQ(t.insert(rowOf(key, groups[static_cast<std::size_t>(key)] = key % 1000)), DBF_OK) << key;
+    }
     const std::size_t full = bytesInUse();
-    for (int32_t key = last; key < last + 100; ++key)
+    for (int32_t key = last; key < last + 100; ++key) {
         ASSERT_EQ(t.insert(rowOf(key, 0)), DBF_FAILED);
+    }
     EXPECT_EQ(t.insert(rowOf(0, 0)), DBF_DUPLICATE);
     EXPECT_EQ(bytesInUse(), full);
     for (int32_t key = 0; key < last; key += 37) {

@@ -39,14 +39,15 @@ void fillField(T& field, std::mt19937& random) {
 
 template <typename T>
 IFC2X3Property propertyOf(const wchar_t* name, Value::ValueType_t type, const T& value) {
-    if constexpr (std::is_array_v<T>)
+    if constexpr (std::is_array_v<T>) {
         return createPropertySingleValueString(name, L"", value);
-    else if constexpr (std::is_same_v<T, bool>)
+    } else if constexpr (std::is_same_v<T, bool>) {
         return createPropertySingleValueBoolean(name, L"", value);
-    else if constexpr (std::is_same_v<T, int>)
+    } else if constexpr (std::is_same_v<T, int>) {
         return createPropertySingleValueInteger(name, L"", Value::ValueType_Integer, value);
-    else
+    } else {
         return createPropertySingleValueReal(name, L"", type, value);
+    }
 }
 
 template <typename R, typename T>
@@ -54,12 +55,14 @@ Entry<R> entry(const wchar_t* name, T R::*field, bool R::*has = nullptr,
                Value::ValueType_t type = Value::ValueType_Real) {
     return {[=](R& record, std::mt19937& random) {
                 fillField(record.*field, random);
-                if (has != nullptr)
+                if (has != nullptr) {
                     record.*has = random() % 2 != 0;
+                }
             },
             [=](const R& record, IFC2X3PropertySet& expected) {
-                if (has == nullptr || record.*has)
+                if (has == nullptr || record.*has) {
                     expected.addProperty(propertyOf(name, type, record.*field));
+                }
             }};
 }
 
@@ -72,10 +75,12 @@ Entry<R> lengthOrAngle(const wchar_t* name, double R::*field, bool R::*has, int 
             },
             [=](const R& record, IFC2X3PropertySet& expected) {
                 const double angle = record.*field / 180.0 * 3.141592653589793;
-                if (record.*has && record.*kind == 1)
+                if (record.*has && record.*kind == 1) {
                     expected.addProperty(propertyOf(name, Value::ValueType_Length, record.*field));
-                if (record.*has && record.*kind == 2)
+                }
+                if (record.*has && record.*kind == 2) {
                     expected.addProperty(propertyOf(name, Value::ValueType_PlaneAngle, angle));
+                }
             }};
 }
 
@@ -152,7 +157,7 @@ PSET(WindowCommon, L"Pset_WindowCommon", ALWAYS(Reference), ALWAYS(FireRating), 
      ALWAYS(SecurityRating), OPTION(Infiltration), OPTION(ThermalTransmittance), OPTION(GlazingAreaFraction),
      OPTION(SmokeStop), ALWAYS(IsExternal))
 
-TEST(PSet, customSetsAreValues) {
+TEST(PSetTest, customSetsAreValues) {
     IFC2X3_PSet_RoofCommon_s roof{};
     roof.FireRating[0] = L'F';
     const IFC2X3_PSet_Custom_s set = roof;

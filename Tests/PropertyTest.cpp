@@ -35,7 +35,7 @@ Set nested(int levels) {
     return set;
 }
 
-TEST(Property, valuesBelongToTheirTypes) {
+TEST(PropertyTest, valuesBelongToTheirTypes) {
     const std::wstring fallback = L"n/d=0:0;";
     for (int type = -1; type <= 12; ++type) {
         SCOPED_TRACE(type);
@@ -65,7 +65,7 @@ TEST(Property, valuesBelongToTheirTypes) {
     EXPECT_EQ(describe(createPropertyComplex(L"n", L"d", L"u", nested(1))), L"n/d=u{t/d=1:value;c/=usage{};};");
 }
 
-TEST(Property, textsAreCutAt256Characters) {
+TEST(PropertyTest, textsAreCutAt256Characters) {
     IFC2X3Property reused;
     for (const std::size_t length : {1000u, 257u, 256u, 255u, 1u, 0u}) {
         SCOPED_TRACE(length);
@@ -88,7 +88,7 @@ TEST(Property, textsAreCutAt256Characters) {
     }
 }
 
-TEST(Property, whatIsMissingIsASharedNullObject) {
+TEST(PropertyTest, whatIsMissingIsASharedNullObject) {
     Set one;
     const IFC2X3Property& none = one.getProperty(0);
     one.addProperty(text(L"t"));
@@ -101,7 +101,7 @@ TEST(Property, whatIsMissingIsASharedNullObject) {
     EXPECT_EQ(none.getPropertyComplex().getPropertySet().getCount(), 0u);
 }
 
-TEST(Property, copiesAndMovesAgreeWithTheirTexts) {
+TEST(PropertyTest, copiesAndMovesAgreeWithTheirTexts) {
     constexpr unsigned int seed = 5005;
     std::cout << "seed " << seed << std::endl;
     std::mt19937 random(seed);
@@ -166,12 +166,12 @@ TEST(Property, copiesAndMovesAgreeWithTheirTexts) {
     }
 }
 
-TEST_F(AllocationFailure, copiedSetIsOldOrNewOrEmptyInside) {
+TEST_F(AllocationFailureTest, copiedSetIsOldOrNewOrEmptyInside) {
     const Set old = nested(1);
     const Set source = nested(2);
     // Without memory for its list a copied set is empty, at any level.
     const std::set<std::wstring> incomplete = {L"", L"t/d=1:value;c/=usage{};t/d=1:value;c/=usage{};"};
-    forEachFailure([&](const Failure_s& failure) {
+    forEachFailure([&](const Failure& failure) {
         Set set = old;
         bool thrown = false;
         const bool failed = failure.during([&] {
@@ -182,10 +182,11 @@ TEST_F(AllocationFailure, copiedSetIsOldOrNewOrEmptyInside) {
             }
         });
         const std::wstring result = describe(set);
-        if (thrown || !failed)
+        if (thrown || !failed) {
             EXPECT_EQ(result, describe(thrown ? old : source));
-        else
+        } else {
             EXPECT_EQ(incomplete.count(result), 1u) << testing::PrintToString(result);
+        }
         set.addProperty(text(L"usable"));
         EXPECT_EQ(describe(set), result + L"usable/d=1:value;");
         return failed;

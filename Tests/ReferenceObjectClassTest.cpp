@@ -18,7 +18,7 @@ std::string label(int value, unsigned int size) {
     return buffer.substr(0, size);
 }
 
-TEST(ReferenceObjectClass, labels) {
+TEST(ReferenceObjectClassTest, labels) {
     const struct {
         std::string (*labelOf)(int value, unsigned int size);
         int value;
@@ -38,8 +38,9 @@ TEST(ReferenceObjectClass, labels) {
         {&label<AttributeClassIFC_e>, 96, ""},
         {&label<int>, -1, "halvorne"},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(c.labelOf(c.value, 64), c.expected + std::string(64 - std::strlen(c.expected), '\0')) << c.value;
+    }
     // A short buffer gets no terminator, a long one is filled with zeros.
     for (const unsigned int size : {0u, 3u, 7u, 8u, 5000u}) {
         std::string expected = "IFCBEAM";

@@ -66,8 +66,9 @@ Outcome_t<std::string> modelEncode(const std::wstring& text, std::size_t capacit
     std::string out = Utf8Reference::encode(text, capacity);
     const std::size_t result = out.size();
     out.resize(capacity, untouchedByte);
-    if (capacity > 0)
+    if (capacity > 0) {
         out[result] = 0;
+    }
     return {result, out};
 }
 
@@ -95,7 +96,7 @@ std::string randomBytes(std::mt19937& random) {
     return bytes;
 }
 
-TEST(StringOperations, agreesWithThePlainModel) {
+TEST(StringOperationsTest, agreesWithThePlainModel) {
     constexpr unsigned int seed = 20240611;
     std::cout << "seed " << seed << std::endl;
     std::mt19937 random(seed);
@@ -130,7 +131,7 @@ TEST(StringOperations, agreesWithThePlainModel) {
     testing::internal::GetCapturedStderr();
 }
 
-TEST(StringOperations, textIntoStringsAndArrays) {
+TEST(StringOperationsTest, textIntoStringsAndArrays) {
     EXPECT_EQ(StringOperations::ConvertFromUTF8(nullptr, 5), L"");
     EXPECT_EQ(StringOperations::ConvertFromUTF8(exactly("Gr\xC3\xBC\xC3\x9F\0"s).data()), L"Gr\u00FC\u00DF");
     // What does not fit is skipped, and what still fits behind it is written.
@@ -147,7 +148,7 @@ TEST(StringOperations, textIntoStringsAndArrays) {
     EXPECT_EQ(StringOperations::IntFromWString(std::wstring(67, L' ') + L"123"), 12); // only 69 bytes are looked at
 }
 
-TEST(StringOperations, currentLocale) {
+TEST(StringOperationsTest, currentLocale) {
     for (const std::string& expected : {"abc"s, "ab"s, "abc\0\0\0"s, ""s}) {
         std::vector<char> buffer(expected.size(), untouchedByte);
         StringOperations::ConvertToCurrentLocale(L"abc", 3, buffer.data(), buffer.size());

@@ -71,8 +71,9 @@ class IndexModel {
 public:
     IndexModel(bool isUnique, const std::vector<int32_t>& numbers, const std::vector<FieldModel>& layout)
         : unique(isUnique), keyFields(numbers) {
-        for (const int32_t number : numbers)
+        for (const int32_t number : numbers) {
             fields_.push_back(layout[static_cast<std::size_t>(number)]);
+        }
     }
 
     bool unique;
@@ -92,8 +93,9 @@ public:
     }
 
     void copyKey(const Row& from, Row& to) const {
-        for (const FieldModel& field : fields_)
+        for (const FieldModel& field : fields_) {
             to.replace(field.offset, field.size, from, field.offset, field.size);
+        }
     }
 
     void enter(Position position, const Row& row) {
@@ -105,8 +107,9 @@ public:
 
     void leave(Position position) {
         const auto key = entered_.find(position);
-        if (key == entered_.end())
+        if (key == entered_.end()) {
             return;
+        }
         auto& chain = chains_[key->second];
         chain.erase(std::find(chain.begin(), chain.end(), position));
         entered_.erase(key);
@@ -115,8 +118,9 @@ public:
     void rebuild(const std::map<Position, Row>& rows) {
         chains_.clear();
         entered_.clear();
-        for (const auto& [position, row] : rows)
+        for (const auto& [position, row] : rows) {
             enter(position, row);
+        }
     }
 
 private:
@@ -125,15 +129,17 @@ private:
         Char unit = 1;
         for (std::size_t i = 0; i < capacity && unit != 0; ++i) {
             unit = readAs<Char>(at + i * sizeof(Char));
-            if (unit != 0)
+            if (unit != 0) {
                 key.append(at + i * sizeof(Char), sizeof(Char));
+            }
         }
         key.append(sizeof(Char), '\0');
     }
 
     static bool appendNumber(std::string& key, double value, bool keepSignOfZero) {
-        if (value == 0 && !keepSignOfZero)
+        if (value == 0 && !keepSignOfZero) {
             value = 0;
+        }
         key.append(reinterpret_cast<const char*>(&value), sizeof value);
         return !std::isnan(value);
     }
@@ -183,9 +189,9 @@ class TableModel {
 public:
     explicit TableModel(const dbf_tablespec& spec)
         : initialRows_(spec.initialrows), rowsPerBucket_(static_cast<Position>(spec.rowsperbucket)) {
-        do
+        do {
             grow();
-        while (buckets_ * rowsPerBucket_ < static_cast<Position>(initialRows_));
+        } while (buckets_ * rowsPerBucket_ < static_cast<Position>(initialRows_));
     }
 
     std::map<Position, Row> rows;
@@ -195,23 +201,28 @@ public:
     Position positionOf(const dbf_rowid& id) const { return id.bucket * rowsPerBucket_ + id.slot; }
 
     int insert(const Row& row) {
-        for (const IndexModel& index : indexes)
-            if (index.unique && !index.matches(row).empty())
+        for (const IndexModel& index : indexes) {
+            if (index.unique && !index.matches(row).empty()) {
                 return DBF_DUPLICATE;
-        if (free_.empty())
+            }
+        }
+        if (free_.empty()) {
             grow();
+        }
         const Position position = free_.extract(free_.begin()).value();
         rows[position] = row;
-        for (IndexModel& index : indexes)
+        for (IndexModel& index : indexes) {
             index.enter(position, row);
+        }
         return DBF_OK;
     }
 
     int select(const IndexModel& by, Row& row) const {
         Position at = 0;
         const int result = find(by, row, at);
-        if (result == DBF_OK)
+        if (result == DBF_OK) {
             row = rows.at(at);
+        }
         return result;
     }
 
@@ -226,10 +237,12 @@ public:
         Row& stored = rows[at];
         std::vector<IndexModel*> changed;
         for (IndexModel& index : indexes) {
-            if (&index == by || index.sameKey(stored, row))
+            if (&index == by || index.sameKey(stored, row)) {
                 continue;
-            if (index.unique && !index.matches(row).empty())
+            }
+            if (index.unique && !index.matches(row).empty()) {
                 return DBF_DUPLICATE;
+            }
             changed.push_back(&index);
         }
         stored = row;
@@ -247,8 +260,9 @@ public:
     }
 
     int removeAt(Position at) {
-        for (IndexModel& index : indexes)
+        for (IndexModel& index : indexes) {
             index.leave(at);
+        }
         rows.erase(at);
         free_.insert(at);
         return DBF_OK;
@@ -258,8 +272,9 @@ public:
         rows.clear();
         free_.clear();
         buckets_ = static_cast<Position>((initialRows_ - 1) / static_cast<int>(rowsPerBucket_) + 1);
-        for (Position position = 0; position < capacity(); ++position)
+        for (Position position = 0; position < capacity(); ++position) {
             free_.insert(free_.end(), position);
+        }
         hashSize_ = 0;
         resize();
     }
@@ -267,26 +282,31 @@ public:
 private:
     static int find(const IndexModel& by, const Row& row, Position& newest) {
         const auto found = by.matches(row);
-        if (!by.unique || found.empty())
+        if (!by.unique || found.empty()) {
             return by.unique ? DBF_NOTFOUND : DBF_NOTUNIQUE;
+        }
         newest = found.back();
         return DBF_OK;
     }
 
     void grow() {
-        for (Position slot = 0; slot < rowsPerBucket_; ++slot)
+        for (Position slot = 0; slot < rowsPerBucket_; ++slot) {
             free_.insert(free_.end(), capacity() + slot);
+        }
         ++buckets_;
-        if (hashSize_ < capacity())
+        if (hashSize_ < capacity()) {
             resize();
+        }
     }
 
     /** Re-enters the rows in storage order, which turns duplicates round. */
     void resize() {
-        for (hashSize_ = 16; hashSize_ < 2 * capacity();)
+        for (hashSize_ = 16; hashSize_ < 2 * capacity();) {
             hashSize_ *= 2;
-        for (IndexModel& index : indexes)
+        }
+        for (IndexModel& index : indexes) {
             index.rebuild(rows);
+        }
     }
 
     int initialRows_;

@@ -16,8 +16,9 @@ class TemporaryFolder {
 public:
     TemporaryFolder() : before_(std::filesystem::current_path()) {
         path_ = (std::filesystem::canonical(std::filesystem::temp_directory_path()) / "import-common-XXXXXX").string();
-        if (mkdtemp(path_.data()) == nullptr)
+        if (mkdtemp(path_.data()) == nullptr) {
             throw std::runtime_error("no temporary folder");
+        }
         std::filesystem::current_path(path_);
     }
 

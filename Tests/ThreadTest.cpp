@@ -81,8 +81,9 @@ TEST_F(ThreadTest, eventIsRaisedOnceByTwoThreads) {
         Signal event;
         std::atomic<int> ready{0};
         const auto raise = [&] {
-            for (++ready; ready < 2;)
+            for (++ready; ready < 2;) {
                 std::this_thread::yield();
+            }
             event.raise();
         };
         {
@@ -97,8 +98,9 @@ TEST_F(ThreadTest, eventIsRaisedOnceByTwoThreads) {
                 event.wait();
                 tooEarly = !mayPass;
             });
-            for (int patience = 20; patience > 0; --patience)
+            for (int patience = 20; patience > 0; --patience) {
                 std::this_thread::yield();
+            }
             mayPass = true;
             event.raise();
         }

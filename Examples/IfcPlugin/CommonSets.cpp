@@ -70,11 +70,13 @@ public:
     /** Whether the value went into the record: it has to be of a kind that the conversion gives it again. */
     bool fill(Record& record, const IfcValue& value) const {
         if (std::find(kinds_.begin(), kinds_.end(), value.kind) == kinds_.end() ||
-            value.integer != static_cast<int>(value.integer))
+            value.integer != static_cast<int>(value.integer)) {
             return false;
+        }
         set_(record, value);
-        if (present_ != nullptr)
+        if (present_ != nullptr) {
             record.*present_ = true;
+        }
         return true;
     }
 
@@ -304,10 +306,12 @@ CommonSet convert(std::string_view recordName, const IfcPropertySet& set) {
             return candidate.name.inFile == property.name;
         });
         const auto isTaken = [&](const CommonSet::Held& other) { return other.name == field->name.inSet; };
-        if (field == fields.end() || std::any_of(held.begin(), held.end(), isTaken))
+        if (field == fields.end() || std::any_of(held.begin(), held.end(), isTaken)) {
             continue;
-        if (field->fill(record, property.value))
+        }
+        if (field->fill(record, property.value)) {
             held.push_back({field->name.inSet, &property});
+        }
     }
     return {recordName, record, std::move(held)};
 }
@@ -342,8 +346,10 @@ constexpr Converter converters[] = {
 } // namespace
 
 std::optional<CommonSet> commonSetOf(std::string_view className, const IfcPropertySet& set) {
-    for (const Converter& converter : converters)
-        if (converter.setName == set.name && (converter.className.empty() || converter.className == className))
+    for (const Converter& converter : converters) {
+        if (converter.setName == set.name && (converter.className.empty() || converter.className == className)) {
             return converter.convert(converter.recordName, set);
+        }
+    }
     return std::nullopt;
 }

@@ -26,8 +26,9 @@ std::vector<std::uint32_t> verticesOn(std::uint64_t edge, const std::vector<std:
     const Vector& from = vertices[lowEnd(edge)];
     Vector direction = vertices[highEnd(edge)] - from;
     const double length = direction.Length();
-    if (length <= joinDistance)
+    if (length <= joinDistance) {
         return {};
+    }
     direction /= length;
 
     std::vector<std::pair<double, std::uint32_t>> found;
@@ -35,15 +36,17 @@ std::vector<std::uint32_t> verticesOn(std::uint64_t edge, const std::vector<std:
         const Vector offset = vertices[candidate] - from;
         const double along = offset * direction;
         if (along > joinDistance && along < length - joinDistance &&
-            (offset - direction * along).Length() < 2.0 * joinDistance)
+            (offset - direction * along).Length() < 2.0 * joinDistance) {
             found.emplace_back(along, candidate);
+        }
     }
     std::sort(found.begin(), found.end());
 
     std::vector<std::uint32_t> result;
     result.reserve(found.size());
-    for (const auto& entry : found)
+    for (const auto& entry : found) {
         result.push_back(entry.second);
+    }
     return result;
 }
 
@@ -71,9 +74,11 @@ void EdgeNet::findEdges() {
 /** Where the uses of each edge begin; one more entry marks the end. */
 std::vector<std::size_t> EdgeNet::edgeBegins() const {
     std::vector<std::size_t> begins;
-    for (std::size_t i = 0; i < uses_.size(); ++i)
-        if (i == 0 || uses_[i].edge != uses_[i - 1].edge)
+    for (std::size_t i = 0; i < uses_.size(); ++i) {
+        if (i == 0 || uses_[i].edge != uses_[i - 1].edge) {
             begins.push_back(i);
+        }
+    }
     begins.push_back(uses_.size());
     return begins;
 }
@@ -84,20 +89,23 @@ void EdgeNet::splitEdges(const std::vector<Vector>& vertices) {
     std::vector<std::uint64_t> loose;
     std::vector<std::uint32_t> corners;
     for (std::size_t i = 0; i + 1 < begins.size(); ++i) {
-        if ((begins[i + 1] - begins[i]) % 2 == 0)
+        if ((begins[i + 1] - begins[i]) % 2 == 0) {
             continue;
+        }
         loose.push_back(uses_[begins[i]].edge);
         corners.push_back(lowEnd(loose.back()));
         corners.push_back(highEnd(loose.back()));
     }
-    if (loose.empty() || loose.size() > maxLooseEdges)
+    if (loose.empty() || loose.size() > maxLooseEdges) {
         return;
+    }
     std::sort(corners.begin(), corners.end());
     corners.erase(std::unique(corners.begin(), corners.end()), corners.end());
 
     std::unordered_map<std::uint64_t, std::vector<std::uint32_t>> splits;
-    for (const std::uint64_t edge : loose)
+    for (const std::uint64_t edge : loose) {
         splits.emplace(edge, verticesOn(edge, corners, vertices));
+    }
 
     for (Surface::Polygon& polygon : polygons_) {
         Surface::Polygon split;
@@ -105,12 +113,14 @@ void EdgeNet::splitEdges(const std::vector<Vector>& vertices) {
             const std::uint32_t next = polygon[(k + 1) % polygon.size()];
             split.push_back(polygon[k]);
             const auto found = splits.find(edgeOf(polygon[k], next));
-            if (found == splits.end())
+            if (found == splits.end()) {
                 continue;
-            if (polygon[k] < next)
+            }
+            if (polygon[k] < next) {
                 split.insert(split.end(), found->second.begin(), found->second.end());
-            else
+            } else {
                 split.insert(split.end(), found->second.rbegin(), found->second.rend());
+            }
         }
         polygon = std::move(split);
     }
@@ -123,8 +133,9 @@ std::vector<EdgeNet::Piece> EdgeNet::closedPieces() const {
     // Polygons on both sides of an edge run through it in opposite directions, or one of them has to be turned over.
     std::vector<std::vector<Side>> neighbours(polygons_.size());
     for (std::size_t i = 0; i + 1 < begins.size(); ++i) {
-        if (begins[i + 1] - begins[i] != 2)
+        if (begins[i + 1] - begins[i] != 2) {
             continue;
+        }
         const Use& a = uses_[begins[i]];
         const Use& b = uses_[begins[i] + 1];
         neighbours[a.polygon].push_back({b.polygon, a.upwards == b.upwards});
@@ -136,15 +147,17 @@ std::vector<EdgeNet::Piece> EdgeNet::closedPieces() const {
     std::vector<bool> turned(polygons_.size(), false);
     std::vector<Piece> pieces;
     for (std::uint32_t first = 0; first < polygons_.size(); ++first) {
-        if (pieceOf[first] != none || polygons_[first].size() < 3)
+        if (pieceOf[first] != none || polygons_[first].size() < 3) {
             continue;
+        }
         Piece piece = {{first, false}};
         pieceOf[first] = pieces.size();
         for (std::size_t k = 0; k < piece.size(); ++k) {
             const Side side = piece[k];
             for (const Side& next : neighbours[side.polygon]) {
-                if (pieceOf[next.polygon] != none)
+                if (pieceOf[next.polygon] != none) {
                     continue;
+                }
                 pieceOf[next.polygon] = pieces.size();
                 turned[next.polygon] = side.turned != next.turned;
                 piece.push_back({next.polygon, turned[next.polygon]});
@@ -157,17 +170,22 @@ std::vector<EdgeNet::Piece> EdgeNet::closedPieces() const {
     for (std::size_t i = 0; i + 1 < begins.size(); ++i) {
         for (std::size_t k = begins[i]; k < begins[i + 1]; ++k) {
             int balance = 0;
-            for (std::size_t other = begins[i]; other < begins[i + 1]; ++other)
-                if (pieceOf[uses_[other].polygon] == pieceOf[uses_[k].polygon])
+            for (std::size_t other = begins[i]; other < begins[i + 1]; ++other) {
+                if (pieceOf[uses_[other].polygon] == pieceOf[uses_[k].polygon]) {
                     balance += uses_[other].upwards != turned[uses_[other].polygon] ? 1 : -1;
-            if (balance != 0)
+                }
+            }
+            if (balance != 0) {
                 open[pieceOf[uses_[k].polygon]] = true;
+            }
         }
     }
 
     std::vector<Piece> closed;
-    for (std::size_t i = 0; i < pieces.size(); ++i)
-        if (!open[i])
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        if (!open[i]) {
             closed.push_back(std::move(pieces[i]));
+        }
+    }
     return closed;
 }

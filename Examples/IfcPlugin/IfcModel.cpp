@@ -15,8 +15,9 @@ public:
     explicit ProgressAdapter(IfcModel::Progress progress) : progress_(std::move(progress)) {}
 
     bool Update(float part) override {
-        if (part >= 0.0f && part <= 1.0f)
+        if (part >= 0.0f && part <= 1.0f) {
             progress_(static_cast<double>(part));
+        }
         return true;
     }
 
@@ -38,15 +39,17 @@ IfcModel::IfcModel(const std::string& fileName, const Progress& progress)
     importer_.SetProgressHandler(new ProgressAdapter(progress)); // the importer owns it
     // No post-processing: it costs more time than reading, and the measurements take polygons as they come.
     scene_ = importer_.ReadFileFromMemory(text_.data(), text_.size(), 0, "ifc");
-    if (scene_ == nullptr || scene_->mRootNode == nullptr)
+    if (scene_ == nullptr || scene_->mRootNode == nullptr) {
         throw ModelError(importer_.GetErrorString());
+    }
 
     const Matrix root = zUp() * toDouble(scene_->mRootNode->mTransformation);
     unit_ = std::cbrt(std::abs(root.Determinant()));
     collect(*scene_->mRootNode, root, Matrix(), Matrix(), Product::none);
 
-    for (Product& product : products_)
+    for (Product& product : products_) {
         product.name = properties_.nameOf(product.globalId).value_or(product.name);
+    }
 }
 
 /**
@@ -80,9 +83,11 @@ void IfcModel::collect(const aiNode& node, const Matrix& placement, const Matrix
     }
 
     // Meshes of nodes that are no products themselves, such as mapped items, belong to the nearest product above.
-    for (unsigned int i = 0; i < node.mNumMeshes && product != Product::none; ++i)
+    for (unsigned int i = 0; i < node.mNumMeshes && product != Product::none; ++i) {
         products_[product].meshes.push_back({scene_->mMeshes[node.mMeshes[i]], toProduct});
-    for (unsigned int i = 0; i < node.mNumChildren; ++i)
+    }
+    for (unsigned int i = 0; i < node.mNumChildren; ++i) {
         collect(*node.mChildren[i], placementIn(toWorld, toDouble(node.mChildren[i]->mTransformation)), toWorld,
                 toProduct, product);
+    }
 }

@@ -37,8 +37,9 @@ std::vector<Surface> surfacesOf(const Product& product) {
     std::vector<Surface> surfaces;
     for (const ProductMesh& mesh : product.meshes) {
         Surface surface = surfaceOf(mesh, product.orientation);
-        if (!surface.vertices.empty())
+        if (!surface.vertices.empty()) {
             surfaces.push_back(std::move(surface));
+        }
     }
     return surfaces;
 }
@@ -46,13 +47,16 @@ std::vector<Surface> surfacesOf(const Product& product) {
 /** The identity of a place and shape: finds an object again whose GlobalId was changed. */
 ExternalGUID spatialHashOf(const std::vector<Surface>& surfaces, const Vector& origin) {
     std::size_t count = 0;
-    for (const Surface& surface : surfaces)
+    for (const Surface& surface : surfaces) {
         count += surface.vertices.size();
+    }
     std::vector<double> coordinates;
     coordinates.reserve(3 * count);
-    for (const Surface& surface : surfaces)
-        for (const Vector& v : surface.vertices)
+    for (const Surface& surface : surfaces) {
+        for (const Vector& v : surface.vertices) {
             coordinates.insert(coordinates.end(), {v.x + origin.x, v.y + origin.y, v.z + origin.z});
+        }
+    }
     return ExternalGUID::spatialHashFromVertexes(static_cast<unsigned int>(count), coordinates.data());
 }
 
@@ -61,21 +65,25 @@ void importObject(const Product& product, const std::vector<Surface>& surfaces, 
     const ExternalGUID hash = spatialHashOf(surfaces, product.origin);
     const ExternalGUID identity =
         product.globalId.empty() ? hash : ExternalGUID::fromIFCGlobalID(product.globalId.c_str());
-    if (product.globalId.empty())
+    if (product.globalId.empty()) {
         streams.warning(product.className + " without a valid GlobalId is known by its place only: " + product.name);
+    }
 
     const ExternalGUIDRuntimeID_e identityId = identities->insertGUID(identity);
     const ExternalGUIDRuntimeID_e hashId = identities->insertGUID(hash);
-    if (identityId == ExternalGUIDRuntimeID_None)
+    if (identityId == ExternalGUIDRuntimeID_None) {
         throw std::bad_alloc();
-    if (!knownIds.insert(identityId).second)
+    }
+    if (!knownIds.insert(identityId).second) {
         streams.warning("more than one object has the identity of " + product.className + " " + product.globalId);
+    }
 
     const Measurement measurement = measure(surfaces);
     streams.object(identity, identityId, hash, hashId, versionOf(measurement, product.origin),
                    measurement.centre() + product.origin, product);
-    for (const Surface& surface : surfaces)
+    for (const Surface& surface : surfaces) {
         streams.polygons(surface, product.origin);
+    }
     streams.solid(solidOf(surfaces, product.origin));
 }
 
@@ -84,8 +92,9 @@ void importTextures(const aiScene& scene, Streams& streams) {
     for (unsigned int i = 0; i < scene.mNumTextures; ++i) {
         const aiTexture& texture = *scene.mTextures[i];
         const char* bytes = reinterpret_cast<const char*>(texture.pcData);
-        if (texture.mHeight == 0 && texture.CheckFormat("png")) // compressed: the width is the number of bytes
+        if (texture.mHeight == 0 && texture.CheckFormat("png")) { // compressed: the width is the number of bytes
             streams.texture(PngTexture(std::vector<char>(bytes, bytes + texture.mWidth)), texture.mFilename.C_Str());
+        }
     }
 }
 
@@ -95,8 +104,9 @@ void importModel(const ForeignObjectEnv_t& env, Streams& streams) {
     streams.progress(0.0, "reading");
     IfcModel model(fileName, [&](double part) { streams.progress(part * readingShare, "reading"); });
 
-    for (unsigned int i = 0; i < model.scene().mNumMaterials; ++i)
+    for (unsigned int i = 0; i < model.scene().mNumMaterials; ++i) {
         streams.material(*model.scene().mMaterials[i]);
+    }
     importTextures(model.scene(), streams);
 
     const std::vector<Product>& products = model.products();
@@ -104,19 +114,22 @@ void importModel(const ForeignObjectEnv_t& env, Streams& streams) {
     for (std::size_t i = 0; i < products.size(); ++i) {
         const Product& product = products[i];
         streams.hierarchy(product, product.parent == Product::none ? nullptr : &products[product.parent]);
-        if (product.className == "IFCBUILDINGSTOREY")
+        if (product.className == "IFCBUILDINGSTOREY") {
             streams.storey(product);
+        }
         const std::vector<Surface> surfaces = surfacesOf(product);
-        if (!surfaces.empty())
+        if (!surfaces.empty()) {
             importObject(product, surfaces, knownIds, streams);
+        }
         writeProperties(product, model.properties().setsOf(product.globalId), !surfaces.empty(), streams);
         streams.progress(readingShare +
                              (1.0 - readingShare) * static_cast<double>(i) / static_cast<double>(products.size()),
                          "measuring");
     }
 
-    if (model.properties().isCutShort())
+    if (model.properties().isCutShort()) {
         streams.warning("the file attaches so many properties to its products that not all were read");
+    }
     streams.info("products", std::to_string(products.size()));
     streams.info("objects", std::to_string(streams.objectCount()));
     streams.end();
@@ -127,8 +140,9 @@ void importModel(const ForeignObjectEnv_t& env, Streams& streams) {
 int importInto(const ForeignObjectEnv_t& env) {
     Streams streams(env);
     try {
-        if (!identities)
+        if (!identities) {
             throw std::bad_alloc();
+        }
         importModel(env, streams);
         return ImportResult_Done;
     } catch (const std::bad_alloc&) {

@@ -39,9 +39,11 @@ double prefixFactor(std::string_view prefix) {
         {"EXA", 1e18},  {"PETA", 1e15},  {"TERA", 1e12},   {"GIGA", 1e9},   {"MEGA", 1e6},   {"KILO", 1e3},
         {"HECTO", 1e2}, {"DECA", 1e1},   {"DECI", 1e-1},   {"CENTI", 1e-2}, {"MILLI", 1e-3}, {"MICRO", 1e-6},
         {"NANO", 1e-9}, {"PICO", 1e-12}, {"FEMTO", 1e-15}, {"ATTO", 1e-18}};
-    for (const auto& [name, factor] : factors)
-        if (name == prefix)
+    for (const auto& [name, factor] : factors) {
+        if (name == prefix) {
             return factor;
+        }
+    }
     return 1.0;
 }
 
@@ -59,24 +61,31 @@ IfcValue textOrAbsent(std::string text) {
 /** Puts the product's own sets over those of its type that have the same name. */
 std::vector<IfcPropertySet> overlaid(std::vector<IfcPropertySet> own, std::vector<IfcPropertySet> ofType) {
     std::unordered_map<std::string, std::vector<IfcProperty>*> below;
-    for (IfcPropertySet& set : ofType)
+    for (IfcPropertySet& set : ofType) {
         below.emplace(set.name, &set.properties);
+    }
     for (IfcPropertySet& set : own) {
         const auto found = below.find(set.name);
-        if (found == below.end())
+        if (found == below.end()) {
             continue;
+        }
         std::unordered_set<std::string> names;
-        for (const IfcProperty& property : set.properties)
+        for (const IfcProperty& property : set.properties) {
             names.insert(property.name);
-        for (IfcProperty& property : *found->second)
-            if (names.count(property.name) == 0)
+        }
+        for (IfcProperty& property : *found->second) {
+            if (names.count(property.name) == 0) {
                 set.properties.push_back(std::move(property));
+            }
+        }
         found->second->clear();
         below.erase(found);
     }
-    for (IfcPropertySet& set : ofType)
-        if (!set.properties.empty())
+    for (IfcPropertySet& set : ofType) {
+        if (!set.properties.empty()) {
             own.push_back(std::move(set));
+        }
+    }
     return own;
 }
 
@@ -108,11 +117,13 @@ IfcProperties::Kind IfcProperties::kindOf(const StepInstance& instance) {
         {"IFCRELOVERRIDESPROPERTIES", Kind::Relation},
         {"IFCRELDEFINESBYTYPE", Kind::Relation}};
     const auto found = kinds.find(instance.keyword);
-    if (found != kinds.end())
+    if (found != kinds.end()) {
         return found->second;
+    }
     const std::string_view word = instance.keyword;
-    if (startsWith(word, "IFCREL") || globalIdOf(instance.arguments).empty())
+    if (startsWith(word, "IFCREL") || globalIdOf(instance.arguments).empty()) {
         return Kind::Other;
+    }
     const bool isType =
         endsWith(word, "TYPE") || endsWith(word, "STYLE") || word == "IFCTYPEPRODUCT" || word == "IFCTYPEOBJECT";
     return isType ? Kind::Type : Kind::Product;
@@ -127,23 +138,28 @@ IfcProperties::IfcProperties(std::string& text) : budget_(std::max(maxSharing * 
             addLinks(instance);
             text[static_cast<std::size_t>(read->keyword.data() - text.data())] = 'X';
         }
-        if (instance.kind == Kind::UnitAssignment)
+        if (instance.kind == Kind::UnitAssignment) {
             units = units.value_or(instance);
-        else if (instance.kind != Kind::Relation && instance.kind != Kind::Other)
+        } else if (instance.kind != Kind::Relation && instance.kind != Kind::Other) {
             instances_.push_back(instance);
-        if (instance.kind != Kind::Product)
+        }
+        if (instance.kind != Kind::Product) {
             continue;
+        }
         const auto inserted = products_.emplace(globalIdOf(instance.arguments), instance.id);
-        if (!inserted.second)
+        if (!inserted.second) {
             inserted.first->second.reset();
+        }
     }
     const auto byId = [](const Instance& a, const Instance& b) { return a.id < b.id; };
-    if (!std::is_sorted(instances_.begin(), instances_.end(), byId))
+    if (!std::is_sorted(instances_.begin(), instances_.end(), byId)) {
         std::stable_sort(instances_.begin(), instances_.end(), byId);
+    }
     std::sort(links_.begin(), links_.end());
     links_.erase(std::unique(links_.begin(), links_.end()), links_.end());
-    if (units)
+    if (units) {
         findUnits(*units);
+    }
 }
 
 /** Relations begin alike: GlobalId, owner, name, description, objects, what they are given. */
@@ -151,9 +167,11 @@ void IfcProperties::addLinks(const Instance& relation) {
     StepArguments arguments(relation.arguments);
     StepArguments objects = listMembers(arguments.nextAfter(4));
     const auto target = stepReference(arguments.nextAfter(0));
-    for (auto object = objects.next(); object && target; object = objects.next())
-        if (const auto id = stepReference(*object))
+    for (auto object = objects.next(); object && target; object = objects.next()) {
+        if (const auto id = stepReference(*object)) {
             links_.push_back({*id, *target});
+        }
+    }
 }
 
 void IfcProperties::findUnits(const Instance& assignment) {
@@ -162,17 +180,19 @@ void IfcProperties::findUnits(const Instance& assignment) {
         const Instance* unit = find(stepReference(*member));
         const std::string_view type =
             unit == nullptr ? std::string_view() : stepEnumeration(StepArguments(unit->arguments).nextAfter(1));
-        if (type == "LENGTHUNIT")
+        if (type == "LENGTHUNIT") {
             lengthUnit_ = scaleOf(unit, 0);
-        else if (type == "PLANEANGLEUNIT")
+        } else if (type == "PLANEANGLEUNIT") {
             angleUnit_ = scaleOf(unit, 0);
+        }
     }
 }
 
 /** A unit in metres or radians. */
 double IfcProperties::scaleOf(const Instance* unit, int depth) const {
-    if (unit == nullptr || depth > maxDepth)
+    if (unit == nullptr || depth > maxDepth) {
         return 1.0;
+    }
     StepArguments arguments(unit->arguments);
     double scale = 1.0;
     if (unit->kind == Kind::Unit) {
@@ -187,8 +207,9 @@ double IfcProperties::scaleOf(const Instance* unit, int depth) const {
 }
 
 const IfcProperties::Instance* IfcProperties::find(std::optional<std::uint64_t> id) const {
-    if (!id)
+    if (!id) {
         return nullptr;
+    }
     const auto found = std::lower_bound(instances_.begin(), instances_.end(), *id,
                                         [](const Instance& a, std::uint64_t b) { return a.id < b; });
     return found != instances_.end() && found->id == *id ? &*found : nullptr;
@@ -207,24 +228,28 @@ std::optional<std::string> IfcProperties::nameOf(const std::string& globalId) co
 
 std::vector<IfcPropertySet> IfcProperties::setsOf(const std::string& globalId) {
     const Instance* product = findProduct(globalId);
-    if (product == nullptr)
+    if (product == nullptr) {
         return {};
+    }
 
     std::vector<IfcPropertySet> own;
     std::vector<IfcPropertySet> ofType;
     const auto first = std::lower_bound(links_.begin(), links_.end(), Link{product->id, 0});
     for (auto link = first; link != links_.end() && link->object == product->id; ++link) {
         const Instance* target = find(link->target);
-        if (target == nullptr || !spend(0))
+        if (target == nullptr || !spend(0)) {
             continue;
+        }
         if (target->kind != Kind::Type) {
             addSet(*target, own);
             continue;
         }
         StepArguments typeSets = listMembers(StepArguments(target->arguments).nextAfter(5));
-        for (auto member = typeSets.next(); member && spend(member->size()); member = typeSets.next())
-            if (const Instance* set = find(stepReference(*member)))
+        for (auto member = typeSets.next(); member && spend(member->size()); member = typeSets.next()) {
+            if (const Instance* set = find(stepReference(*member))) {
                 addSet(*set, ofType);
+            }
+        }
     }
     return ofType.empty() ? own : overlaid(std::move(own), std::move(ofType));
 }
@@ -237,8 +262,9 @@ bool IfcProperties::spend(std::size_t bytes) {
 }
 
 void IfcProperties::addSet(const Instance& instance, std::vector<IfcPropertySet>& sets) {
-    if (instance.kind != Kind::PropertySet && instance.kind != Kind::Quantities)
+    if (instance.kind != Kind::PropertySet && instance.kind != Kind::Quantities) {
         return;
+    }
     IfcPropertySet set;
     StepArguments arguments(instance.arguments);
     set.globalId = stepText(arguments.nextAfter(0));
@@ -253,15 +279,17 @@ std::vector<IfcProperty> IfcProperties::propertiesOf(std::string_view list, int 
     StepArguments members = listMembers(list);
     for (auto member = members.next(); member && spend(member->size()); member = members.next()) {
         const Instance* instance = find(stepReference(*member));
-        if (instance == nullptr || !spend(instance->arguments.size()))
+        if (instance == nullptr || !spend(instance->arguments.size())) {
             continue;
+        }
         nested_ = depth == 0 ? 0 : nested_ + 1;
         if (nested_ > maxNested) {
             isCutShort_ = true;
             break;
         }
-        if (auto property = propertyOf(*instance, depth))
+        if (auto property = propertyOf(*instance, depth)) {
             properties.push_back(std::move(*property));
+        }
     }
     return properties;
 }
@@ -282,8 +310,9 @@ std::optional<IfcProperty> IfcProperties::propertyOf(const Instance& instance, i
     case Kind::Quantity:
     case Kind::LengthQuantity:
         property.value = valueOf(fourth);
-        if (instance.kind == Kind::LengthQuantity && property.value.kind == IfcValue::Kind::Real)
+        if (instance.kind == Kind::LengthQuantity && property.value.kind == IfcValue::Kind::Real) {
             property.value.kind = IfcValue::Kind::Length;
+        }
         toModelUnit(property.value, third);
         break;
     case Kind::ListValue:
@@ -302,14 +331,16 @@ std::optional<IfcProperty> IfcProperties::propertyOf(const Instance& instance, i
     case Kind::ComplexQuantity:
         property.isComplex = true;
         property.usageName = stepText(instance.kind == Kind::Complex ? third : arguments.nextAfter(1));
-        if (depth < maxDepth)
+        if (depth < maxDepth) {
             property.nested = propertiesOf(instance.kind == Kind::Complex ? fourth : third, depth + 1);
+        }
         return property;
     default:
         return std::nullopt;
     }
-    if (property.value.kind == IfcValue::Kind::Absent)
+    if (property.value.kind == IfcValue::Kind::Absent) {
         return std::nullopt;
+    }
     return property;
 }
 
@@ -321,7 +352,8 @@ void IfcProperties::toModelUnit(IfcValue& value, std::string_view unit) const {
     } else if (value.kind == IfcValue::Kind::Angle) {
         const double scale = own != nullptr ? scaleOf(own, 0) : angleUnit_;
         // Files round the number of radians in a degree. A number of degrees stands in them as it is meant.
-        if (std::abs(scale * 180.0 / pi - 1.0) > 1e-6)
+        if (std::abs(scale * 180.0 / pi - 1.0) > 1e-6) {
             value.number *= scale * 180.0 / pi;
+        }
     }
 }

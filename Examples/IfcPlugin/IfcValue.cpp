@@ -26,12 +26,15 @@ bool isState(std::string_view word) {
 }
 
 Kind kindOfNumber(std::string_view type) {
-    if (type == "IFCLENGTHMEASURE" || type == "IFCPOSITIVELENGTHMEASURE")
+    if (type == "IFCLENGTHMEASURE" || type == "IFCPOSITIVELENGTHMEASURE") {
         return Kind::Length;
-    if (type == "IFCPLANEANGLEMEASURE" || type == "IFCPOSITIVEPLANEANGLEMEASURE")
+    }
+    if (type == "IFCPLANEANGLEMEASURE" || type == "IFCPOSITIVEPLANEANGLEMEASURE") {
         return Kind::Angle;
-    if (type == "IFCINTEGER" || type == "IFCCOUNTMEASURE" || type == "IFCTIMESTAMP")
+    }
+    if (type == "IFCINTEGER" || type == "IFCCOUNTMEASURE" || type == "IFCTIMESTAMP") {
         return Kind::Integer;
+    }
     return Kind::Real;
 }
 
@@ -41,12 +44,14 @@ IfcValue numberValue(std::string_view type, std::string_view argument) {
     value.kind = kindOfNumber(type);
     const auto integer = value.kind == Kind::Integer ? stepInteger(argument) : std::nullopt;
     const auto real = integer ? std::nullopt : stepReal(argument);
-    if (!integer && !real)
+    if (!integer && !real) {
         return textValue(std::string(argument));
+    }
     value.integer = integer.value_or(0);
     value.number = real.value_or(0.0);
-    if (value.kind == Kind::Integer && !integer)
+    if (value.kind == Kind::Integer && !integer) {
         value.kind = Kind::Real;
+    }
     return value;
 }
 
@@ -58,37 +63,47 @@ IfcValue valueOf(std::string_view argument) {
         type = typed->keyword;
         argument = typed->value;
     }
-    if (argument.empty() || argument[0] == '$' || argument[0] == '*' || argument[0] == '#')
+    if (argument.empty() || argument[0] == '$' || argument[0] == '*' || argument[0] == '#') {
         return {};
-    if (argument[0] == '\'')
+    }
+    if (argument[0] == '\'') {
         return textValue(stepText(argument));
-    if (argument[0] == '(')
+    }
+    if (argument[0] == '(') {
         return listValueOf(argument);
+    }
     const std::string_view word = stepEnumeration(argument);
-    if (isState(word))
+    if (isState(word)) {
         return stateValue(word, type == "IFCLOGICAL");
+    }
     return word.empty() ? numberValue(type, argument) : textValue(std::string(word));
 }
 
 IfcValue listValueOf(std::string_view list) {
-    if (list.empty() || list[0] != '(')
+    if (list.empty() || list[0] != '(') {
         return {};
+    }
     IfcValue value = textValue("");
     StepArguments members = listMembers(list);
-    for (auto member = members.next(); member; member = members.next())
+    for (auto member = members.next(); member; member = members.next()) {
         value.text += (value.text.empty() ? "" : ", ") + valueText(*member);
+    }
     return value;
 }
 
 std::string valueText(std::string_view argument) {
-    if (const auto typed = stepTyped(argument))
+    if (const auto typed = stepTyped(argument)) {
         argument = typed->value;
-    if (stepQuoted(argument))
+    }
+    if (stepQuoted(argument)) {
         return stepText(argument);
+    }
     const std::string_view word = stepEnumeration(argument);
-    if (!word.empty())
+    if (!word.empty()) {
         return std::string(word);
-    if (argument == "$")
+    }
+    if (argument == "$") {
         return "";
+    }
     return std::string(argument.substr(0, argument.find_first_of(" \t\r\n/")));
 }

@@ -40,17 +40,19 @@ Measurement measure(const std::vector<Surface>& surfaces) {
         result.volume += enclosed.volume;
         moment += enclosed.moment;
     }
-    if (result.volume > smallestVolume)
+    if (result.volume > smallestVolume) {
         result.centroid = moment / result.volume;
-    else
+    } else {
         result.volume = 0.0;
+    }
     return result;
 }
 
 ImportCommon::ExternalVersion versionOf(const Measurement& measurement, const Vector& origin) {
     const Vector box = measurement.high - measurement.low;
-    if (measurement.volume == 0.0)
+    if (measurement.volume == 0.0) {
         return ImportCommon::createFromGeometry(box.x, box.y, box.z, measurement.radii.data());
+    }
 
     const Vector centroid = measurement.centroid + origin;
     const double coordinates[3] = {centroid.x, centroid.y, centroid.z};

@@ -29,8 +29,10 @@ std::string labelOf(AttributeClassIFC_e ifcClass) {
 AttributeClassIFC_e classOf(const std::string& label) {
     static const auto classes = [] {
         std::map<std::string, AttributeClassIFC_e> result;
-        for (int code = AttributeClassIFC_IFCPRODUCT; !labelOf(static_cast<AttributeClassIFC_e>(code)).empty(); ++code)
+        for (int code = AttributeClassIFC_IFCPRODUCT; !labelOf(static_cast<AttributeClassIFC_e>(code)).empty();
+             ++code) {
             result.emplace(labelOf(static_cast<AttributeClassIFC_e>(code)), static_cast<AttributeClassIFC_e>(code));
+        }
         return result;
     }();
     const auto found = classes.find(label);
@@ -48,11 +50,13 @@ std::string classLabel(std::string word) {
 } // namespace
 
 std::optional<ProductName> parseProductName(const std::string& nodeName) {
-    if (nodeName.empty())
+    if (nodeName.empty()) {
         return ProductName{labelOf(AttributeClassIFC_IFCPRODUCT), "", ""};
+    }
     const std::size_t first = nodeName.find('_');
-    if (nodeName.compare(0, 3, "Ifc") != 0 || first == std::string::npos)
+    if (nodeName.compare(0, 3, "Ifc") != 0 || first == std::string::npos) {
         return std::nullopt;
+    }
 
     ProductName result;
     result.className = classLabel(nodeName.substr(0, first));
@@ -64,7 +68,8 @@ std::optional<ProductName> parseProductName(const std::string& nodeName) {
         result.globalId = nodeName.substr(idBegin);
         nameEnd = idBegin - 1;
     }
-    if (nameEnd > first)
+    if (nameEnd > first) {
         result.name = nodeName.substr(first + 1, nameEnd - first - 1);
+    }
     return result;
 }

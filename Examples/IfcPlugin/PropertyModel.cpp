@@ -20,8 +20,9 @@ using PropertyPointers = std::vector<const IfcProperty*>;
 constexpr double pi = 3.141592653589793;
 
 IFC2X3Property integerProperty(const wchar_t* name, const wchar_t* description, long long value) {
-    if (value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max())
+    if (value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max()) {
         return createPropertySingleValueInteger(name, description, Value::ValueType_Integer, static_cast<int>(value));
+    }
     return createPropertySingleValueInteger64(name, description, Value::ValueType_Integer64, value);
 }
 
@@ -34,8 +35,9 @@ IFC2X3Property toProperty(const IfcProperty& property) {
     const wchar_t* description = descriptionText.c_str();
     if (property.isComplex) {
         PropertyPointers nested;
-        for (const IfcProperty& inner : property.nested)
+        for (const IfcProperty& inner : property.nested) {
             nested.push_back(&inner);
+        }
         return createPropertyComplex(name, description, wideText(property.usageName).c_str(), toPropertySet(nested));
     }
 
@@ -68,17 +70,20 @@ IFC2X3Property toProperty(const IfcProperty& property) {
 
 IFC2X3PropertySet toPropertySet(const PropertyPointers& properties) {
     IFC2X3PropertySet set;
-    for (const IfcProperty* property : properties)
+    for (const IfcProperty* property : properties) {
         set.addProperty(toProperty(*property));
-    if (set.getCount() != properties.size())
+    }
+    if (set.getCount() != properties.size()) {
         throw std::bad_alloc(); // a set that can't grow drops properties silently
+    }
     return set;
 }
 
 void identify(IFC2X3_PSet_Custom_s& set, const IfcPropertySet& source) {
     std::fill(std::begin(set.globalId), std::end(set.globalId), '0');
-    if (source.globalId.size() == sizeof set.globalId)
+    if (source.globalId.size() == sizeof set.globalId) {
         std::copy(source.globalId.begin(), source.globalId.end(), set.globalId);
+    }
 }
 
 IFC2X3_PSet_Custom_s customSet(const IfcPropertySet& source, const PropertyPointers& properties) {
@@ -95,8 +100,9 @@ IFC2X3_PSet_Custom_s customSet(const IfcPropertySet& source, const PropertyPoint
 const IFC2X3Property& propertyNamed(std::string_view name, const IFC2X3PropertySet& set) {
     const std::wstring wanted = wideText(name);
     unsigned int i = 0;
-    while (i < set.getCount() && wanted != set.getProperty(i).getName())
+    while (i < set.getCount() && wanted != set.getProperty(i).getName()) {
         ++i;
+    }
     return set.getProperty(i);
 }
 
@@ -110,8 +116,9 @@ void writeCustomSets(const Product& product, const IfcPropertySet& source, const
         const PropertyPointers part(begin, end);
         const IFC2X3_PSet_Custom_s custom = customSet(source, part);
         streams.propertySet(product, isObject, "custom", custom, source, source.name);
-        for (unsigned int i = 0; i < part.size(); ++i)
+        for (unsigned int i = 0; i < part.size(); ++i) {
             streams.property(custom.properties.getProperty(i), *part[i], part[i]->name);
+        }
         begin = end;
     } while (begin != properties.end());
 }
@@ -122,18 +129,22 @@ void writeProperties(const Product& product, const std::vector<IfcPropertySet>& 
     for (const IfcPropertySet& source : sets) {
         PropertyPointers others;
         std::optional<CommonSet> common = commonSetOf(product.className, source);
-        for (const IfcProperty& property : source.properties)
-            if (!common || !common->holds(property))
+        for (const IfcProperty& property : source.properties) {
+            if (!common || !common->holds(property)) {
                 others.push_back(&property);
+            }
+        }
 
         if (common) {
             identify(common->set, source);
             const std::string name = StringOperations::ConvertToCurrentLocale(std::wstring(common->set.name));
             streams.propertySet(product, isObject, common->record, common->set, source, name);
-            for (const CommonSet::Held& held : common->held)
+            for (const CommonSet::Held& held : common->held) {
                 streams.property(propertyNamed(held.name, common->set.properties), *held.property, held.name);
+            }
         }
-        if (!common || !others.empty())
+        if (!common || !others.empty()) {
             writeCustomSets(product, source, others, isObject, streams);
+        }
     }
 }

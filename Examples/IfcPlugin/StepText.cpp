@@ -20,18 +20,21 @@ void skipBehind(std::string_view& text, std::string_view found, std::size_t from
 
 void skipBlanks(std::string_view& text) {
     for (;;) {
-        while (!text.empty() && isBlank(text[0]))
+        while (!text.empty() && isBlank(text[0])) {
             text.remove_prefix(1);
-        if (text.substr(0, 2) != "/*")
+        }
+        if (text.substr(0, 2) != "/*") {
             return;
+        }
         skipBehind(text, "*/", 2);
     }
 }
 
 bool take(std::string_view& text, char c) {
     skipBlanks(text);
-    if (text.empty() || text[0] != c)
+    if (text.empty() || text[0] != c) {
         return false;
+    }
     text.remove_prefix(1);
     return true;
 }
@@ -39,8 +42,9 @@ bool take(std::string_view& text, char c) {
 std::string_view takeWord(std::string_view& text) {
     skipBlanks(text);
     std::size_t size = 0;
-    while (size < text.size() && isWordCharacter(text[size]))
+    while (size < text.size() && isWordCharacter(text[size])) {
         ++size;
+    }
     const std::string_view word = text.substr(0, size);
     text.remove_prefix(size);
     return word;
@@ -50,8 +54,9 @@ template <typename Number>
 std::optional<Number> takeNumber(std::string_view& text) {
     Number value{};
     const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (result.ec != std::errc())
+    if (result.ec != std::errc()) {
         return std::nullopt;
+    }
     text.remove_prefix(static_cast<std::size_t>(result.ptr - text.data()));
     return value;
 }
@@ -60,12 +65,14 @@ std::optional<Number> takeNumber(std::string_view& text) {
 template <typename Number>
 std::optional<Number> wholeNumber(std::string_view argument) {
     skipBlanks(argument);
-    if (argument.substr(0, 1) == "+" && argument.substr(1, 1) != "-")
+    if (argument.substr(0, 1) == "+" && argument.substr(1, 1) != "-") {
         argument.remove_prefix(1);
+    }
     // What a file may write as a number begins with a digit: no "inf" and "nan".
     const std::size_t digit = argument.substr(0, 1) == "-" ? 1 : 0;
-    if (digit >= argument.size() || argument[digit] < '0' || argument[digit] > '9')
+    if (digit >= argument.size() || argument[digit] < '0' || argument[digit] > '9') {
         return std::nullopt;
+    }
     const std::optional<Number> value = takeNumber<Number>(argument);
     skipBlanks(argument);
     return argument.empty() ? value : std::nullopt;
@@ -77,8 +84,9 @@ std::string_view takeUpTo(std::string_view& text, char stop, char otherStop, boo
     std::size_t i = 0;
     while (i < text.size()) {
         const char c = text[i];
-        if (depth == 0 && (c == stop || c == otherStop))
+        if (depth == 0 && (c == stop || c == otherStop)) {
             break;
+        }
         if (c == '\'') {
             i = text.find('\'', i + 1); // of two quotes that stand for one, the second opens the text again
         } else if (c == '/' && text.substr(i, 2) == "/*") {
@@ -102,8 +110,9 @@ std::optional<StepInstance> StepInstances::next() {
     while (!rest_.empty()) {
         StepInstance instance;
         std::optional<std::uint64_t> id;
-        if (take(rest_, '#'))
+        if (take(rest_, '#')) {
             id = takeNumber<std::uint64_t>(rest_);
+        }
         bool whole = id && take(rest_, '=');
         if (whole) {
             instance.id = *id;
@@ -113,26 +122,31 @@ std::optional<StepInstance> StepInstances::next() {
         instance.arguments = takeUpTo(rest_, ';', ';', false);
         const bool closed = !rest_.empty();
         rest_.remove_prefix(closed ? 1 : 0);
-        if (whole && closed)
+        if (whole && closed) {
             return instance;
+        }
     }
     return std::nullopt;
 }
 
 std::optional<std::string_view> StepArguments::next() {
-    if (!first_ && !take(rest_, ','))
+    if (!first_ && !take(rest_, ',')) {
         return std::nullopt;
+    }
     skipBlanks(rest_);
-    if (rest_.empty() || (first_ && rest_[0] == ')'))
+    if (rest_.empty() || (first_ && rest_[0] == ')')) {
         return std::nullopt;
+    }
     first_ = false;
     return takeUpTo(rest_, ',', ')', true);
 }
 
 std::string_view StepArguments::nextAfter(std::size_t count) {
-    for (; count > 0; --count)
-        if (!next())
+    for (; count > 0; --count) {
+        if (!next()) {
             return {};
+        }
+    }
     return next().value_or(std::string_view());
 }
 
@@ -146,18 +160,22 @@ std::optional<std::uint64_t> stepReference(std::string_view argument) {
 
 void appendStepReferences(std::string_view arguments, std::vector<std::uint64_t>& references) {
     for (takeUpTo(arguments, '#', '#', false); !arguments.empty(); takeUpTo(arguments, '#', '#', false)) {
-        if (const auto reference = stepReference(arguments))
+        if (const auto reference = stepReference(arguments)) {
             references.push_back(*reference);
+        }
         arguments.remove_prefix(1);
     }
 }
 
 std::optional<std::string_view> stepQuoted(std::string_view argument) {
-    if (!take(argument, '\''))
+    if (!take(argument, '\'')) {
         return std::nullopt;
-    for (std::size_t end = argument.find('\''); end != std::string_view::npos; end = argument.find('\'', end + 2))
-        if (argument.substr(end + 1, 1) != "'")
+    }
+    for (std::size_t end = argument.find('\''); end != std::string_view::npos; end = argument.find('\'', end + 2)) {
+        if (argument.substr(end + 1, 1) != "'") {
             return argument.substr(0, end);
+        }
+    }
     return std::nullopt;
 }
 
@@ -166,8 +184,9 @@ std::string stepText(std::string_view argument) {
 }
 
 std::string_view stepEnumeration(std::string_view argument) {
-    if (!take(argument, '.'))
+    if (!take(argument, '.')) {
         return {};
+    }
     const std::string_view word = takeWord(argument);
     return argument.substr(0, 1) == "." ? word : std::string_view();
 }
@@ -182,8 +201,9 @@ std::optional<long long> stepInteger(std::string_view argument) {
 
 std::optional<StepTyped> stepTyped(std::string_view argument) {
     const std::string_view keyword = takeWord(argument);
-    if (keyword.empty() || keyword[0] < 'A' || !take(argument, '('))
+    if (keyword.empty() || keyword[0] < 'A' || !take(argument, '(')) {
         return std::nullopt;
+    }
     return StepTyped{keyword, StepArguments(argument).next().value_or(std::string_view())};
 }
 
@@ -209,20 +229,23 @@ void appendUtf8(std::string& out, std::uint32_t c) {
 }
 
 bool takePrefix(std::string_view& text, std::string_view prefix) {
-    if (text.substr(0, prefix.size()) != prefix)
+    if (text.substr(0, prefix.size()) != prefix) {
         return false;
+    }
     text.remove_prefix(prefix.size());
     return true;
 }
 
 /** Takes a number of hexadecimal digits off the front of @p text; nothing when they are not there. */
 std::optional<std::uint32_t> takeHex(std::string_view& text, std::size_t digits) {
-    if (text.size() < digits)
+    if (text.size() < digits) {
         return std::nullopt;
+    }
     std::uint32_t value = 0;
     const char* const end = text.data() + digits;
-    if (std::from_chars(text.data(), end, value, 16).ptr != end)
+    if (std::from_chars(text.data(), end, value, 16).ptr != end) {
         return std::nullopt;
+    }
     text.remove_prefix(digits);
     return value;
 }
@@ -251,8 +274,9 @@ std::string decodeStepText(std::string_view text) {
         const std::size_t plain = text.find_first_of("'\\\r\n");
         out += text.substr(0, plain);
         text.remove_prefix(plain == std::string_view::npos ? text.size() : plain);
-        if (text.empty())
+        if (text.empty()) {
             break;
+        }
         if (takePrefix(text, "''")) {
             out += '\'';
         } else if (takePrefix(text, "\\\\")) {
@@ -267,8 +291,9 @@ std::string decodeStepText(std::string_view text) {
             appendUtf8(out, 0x80u | static_cast<unsigned char>(text[0]));
             text.remove_prefix(1);
         } else {
-            if (text[0] != '\r' && text[0] != '\n') // a long text may be broken into lines anywhere
+            if (text[0] != '\r' && text[0] != '\n') { // a long text may be broken into lines anywhere
                 out += text[0];
+            }
             text.remove_prefix(1);
         }
     }

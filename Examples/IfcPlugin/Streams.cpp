@@ -25,10 +25,11 @@ public:
         next();
         for (const char c : text) {
             const auto byte = static_cast<unsigned char>(c);
-            if (byte < 0x20 || byte == 0x7F || byte == '%')
+            if (byte < 0x20 || byte == 0x7F || byte == '%') {
                 text_.append({'%', digits[byte >> 4], digits[byte & 15]});
-            else
+            } else {
                 text_ += c;
+            }
         }
         return *this;
     }
@@ -67,16 +68,18 @@ public:
     }
 
     std::string& next() {
-        if (!first_)
+        if (!first_) {
             text_ += '\t';
+        }
         first_ = false;
         return text_;
     }
 
     void writeTo(FILE* stream) {
         text_ += '\n';
-        if (stream != nullptr)
+        if (stream != nullptr) {
             std::fwrite(text_.data(), 1, text_.size(), stream);
+        }
     }
 
 private:
@@ -101,8 +104,9 @@ std::string_view idOrDash(const Product* product) {
 
 /** Bytes behind the line that tells their number. */
 void writeBytes(const char* bytes, std::size_t size, FILE* stream) {
-    if (stream == nullptr)
+    if (stream == nullptr) {
         return;
+    }
     std::fwrite(bytes, 1, size, stream);
     std::fputc('\n', stream);
 }
@@ -158,14 +162,16 @@ void Streams::error(std::string_view text) {
 }
 
 void Streams::progress(double part, std::string_view what) {
-    if (part < shownProgress_ + 0.01 && part < 1.0)
+    if (part < shownProgress_ + 0.01 && part < 1.0) {
         return;
+    }
     shownProgress_ = part;
     Line line;
     line.next();
     line.append(part).field(what).writeTo(env_.progress);
-    if (env_.progress != nullptr)
+    if (env_.progress != nullptr) {
         std::fflush(env_.progress); // the host reads along
+    }
 }
 
 void Streams::material(const aiMaterial& material) {
@@ -213,15 +219,17 @@ void Streams::polygons(const Surface& surface, const Vector& origin) {
     line.number(static_cast<long>(objectCount_)).number(static_cast<long>(surface.material)).next();
     for (std::size_t i = 0; i < surface.vertices.size(); ++i) {
         const Vector v = surface.vertices[i] + origin;
-        if (i > 0)
+        if (i > 0) {
             line.space();
+        }
         line.append(rounded(v.x)).space().append(rounded(v.y)).space().append(rounded(v.z));
     }
     for (const Surface::Polygon& polygon : surface.polygons) {
         line.next();
         for (std::size_t i = 0; i < polygon.size(); ++i) {
-            if (i > 0)
+            if (i > 0) {
                 line.space();
+            }
             line.append(polygon[i]);
         }
     }
@@ -248,8 +256,9 @@ void Streams::propertySet(const Product& product, bool isObject, std::string_vie
     Line line;
     line.field("set").number(isObject ? static_cast<long>(objectCount_) : 0).field(idOrDash(&product)).field(form);
     line.field(std::string_view(set.globalId, sizeof set.globalId)).escaped(name).escaped(source.description);
-    if (name != source.name)
+    if (name != source.name) {
         line.escaped(source.name);
+    }
     line.writeTo(env_.attributes);
 }
 
@@ -257,15 +266,18 @@ void Streams::property(const IFC2X3Property& property, const IfcProperty& source
     Line line;
     line.field("property").number(depth).escaped(name).escaped(source.description);
     const IFC2X3PropertySet& nested = property.getPropertyComplex().getPropertySet();
-    if (property.getType() == IFC2X3Property::Type_Complex)
+    if (property.getType() == IFC2X3Property::Type_Complex) {
         line.field("complex").escaped(source.usageName);
-    else
+    } else {
         writeValue(line, property.getPropertySingleValue(), source.value.text);
-    if (name != source.name)
+    }
+    if (name != source.name) {
         line.escaped(source.name);
+    }
     line.writeTo(env_.attributes);
-    for (unsigned int i = 0; i < nested.getCount() && i < source.nested.size(); ++i)
+    for (unsigned int i = 0; i < nested.getCount() && i < source.nested.size(); ++i) {
         this->property(nested.getProperty(i), source.nested[i], source.nested[i].name, depth + 1);
+    }
 }
 
 void Streams::end() {

@@ -18,16 +18,19 @@ public:
         const Cell cell = {std::floor(v.x / joinDistance), std::floor(v.y / joinDistance),
                            std::floor(v.z / joinDistance)};
         const auto found = cells_.find(cell);
-        if (found != cells_.end())
+        if (found != cells_.end()) {
             return found->second;
+        }
 
         // Equal but for rounding, two vertices may lie on both sides of a cell's border.
         std::optional<std::uint32_t> neighbour;
-        for (int i = 1; i < 8 && !neighbour; ++i)
+        for (int i = 1; i < 8 && !neighbour; ++i) {
             neighbour = lookBeside(v, cell, i);
+        }
         const auto index = neighbour.value_or(static_cast<std::uint32_t>(vertices_.size()));
-        if (!neighbour)
+        if (!neighbour) {
             vertices_.push_back(v);
+        }
         cells_.emplace(cell, index);
         return index;
     }
@@ -45,12 +48,15 @@ private:
     /** The vertex near @p v in the cell beyond the nearest borders of the axes whose bits are set. */
     std::optional<std::uint32_t> lookBeside(const Vector& v, Cell cell, int axes) const {
         const double position[3] = {v.x, v.y, v.z};
-        for (std::size_t axis = 0; axis < 3; ++axis)
-            if ((axes >> axis & 1) != 0)
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            if ((axes >> axis & 1) != 0) {
                 cell[axis] += position[axis] / joinDistance - cell[axis] < 0.5 ? -1.0 : 1.0;
+            }
+        }
         const auto found = cells_.find(cell);
-        if (found == cells_.end() || (vertices_[found->second] - v).Length() > joinDistance)
+        if (found == cells_.end() || (vertices_[found->second] - v).Length() > joinDistance) {
             return std::nullopt;
+        }
         return found->second;
     }
 
@@ -76,16 +82,20 @@ Surface surfaceOf(const ProductMesh& mesh, const Matrix& orientation) {
         Surface::Polygon polygon;
         for (unsigned int k = 0; k < face.mNumIndices; ++k) {
             const Vector v = transformation * toDouble(mesh.mesh->mVertices[face.mIndices[k]]);
-            if (!isFinite(v))
+            if (!isFinite(v)) {
                 continue;
+            }
             const std::uint32_t index = joiner.join(v);
-            if (polygon.empty() || polygon.back() != index)
+            if (polygon.empty() || polygon.back() != index) {
                 polygon.push_back(index);
+            }
         }
-        while (polygon.size() > 1 && polygon.back() == polygon.front())
+        while (polygon.size() > 1 && polygon.back() == polygon.front()) {
             polygon.pop_back();
-        if (!polygon.empty())
+        }
+        if (!polygon.empty()) {
             surface.polygons.push_back(std::move(polygon));
+        }
     }
     return surface;
 }

@@ -21,8 +21,9 @@ std::wstring wideText(std::string_view utf8) {
         std::size_t known = 1;
         for (; known < length && i + known < utf8.size(); ++known) {
             const unsigned byte = static_cast<unsigned char>(utf8[i + known]);
-            if ((byte & 0xC0) != 0x80)
+            if ((byte & 0xC0) != 0x80) {
                 break;
+            }
             code = code << 6 | (byte & 0x3F);
         }
         wide += known == length ? static_cast<wchar_t>(code) : replacement;

@@ -29,8 +29,9 @@ fs::path programFolder(const char* calledAs) {
 int wholeNumber(const std::string& option, const std::string& text) {
     try {
         const long value = toLong(text);
-        if (value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max())
+        if (value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max()) {
             return static_cast<int>(value);
+        }
     } catch (const std::runtime_error&) {
         // Said below.
     }
@@ -40,24 +41,31 @@ int wholeNumber(const std::string& option, const std::string& text) {
 /** Whether a path lies in a folder that exists already. */
 bool isInside(const fs::path& path, const fs::path& folder) {
     std::error_code error;
-    for (fs::path parent = fs::absolute(path, error); parent != parent.root_path(); parent = parent.parent_path())
-        if (fs::equivalent(parent, folder, error))
+    for (fs::path parent = fs::absolute(path, error); parent != parent.root_path(); parent = parent.parent_path()) {
+        if (fs::equivalent(parent, folder, error)) {
             return true;
+        }
+    }
     return false;
 }
 
 /** Nothing that is written may take the place of something else. */
 void checkTargets(const Arguments& arguments) {
     std::error_code error;
-    for (const std::string& target : {arguments.report, arguments.picture, arguments.state})
-        if (!target.empty() && fs::equivalent(target, arguments.model, error))
+    for (const std::string& target : {arguments.report, arguments.picture, arguments.state}) {
+        if (!target.empty() && fs::equivalent(target, arguments.model, error)) {
             throw UsageError(printable(target) + " is the model itself");
+        }
+    }
     if (!arguments.report.empty() && fs::absolute(arguments.report, error).lexically_normal() ==
-                                         fs::absolute(arguments.picture, error).lexically_normal())
+                                         fs::absolute(arguments.picture, error).lexically_normal()) {
         throw UsageError("report and picture are the same file");
-    for (const std::string& target : {arguments.report, arguments.picture})
-        if (!target.empty() && isInside(target, arguments.state))
+    }
+    for (const std::string& target : {arguments.report, arguments.picture}) {
+        if (!target.empty() && isInside(target, arguments.state)) {
             throw UsageError(printable(target) + " is in the state folder");
+        }
+    }
 }
 
 } // namespace
@@ -86,32 +94,41 @@ Arguments readArguments(int count, char** texts) {
                                    : text == "--picture" ? &arguments.picture
                                    : text == "--list"    ? &arguments.list
                                                          : nullptr;
-        if (value == nullptr && text != "--environment-version")
+        if (value == nullptr && text != "--environment-version") {
             throw UsageError("unknown option " + printable(text));
-        if (++i == count || texts[i][0] == '\0')
+        }
+        if (++i == count || texts[i][0] == '\0') {
             throw UsageError(text + " needs a value");
-        if (value != nullptr)
+        }
+        if (value != nullptr) {
             *value = texts[i];
-        else
+        } else {
             arguments.environmentVersion = wholeNumber(text, texts[i]);
+        }
     }
-    if (!arguments.list.empty() && models.empty())
+    if (!arguments.list.empty() && models.empty()) {
         return arguments;
-    if (!arguments.list.empty())
+    }
+    if (!arguments.list.empty()) {
         throw UsageError("--list goes without a model");
-    if (models.size() != 1 || models[0].empty())
+    }
+    if (models.size() != 1 || models[0].empty()) {
         throw UsageError(models.size() > 1 ? "more than one model" : "no model");
+    }
 
     arguments.model = models[0];
-    if (arguments.plugin.empty())
+    if (arguments.plugin.empty()) {
         arguments.plugin = (programFolder(texts[0]) / "ifc-plugin.so").string();
+    }
     if (fs::is_directory(arguments.model)) {
-        if (!arguments.state.empty() || !arguments.report.empty() || !arguments.picture.empty())
+        if (!arguments.state.empty() || !arguments.report.empty() || !arguments.picture.empty()) {
             throw UsageError("--state, --report and --picture go with one model, not with a folder");
+        }
         return arguments;
     }
-    if (arguments.state.empty())
+    if (arguments.state.empty()) {
         arguments.state = arguments.model + ".import";
+    }
     checkTargets(arguments);
     return arguments;
 }

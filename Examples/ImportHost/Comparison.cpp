@@ -31,9 +31,11 @@ std::array<double, 3> centroidOf(const ExternalVersion& version) {
 }
 
 bool samePosition(const std::array<double, 3>& a, const std::array<double, 3>& b) {
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (std::abs(a[i] - b[i]) > positionTolerance)
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (std::abs(a[i] - b[i]) > positionTolerance) {
             return false;
+        }
+    }
     return true;
 }
 
@@ -52,17 +54,20 @@ ExternalVersion movedBack(const ExternalVersion& now, const ExternalVersion& bef
 
 /** Status of an object that is there under the same identity. */
 Status statusOf(const ObjectRecord& before, const ObjectRecord& now) {
-    if (before.className != now.className)
+    if (before.className != now.className) {
         return Status::Reclassed;
+    }
     if (bothSolid(before, now)) {
-        if (!(movedBack(now.version, before.version) == before.version))
+        if (!(movedBack(now.version, before.version) == before.version)) {
             return Status::Reshaped;
+        }
         const bool moved = !samePosition(centroidOf(now.version), centroidOf(before.version));
         return moved ? Status::Moved : Status::Unchanged;
     }
     // Without a volume a version has no centroid: whether the object was moved is told by its box.
-    if (now.version == before.version)
+    if (now.version == before.version) {
         return samePosition(now.position, before.position) ? Status::Unchanged : Status::Moved;
+    }
     return Status::Reshaped;
 }
 
@@ -73,12 +78,14 @@ using ObjectsById = std::unordered_map<int, std::deque<const ObjectRecord*>>;
 template <typename Condition>
 const ObjectRecord* take(ObjectsById& objects, ExternalGUIDRuntimeID_e id, const Condition& condition) {
     const auto found = objects.find(id);
-    if (id == ExternalGUIDRuntimeID_None || found == objects.end())
+    if (id == ExternalGUIDRuntimeID_None || found == objects.end()) {
         return nullptr;
+    }
     for (auto object = found->second.begin(); object != found->second.end(); ++object) {
         const ObjectRecord* result = *object;
-        if (!condition(*result))
+        if (!condition(*result)) {
             continue;
+        }
         found->second.erase(object);
         return result;
     }
@@ -89,13 +96,15 @@ const ObjectRecord* take(ObjectsById& objects, ExternalGUIDRuntimeID_e id, const
 void matchIdentities(ExternalGUIDDatabase& database, const std::vector<ObjectRecord>& before,
                      std::vector<Change>& changes) {
     ObjectsById known;
-    for (const ObjectRecord& object : before)
+    for (const ObjectRecord& object : before) {
         known[database.insertGUID(object.identity)].push_back(&object);
+    }
     for (Change& change : changes) {
         const ExternalGUIDRuntimeID_e id = database.findGUID(change.now->identity);
         change.before = take(known, id, [](const ObjectRecord&) { return true; });
-        if (change.before != nullptr)
+        if (change.before != nullptr) {
             change.status = statusOf(*change.before, *change.now);
+        }
     }
 }
 
@@ -103,41 +112,50 @@ void matchIdentities(ExternalGUIDDatabase& database, const std::vector<ObjectRec
 void matchSpatialHashes(ExternalGUIDDatabase& database, const std::vector<const ObjectRecord*>& gone,
                         std::vector<Change>& changes) {
     ObjectsById known;
-    for (const ObjectRecord* object : gone)
+    for (const ObjectRecord* object : gone) {
         known[database.insertGUID(object->spatialHash)].push_back(object);
+    }
     for (const bool sameName : {true, false}) {
         for (Change& change : changes) {
-            if (change.before != nullptr)
+            if (change.before != nullptr) {
                 continue;
+            }
             const ExternalGUIDRuntimeID_e id = database.findGUID(change.now->spatialHash);
             change.before = take(known, id, [&](const ObjectRecord& object) {
                 return object.className == change.now->className && (!sameName || object.name == change.now->name);
             });
-            if (change.before != nullptr)
+            if (change.before != nullptr) {
                 change.status = Status::Reidentified;
+            }
         }
     }
 }
 
 void compareProperties(Change& change) {
-    if (change.before == nullptr)
+    if (change.before == nullptr) {
         return;
+    }
     change.properties = differencesOf(change.before->properties, change.now->properties);
-    if (change.status == Status::Unchanged && !change.properties.empty())
+    if (change.status == Status::Unchanged && !change.properties.empty()) {
         change.status = Status::Properties;
+    }
 }
 
 /** The objects that no change has taken up. */
 std::vector<const ObjectRecord*> goneObjects(const std::vector<ObjectRecord>& before,
                                              const std::vector<Change>& changes) {
     std::vector<bool> taken(before.size(), false);
-    for (const Change& change : changes)
-        if (change.before != nullptr)
+    for (const Change& change : changes) {
+        if (change.before != nullptr) {
             taken[static_cast<std::size_t>(change.before - before.data())] = true;
+        }
+    }
     std::vector<const ObjectRecord*> gone;
-    for (std::size_t i = 0; i < before.size(); ++i)
-        if (!taken[i])
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        if (!taken[i]) {
             gone.push_back(&before[i]);
+        }
+    }
     return gone;
 }
 
@@ -166,14 +184,16 @@ const char* statusName(Status status) {
 }
 
 double similarityOf(const Change& change) {
-    if (change.before == nullptr || change.now == nullptr)
+    if (change.before == nullptr || change.now == nullptr) {
         return std::numeric_limits<double>::quiet_NaN();
+    }
     return change.now->version.similarity(change.before->version);
 }
 
 double distanceOf(const Change& change) {
-    if (change.before == nullptr || change.now == nullptr)
+    if (change.before == nullptr || change.now == nullptr) {
         return std::numeric_limits<double>::quiet_NaN();
+    }
     const bool solid = bothSolid(*change.before, *change.now);
     const std::array<double, 3> from = solid ? centroidOf(change.before->version) : change.before->position;
     const std::array<double, 3> to = solid ? centroidOf(change.now->version) : change.now->position;
@@ -183,15 +203,18 @@ double distanceOf(const Change& change) {
 std::vector<Change> compare(const std::vector<ObjectRecord>& before, const std::vector<ObjectRecord>& now) {
     std::vector<Change> changes;
     changes.reserve(now.size());
-    for (const ObjectRecord& object : now)
+    for (const ObjectRecord& object : now) {
         changes.push_back({Status::Added, nullptr, &object});
+    }
 
     ExternalGUIDDatabase database;
     matchIdentities(database, before, changes);
     matchSpatialHashes(database, goneObjects(before, changes), changes);
-    for (Change& change : changes)
+    for (Change& change : changes) {
         compareProperties(change);
-    for (const ObjectRecord* object : goneObjects(before, changes))
+    }
+    for (const ObjectRecord* object : goneObjects(before, changes)) {
         changes.push_back({Status::Removed, object, nullptr});
+    }
     return changes;
 }

@@ -12,8 +12,9 @@ namespace {
 
 double toCoordinate(std::string_view text) {
     const double coordinate = toDouble(text);
-    if (!std::isfinite(coordinate))
+    if (!std::isfinite(coordinate)) {
         throw std::runtime_error("a coordinate is not finite");
+    }
     return coordinate;
 }
 
@@ -47,8 +48,9 @@ Polygon convexHull(Polygon points) {
     for (int pass = 0; pass < 2; ++pass) {
         const std::size_t begin = hull.size();
         for (const Point& point : points) {
-            while (hull.size() >= begin + 2 && turn(hull[hull.size() - 2], hull.back(), point) <= 0.0)
+            while (hull.size() >= begin + 2 && turn(hull[hull.size() - 2], hull.back(), point) <= 0.0) {
                 hull.pop_back();
+            }
             hull.push_back(point);
         }
         hull.pop_back();
@@ -60,8 +62,9 @@ Polygon convexHull(Polygon points) {
 /** Starts a polygon at its smallest point, so that the top and the bottom of a body give the same one. */
 std::vector<std::pair<long, long>> normalForm(const Polygon& polygon) {
     std::vector<std::pair<long, long>> form;
-    for (const Point& point : polygon)
+    for (const Point& point : polygon) {
         form.emplace_back(std::lround(point.x * 1000.0), std::lround(point.y * 1000.0));
+    }
     std::rotate(form.begin(), std::min_element(form.begin(), form.end()), form.end());
     return form;
 }
@@ -74,17 +77,21 @@ struct Collector {
 
     void add(Polygon polygon) {
         const double covered = area(polygon);
-        if (std::abs(covered) < smallestArea)
+        if (std::abs(covered) < smallestArea) {
             return;
-        if (covered < 0.0)
+        }
+        if (covered < 0.0) {
             std::reverse(polygon.begin(), polygon.end());
-        if (seen.insert(normalForm(polygon)).second)
+        }
+        if (seen.insert(normalForm(polygon)).second) {
             faces.push_back(std::move(polygon));
+        }
     }
 
     Footprint footprint(std::size_t limit) const {
-        if (!faces.empty() && faces.size() <= limit)
+        if (!faces.empty() && faces.size() <= limit) {
             return faces;
+        }
         return points.empty() ? Footprint() : Footprint{convexHull(points)};
     }
 };
@@ -92,16 +99,19 @@ struct Collector {
 /** A line: object, material, coordinates of the vertices, and the vertex numbers of each polygon. */
 void readLine(std::string_view line, std::vector<Collector>& objects) {
     const std::vector<std::string_view> fields = split(line, '\t');
-    if (fields.size() < 3)
+    if (fields.size() < 3) {
         throw std::runtime_error("too few fields");
+    }
     const long number = toLong(fields[0]);
-    if (number < 1 || static_cast<std::size_t>(number) > objects.size())
+    if (number < 1 || static_cast<std::size_t>(number) > objects.size()) {
         throw std::runtime_error("there is no object " + std::to_string(number));
+    }
     Collector& object = objects[static_cast<std::size_t>(number) - 1];
 
     const std::vector<std::string_view> coordinates = split(fields[2], ' ');
-    if (coordinates.size() % 3 != 0)
+    if (coordinates.size() % 3 != 0) {
         throw std::runtime_error("a vertex lacks a coordinate");
+    }
     Polygon vertices;
     for (std::size_t i = 0; i < coordinates.size(); i += 3) {
         vertices.push_back({toCoordinate(coordinates[i]), toCoordinate(coordinates[i + 1])});
@@ -112,8 +122,9 @@ void readLine(std::string_view line, std::vector<Collector>& objects) {
         Polygon polygon;
         for (const std::string_view text : split(fields[i], ' ')) {
             const long index = toLong(text);
-            if (index < 0 || static_cast<std::size_t>(index) >= vertices.size())
+            if (index < 0 || static_cast<std::size_t>(index) >= vertices.size()) {
                 throw std::runtime_error("there is no vertex " + std::to_string(index));
+            }
             polygon.push_back(vertices[static_cast<std::size_t>(index)]);
         }
         object.add(std::move(polygon));
@@ -128,8 +139,9 @@ std::vector<Footprint> readFootprints(std::string_view polygonsStream, std::size
     for (const std::string_view line : split(polygonsStream, '\n')) {
         ++lineNumber;
         try {
-            if (!line.empty())
+            if (!line.empty()) {
                 readLine(line, objects);
+            }
         } catch (const std::runtime_error& e) {
             throw std::runtime_error("line " + std::to_string(lineNumber) + ": " + e.what());
         }
@@ -138,16 +150,18 @@ std::vector<Footprint> readFootprints(std::string_view polygonsStream, std::size
     const std::size_t limit = std::min(maxFaces, maxFacesOfModel / std::max<std::size_t>(objectCount, 1));
     std::vector<Footprint> footprints;
     footprints.reserve(objectCount);
-    for (const Collector& object : objects)
+    for (const Collector& object : objects) {
         footprints.push_back(object.footprint(limit));
+    }
     return footprints;
 }
 
 std::string footprintToText(const Footprint& footprint) {
     std::string text;
     for (const Polygon& polygon : footprint) {
-        if (!text.empty())
+        if (!text.empty()) {
             text += ';';
+        }
         for (std::size_t i = 0; i < polygon.size(); ++i) {
             text += i > 0 ? " " : "";
             text += numberText(std::round(polygon[i].x * 1000.0) / 1000.0) + ' ';
@@ -159,15 +173,18 @@ std::string footprintToText(const Footprint& footprint) {
 
 Footprint footprintFromText(std::string_view text) {
     Footprint footprint;
-    if (text.empty())
+    if (text.empty()) {
         return footprint;
+    }
     for (const std::string_view part : split(text, ';')) {
         const std::vector<std::string_view> coordinates = split(part, ' ');
-        if (coordinates.size() % 2 != 0)
+        if (coordinates.size() % 2 != 0) {
             throw std::runtime_error("a point lacks a coordinate");
+        }
         Polygon polygon;
-        for (std::size_t i = 0; i < coordinates.size(); i += 2)
+        for (std::size_t i = 0; i < coordinates.size(); i += 2) {
             polygon.push_back({toCoordinate(coordinates[i]), toCoordinate(coordinates[i + 1])});
+        }
         footprint.push_back(std::move(polygon));
     }
     return footprint;

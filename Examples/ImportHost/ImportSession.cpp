@@ -30,19 +30,23 @@ constexpr int progressInterval = 5000; ///< between two looks at the progress st
 
 /** Sets a variable to a path. Throws Failure for a path that a plug-in would not read as it is. */
 void setPath(const std::wstring& key, const std::string& path) {
-    if (!isWidePortable(path))
+    if (!isWidePortable(path)) {
         throw Failure(printable(path), "the name has characters that can't be handed to a plug-in");
+    }
     const std::wstring wide = StringOperations::ConvertFromCurrentLocale(path);
-    if (EnvironmentVariables::SetString(key, wide) != 0)
+    if (EnvironmentVariables::SetString(key, wide) != 0) {
         throw Failure(path, std::strerror(errno));
-    if (EnvironmentVariables::GetString(key) != wide)
+    }
+    if (EnvironmentVariables::GetString(key) != wide) {
         throw Failure(path, "the name is too long to be handed to a plug-in");
+    }
 }
 
 /** Four of the twenty values; the streams set the others. */
 void prepareEnvironment(const ImportJob& job) {
-    if (EnvironmentVariables::SetInt(L"fo_handle_version", job.environmentVersion) != 0)
+    if (EnvironmentVariables::SetInt(L"fo_handle_version", job.environmentVersion) != 0) {
         throw Failure(job.model, std::strerror(errno));
+    }
     setPath(L"fo_string_filename", job.model);
     setPath(L"fo_string_module", job.plugin);
     setPath(L"fo_string_path", job.outputFolder);
@@ -58,8 +62,9 @@ std::unique_ptr<DynamicLibrary> loadPlugin(const std::string& fileName) {
         throw Failure(fileName, std::string("the plug-in can't be initialised: ") + e.what());
     }
     const std::string reason = log.finish();
-    if (!plugin || !plugin->isValid())
+    if (!plugin || !plugin->isValid()) {
         throw Failure(fileName, "not a plug-in: " + (reason.empty() ? "it can't be loaded" : printable(reason)));
+    }
     std::fputs(reason.c_str(), stderr);
     return plugin;
 }
@@ -93,16 +98,18 @@ int callImport(ImportModelFunction importModel, const ImportJob& job) {
     ImportCall* const address = &call;
     Progress progress(job.outputFolder + "/progress");
     const pthread_t thread = ThreadOperations::createThread(runImportCall, &address, sizeof address, false);
-    if (thread == pthread_t{})
+    if (thread == pthread_t{}) {
         throw Failure(job.plugin, "there is no thread for the import function");
+    }
     while (!call.hasEnded) {
         progress.update();
         ThreadOperations::usleep(progressInterval);
     }
     ThreadOperations::closeThread(thread);
     progress.update();
-    if (!call.exception.empty())
+    if (!call.exception.empty()) {
         throw Failure(job.plugin, call.exception);
+    }
     return call.result;
 }
 
@@ -110,9 +117,11 @@ int callImport(ImportModelFunction importModel, const ImportJob& job) {
 std::string lastError(const std::string& outputFolder) {
     const std::string log = readFile(outputFolder + "/log");
     std::string error;
-    for (const std::string_view line : split(log, '\n'))
-        if (line.compare(0, 6, "error\t") == 0)
+    for (const std::string_view line : split(log, '\n')) {
+        if (line.compare(0, 6, "error\t") == 0) {
             error = printable(unescaped(line.substr(6)));
+        }
+    }
     return error;
 }
 
@@ -123,19 +132,22 @@ void runSession(const ImportJob& job) {
 
     std::unique_ptr<DynamicLibrary> plugin = loadPlugin(job.plugin); // calls "PluginInit"
     const auto importModel = reinterpret_cast<ImportModelFunction>(plugin->getSymbolAddress(importModelName));
-    if (importModel == nullptr)
+    if (importModel == nullptr) {
         throw Failure(job.plugin, std::string("not an import plug-in: it has no function ") + importModelName);
+    }
     const int result = callImport(importModel, job);
     plugin.reset(); // calls "PluginDeInit", which may still write to the streams
 
     streams.close();
-    if (result == ImportResult_WrongVersion)
+    if (result == ImportResult_WrongVersion) {
         throw Failure(job.plugin, "the plug-in does not know version " + std::to_string(job.environmentVersion) +
                                       " of the import environment");
+    }
     if (result != ImportResult_Done) {
         const std::string reason = lastError(job.outputFolder);
-        if (reason.empty())
+        if (reason.empty()) {
             throw Failure(job.plugin, "the import function gave " + std::to_string(result) + " and no reason");
+        }
         throw Failure(job.model, reason);
     }
 }

@@ -26,8 +26,9 @@ constexpr char succeeded = '+'; // what the child tells last; or '-', and what w
 [[noreturn]] void runChild(const std::function<void()>& function, int pipeEnd, [[maybe_unused]] pid_t parent) {
 #if defined(__linux__)
     ::prctl(PR_SET_PDEATHSIG, SIGKILL); // a host that is killed takes its import along
-    if (::getppid() != parent)
+    if (::getppid() != parent) {
         ::_exit(1); // it was killed before that
+    }
 #endif
     std::string outcome(1, succeeded);
     try {
@@ -45,10 +46,11 @@ std::string readToEnd(int pipeEnd) {
     char block[4096];
     for (;;) {
         const ssize_t size = ::read(pipeEnd, block, sizeof block);
-        if (size > 0)
+        if (size > 0) {
             text.append(block, static_cast<std::size_t>(size));
-        else if (size == 0 || errno != EINTR)
+        } else if (size == 0 || errno != EINTR) {
             return text;
+        }
     }
 }
 
@@ -63,11 +65,13 @@ int waitFor(pid_t child) {
 
 void runIsolated(const std::string& file, const std::function<void()>& function) {
     int ends[2];
-    if (::pipe(ends) != 0)
+    if (::pipe(ends) != 0) {
         throw Failure(file, std::strerror(errno));
-    for (const int end : ends)
+    }
+    for (const int end : ends) {
         ::fcntl(end, F_SETFD, FD_CLOEXEC); // a program that the plug-in leaves running is not waited for
-    std::fflush(nullptr);                  // what is buffered would be written twice
+    }
+    std::fflush(nullptr); // what is buffered would be written twice
     const pid_t parent = ::getpid();
     StderrCapture words; // of the child
     const pid_t child = ::fork();
@@ -81,15 +85,19 @@ void runIsolated(const std::string& file, const std::function<void()>& function)
     ::close(ends[0]);
     const int status = child > 0 ? waitFor(child) : 0;
     const std::string said = words.finish();
-    if (child < 0)
+    if (child < 0) {
         throw Failure(file, std::strerror(reason));
+    }
 
     // A crash is one line, whatever the system's libraries have to say of it.
-    if (WIFSIGNALED(status))
+    if (WIFSIGNALED(status)) {
         throw Failure(file, std::string("the plug-in crashed while importing it: ") + ::strsignal(WTERMSIG(status)));
+    }
     std::fputs(said.c_str(), stderr);
-    if (outcome.empty())
+    if (outcome.empty()) {
         throw Failure(file, "the plug-in ended the process that imports it");
-    if (outcome.front() != succeeded)
+    }
+    if (outcome.front() != succeeded) {
         throw Failure(outcome.substr(1));
+    }
 }

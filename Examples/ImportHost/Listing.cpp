@@ -34,19 +34,22 @@ struct CursorCloser {
 
 std::string listingText(const std::vector<ObjectRecord>& objects) {
     const std::unique_ptr<dbf_table, TableCloser> table(dbf_createtable(&tableSpec, fieldSpecs));
-    if (!table)
+    if (!table) {
         throw std::bad_alloc();
+    }
     for (std::size_t i = 0; i < objects.size(); ++i) {
         Row row{};
         row.number = static_cast<std::int32_t>(i);
         std::snprintf(row.identity, sizeof row.identity, "%s", identityText(objects[i].identity).c_str());
-        if (dbf_insert(table.get(), &row) != DBF_OK)
+        if (dbf_insert(table.get(), &row) != DBF_OK) {
             throw std::bad_alloc();
+        }
     }
 
     const std::unique_ptr<dbf_cursor, CursorCloser> cursor(dbf_opencursor_all(table.get()));
-    if (!cursor)
+    if (!cursor) {
         throw std::bad_alloc();
+    }
     std::string text;
     for (Row row; dbf_fetch(cursor.get(), &row) == DBF_OK;) {
         const ObjectRecord& object = objects[static_cast<std::size_t>(row.number)];

@@ -19,8 +19,9 @@ ExternalGUID guidFromHex(std::string_view text) {
     unsigned int size = 0;
     guid.getBytes(&size);
     if (bytes.size() != size || guid.getType() < ExternalGUID::GUIDTypeSpatialHash ||
-        guid.getType() > ExternalGUID::GUIDTypeHalvorneObi)
+        guid.getType() > ExternalGUID::GUIDTypeHalvorneObi) {
         throw std::runtime_error("not an identity");
+    }
     return guid;
 }
 
@@ -31,8 +32,9 @@ ExternalVersion versionFromHex(std::string_view text) {
     // Written back, a version has the size that its kind asks for: a stream of another size was not one.
     char written[maxVersionSize];
     if (version.getType() > ExternalVersionType_Geometry ||
-        version.toByteStream(maxVersionSize, written) != bytes.size() || bytes.empty())
+        version.toByteStream(maxVersionSize, written) != bytes.size() || bytes.empty()) {
         throw std::runtime_error("not a version");
+    }
     return version;
 }
 
@@ -45,14 +47,17 @@ std::string guidToHex(const ExternalGUID& guid) {
 } // namespace
 
 std::string identityText(const ExternalGUID& identity) {
-    if (identity.getType() == ExternalGUID::GUIDTypeIFCGlobalID)
+    if (identity.getType() == ExternalGUID::GUIDTypeIFCGlobalID) {
         return identity.getIFCGlobalID();
-    if (identity.getType() == ExternalGUID::GUIDTypeHalvorneObi)
+    }
+    if (identity.getType() == ExternalGUID::GUIDTypeHalvorneObi) {
         return std::to_string(identity.getHalvorneObi());
+    }
     unsigned int size = 0;
     const char* bytes = identity.getBytes(&size);
-    if (identity.getType() == ExternalGUID::GUIDTypePX)
+    if (identity.getType() == ExternalGUID::GUIDTypePX) {
         return toHex(bytes + 8, sizeof(PXGUID_t));
+    }
     return "spatial-hash-" + toHex(bytes + 8, size - 8);
 }
 
@@ -67,8 +72,9 @@ std::string recordToLine(const ObjectRecord& record) {
 
 ObjectRecord recordFromLine(std::string_view line) {
     const std::vector<std::string_view> fields = split(line, '\t');
-    if (fields.size() < 6)
+    if (fields.size() < 6) {
         throw std::runtime_error("too few fields");
+    }
 
     ObjectRecord record;
     record.identity = guidFromHex(fields[0]);
@@ -76,19 +82,23 @@ ObjectRecord recordFromLine(std::string_view line) {
     record.version = versionFromHex(fields[2]);
     record.className = unescaped(fields[3]);
     const std::vector<std::string_view> coordinates = split(fields[4], ' ');
-    if (coordinates.size() != record.position.size())
+    if (coordinates.size() != record.position.size()) {
         throw std::runtime_error("not a position");
+    }
     for (std::size_t i = 0; i < coordinates.size(); ++i) {
         record.position[i] = toDouble(coordinates[i]);
-        if (!std::isfinite(record.position[i]))
+        if (!std::isfinite(record.position[i])) {
             throw std::runtime_error("not a position");
+        }
     }
     record.name = unescaped(fields[5]);
-    if (fields.size() > 6)
+    if (fields.size() > 6) {
         record.footprint = footprintFromText(fields[6]);
-    if (fields.size() > 7)
+    }
+    if (fields.size() > 7) {
         record.properties =
             propertyListFromFields(line.substr(static_cast<std::size_t>(fields[7].data() - line.data())));
+    }
     return record;
 }
 
@@ -98,32 +108,37 @@ std::vector<ObjectRecord> readObjects(const std::string& folder, const std::stri
     bool complete = false;
     for (const std::string_view line : split(content, '\n')) {
         try {
-            if (complete && !line.empty())
+            if (complete && !line.empty()) {
                 throw std::runtime_error("text behind the closing line");
-            if (line.compare(0, 4, "end\t") == 0)
+            }
+            if (line.compare(0, 4, "end\t") == 0) {
                 complete = line.substr(4) == std::to_string(records.size());
-            else if (!line.empty())
+            } else if (!line.empty()) {
                 records.push_back(recordFromLine(line));
+            }
         } catch (const std::runtime_error& e) {
             throw Failure(plugin, "wrong objects stream, line " + std::to_string(records.size() + 1) + ": " + e.what());
         }
     }
-    if (!complete)
+    if (!complete) {
         throw Failure(plugin, "incomplete objects stream: no closing line with the number of objects");
+    }
 
     const std::string polygons = readFile(folder + "/polygons");
     try {
         std::vector<Footprint> footprints = readFootprints(polygons, records.size());
-        for (std::size_t i = 0; i < records.size(); ++i)
+        for (std::size_t i = 0; i < records.size(); ++i) {
             records[i].footprint = std::move(footprints[i]);
+        }
     } catch (const std::runtime_error& e) {
         throw Failure(plugin, std::string("wrong polygons stream, ") + e.what());
     }
     const std::string attributes = readFile(folder + "/attributes");
     try {
         std::vector<PropertyList> properties = readPropertyLists(attributes, records.size());
-        for (std::size_t i = 0; i < records.size(); ++i)
+        for (std::size_t i = 0; i < records.size(); ++i) {
             records[i].properties = std::move(properties[i]);
+        }
     } catch (const std::runtime_error& e) {
         throw Failure(plugin, std::string("wrong attributes stream, ") + e.what());
     }

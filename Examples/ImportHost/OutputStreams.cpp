@@ -29,20 +29,23 @@ OutputStreams::OutputStreams(const std::string& folder) {
         const std::wstring key = L"fo_handle_" + std::wstring(name.begin(), name.end());
         std::unique_ptr<FileStream> file(
             FileStream::createFileForWriting(StringOperations::ConvertFromCurrentLocale(fileName)));
-        if (!file || EnvironmentVariables::SetFileStreamHandle(key, file->getHandle()) != 0)
+        if (!file || EnvironmentVariables::SetFileStreamHandle(key, file->getHandle()) != 0) {
             throw Failure(fileName, std::strerror(errno));
+        }
         streams_.push_back({key, fileName, std::move(file)});
     }
 }
 
 OutputStreams::~OutputStreams() {
-    for (Stream& stream : streams_)
+    for (Stream& stream : streams_) {
         closeStream(stream);
+    }
 }
 
 int OutputStreams::closeStream(Stream& stream) {
-    if (!stream.file)
+    if (!stream.file) {
         return 0;
+    }
     // Nobody may find a handle in the environment that is no longer open.
     EnvironmentVariables::SetFileStreamHandle(stream.key, nullptr);
 
@@ -52,8 +55,9 @@ int OutputStreams::closeStream(Stream& stream) {
     const bool failedNow = std::fflush(stream.file->getHandle()) != 0;
     const int reason = errno;
     stream.file.reset();
-    if (!failedBefore && !failedNow)
+    if (!failedBefore && !failedNow) {
         return 0;
+    }
     return reason != 0 ? reason : EIO;
 }
 
@@ -67,6 +71,7 @@ void OutputStreams::close() {
             failedFile = stream.fileName;
         }
     }
-    if (failure != 0)
+    if (failure != 0) {
         throw Failure(failedFile, std::strerror(failure));
+    }
 }

@@ -57,27 +57,31 @@ std::string number(double value) {
 std::string xmlText(std::string_view text) {
     std::string result;
     for (const char c : printable(text)) {
-        if (c == '&')
+        if (c == '&') {
             result += "&amp;";
-        else if (c == '<')
+        } else if (c == '<') {
             result += "&lt;";
-        else if (c == '>')
+        } else if (c == '>') {
             result += "&gt;";
-        else if (c == '"')
+        } else if (c == '"') {
             result += "&quot;";
-        else
+        } else {
             result += c;
+        }
     }
     // The two characters that UTF-8 has and XML forbids.
-    for (const std::string_view forbidden : {"\xEF\xBF\xBE", "\xEF\xBF\xBF"})
-        for (std::size_t at = result.find(forbidden); at != std::string::npos; at = result.find(forbidden))
+    for (const std::string_view forbidden : {"\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {
+        for (std::size_t at = result.find(forbidden); at != std::string::npos; at = result.find(forbidden)) {
             result.replace(at, forbidden.size(), "?");
+        }
+    }
     return result;
 }
 
 double boxArea(const Footprint& footprint) {
-    if (footprint.empty())
+    if (footprint.empty()) {
         return 0.0;
+    }
     Point low = footprint.front().front();
     Point high = low;
     for (const auto& polygon : footprint) {
@@ -113,15 +117,18 @@ std::string objectPaths(const Plan& plan, const std::vector<Change>& changes) {
         double area;
     };
     std::vector<Drawn> drawn;
-    for (const Change& change : changes)
-        if (!change.record().footprint.empty())
+    for (const Change& change : changes) {
+        if (!change.record().footprint.empty()) {
             drawn.push_back({&change, change.status != Status::Unchanged, boxArea(change.record().footprint)});
+        }
+    }
     std::stable_sort(drawn.begin(), drawn.end(), [](const Drawn& a, const Drawn& b) {
         return a.changed != b.changed ? b.changed : a.area > b.area;
     });
     std::string text;
-    for (const Drawn& object : drawn)
+    for (const Drawn& object : drawn) {
         text += objectPath(plan, *object.change);
+    }
     return text;
 }
 

@@ -19,17 +19,20 @@ Progress::Progress(const std::string& progressFile)
 }
 
 Progress::~Progress() {
-    if (file_ == nullptr)
+    if (file_ == nullptr) {
         return;
+    }
     std::fclose(file_);
-    if (onTerminal_ && shown_ >= 0)
+    if (onTerminal_ && shown_ >= 0) {
         std::printf("\n");
+    }
     std::fflush(stdout);
 }
 
 void Progress::update() {
-    if (file_ == nullptr)
+    if (file_ == nullptr) {
         return;
+    }
     std::clearerr(file_);
     for (int c = std::fgetc(file_); c != EOF; c = std::fgetc(file_)) {
         if (c != '\n') {
@@ -47,11 +50,13 @@ void Progress::update() {
 }
 
 void Progress::show(double part, const std::string& what) {
-    if (!(part >= 0.0))
+    if (!(part >= 0.0)) {
         return;
+    }
     const int percent = static_cast<int>(std::min(part, 1.0) * 100.0);
-    if (percent <= shown_ || (!onTerminal_ && percent < 100 && percent / 10 == shown_ / 10 && shown_ >= 0))
+    if (percent <= shown_ || (!onTerminal_ && percent < 100 && percent / 10 == shown_ / 10 && shown_ >= 0)) {
         return;
+    }
     shown_ = percent;
     if (onTerminal_) {
         const int filled = percent * barWidth / 100;

@@ -26,8 +26,9 @@ bool operator<(const Entry& a, const Entry& b) {
 
 double finiteNumber(std::string_view text) {
     const double number = toDouble(text);
-    if (!std::isfinite(number))
+    if (!std::isfinite(number)) {
         throw std::runtime_error("'" + printable(text) + "' is not a number");
+    }
     return number;
 }
 
@@ -40,17 +41,21 @@ std::string degreesText(double radians) {
 }
 
 std::string valueOf(std::string_view type, std::string_view value) {
-    if (type == "text")
+    if (type == "text") {
         return '\'' + std::string(value);
-    if (type == "angle")
+    }
+    if (type == "angle") {
         return degreesText(finiteNumber(value));
-    if (type == "real" || type == "length")
+    }
+    if (type == "real" || type == "length") {
         return numberText(finiteNumber(value) + 0.0);
+    }
     const bool isState = value == "true" || value == "false";
-    if (type == "integer")
+    if (type == "integer") {
         toLong(value);
-    else if (!(type == "boolean" && isState) && !(type == "logical" && (isState || value == "unknown")))
+    } else if (!(type == "boolean" && isState) && !(type == "logical" && (isState || value == "unknown"))) {
         throw std::runtime_error("'" + printable(value) + "' is not a value of type '" + printable(type) + "'");
+    }
     return std::string(value);
 }
 
@@ -61,12 +66,13 @@ public:
 
     void read(std::string_view line) {
         const std::vector<std::string_view> fields = split(line, '\t');
-        if (fields[0] == "set" && fields.size() >= 7)
+        if (fields[0] == "set" && fields.size() >= 7) {
             readSet(fields);
-        else if (fields[0] == "property" && fields.size() >= 6)
+        } else if (fields[0] == "property" && fields.size() >= 6) {
             readProperty(fields);
-        else
+        } else {
             throw std::runtime_error("neither a set nor a property");
+        }
     }
 
     std::vector<PropertyList> lists() {
@@ -89,8 +95,9 @@ public:
 private:
     void readSet(const std::vector<std::string_view>& fields) {
         const long object = toLong(fields[1]);
-        if (object < 0 || static_cast<unsigned long>(object) > entries_.size())
+        if (object < 0 || static_cast<unsigned long>(object) > entries_.size()) {
             throw std::runtime_error("there is no object " + std::to_string(object));
+        }
         object_ = static_cast<std::size_t>(object);
         set_ = fields.size() > 7 ? fields[7] : fields[5];
         path_.clear();
@@ -99,15 +106,17 @@ private:
 
     void readProperty(const std::vector<std::string_view>& fields) {
         const long depth = toLong(fields[1]);
-        if (!isInSet_ || depth < 0 || static_cast<unsigned long>(depth) > path_.size())
+        if (!isInSet_ || depth < 0 || static_cast<unsigned long>(depth) > path_.size()) {
             throw std::runtime_error("a property of nothing");
+        }
         path_.resize(static_cast<std::size_t>(depth));
         std::string name = path_.empty() ? std::string() : path_.back() + '.';
         name += fields.size() > 6 ? fields[6] : fields[2];
-        if (fields[4] == "complex")
+        if (fields[4] == "complex") {
             path_.push_back(std::move(name));
-        else if (object_ > 0)
+        } else if (object_ > 0) {
             entries_[object_ - 1].push_back({set_, std::move(name), valueOf(fields[4], fields[5])});
+        }
     }
 
     std::vector<std::vector<Entry>> entries_;
@@ -119,24 +128,29 @@ private:
 
 std::vector<Entry> entriesOf(const PropertyList& list) {
     std::vector<Entry> entries;
-    if (list.text.empty())
+    if (list.text.empty()) {
         return entries;
+    }
     const std::vector<std::string_view> fields = split(list.text, '\t');
-    for (std::size_t i = 0; i + 2 < fields.size(); i += 3)
+    for (std::size_t i = 0; i + 2 < fields.size(); i += 3) {
         entries.push_back({fields[i], std::string(fields[i + 1]), std::string(fields[i + 2])});
+    }
     return entries;
 }
 
 std::string shownValue(const std::optional<std::string>& value) {
     constexpr std::size_t longest = 40;
-    if (!value)
+    if (!value) {
         return "-";
+    }
     std::string text = printable(value->substr(value->compare(0, 1, "'") == 0 ? 1 : 0));
-    if (text.size() <= longest)
+    if (text.size() <= longest) {
         return text;
+    }
     std::size_t end = longest;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
         --end;
+    }
     return text.substr(0, end) + "...";
 }
 
@@ -148,8 +162,9 @@ std::vector<PropertyList> readPropertyLists(std::string_view attributesStream, s
     for (const std::string_view line : split(attributesStream, '\n')) {
         ++number;
         try {
-            if (!line.empty())
+            if (!line.empty()) {
                 reader.read(line);
+            }
         } catch (const std::runtime_error& e) {
             throw std::runtime_error("line " + std::to_string(number) + ": " + e.what());
         }
@@ -159,8 +174,9 @@ std::vector<PropertyList> readPropertyLists(std::string_view attributesStream, s
 
 std::vector<PropertyDifference> differencesOf(const PropertyList& before, const PropertyList& now) {
     std::vector<PropertyDifference> differences;
-    if (!before.isKnown || !now.isKnown || before.digest == now.digest)
+    if (!before.isKnown || !now.isKnown || before.digest == now.digest) {
         return differences;
+    }
     const std::vector<Entry> old = entriesOf(before);
     const std::vector<Entry> fresh = entriesOf(now);
     std::vector<Entry> gone;
@@ -178,29 +194,34 @@ std::vector<PropertyDifference> differencesOf(const PropertyList& before, const 
         const bool takesNew = both || !takesOld;
         const Entry& entry = takesOld ? *o : *n;
         PropertyDifference difference = {unescaped(entry.set), unescaped(entry.name), std::nullopt, std::nullopt};
-        if (takesOld)
+        if (takesOld) {
             difference.before = unescaped((o++)->value);
-        if (takesNew)
+        }
+        if (takesNew) {
             difference.now = unescaped((n++)->value);
+        }
         differences.push_back(std::move(difference));
     }
     return differences;
 }
 
 std::string shortText(const std::vector<PropertyDifference>& differences) {
-    if (differences.empty())
+    if (differences.empty()) {
         return "";
+    }
     const PropertyDifference& first = differences.front();
     std::string text = printable(first.set) + '.' + printable(first.name) + ": " + shownValue(first.before) + " -> " +
                        shownValue(first.now);
-    if (differences.size() > 1)
+    if (differences.size() > 1) {
         text += ", and " + std::to_string(differences.size() - 1) + " more";
+    }
     return text;
 }
 
 std::string propertyListToFields(const PropertyList& list) {
-    if (!list.isKnown)
+    if (!list.isKnown) {
         return "-";
+    }
     return list.text.empty() ? list.digest : list.digest + '\t' + list.text;
 }
 
@@ -211,7 +232,8 @@ PropertyList propertyListFromFields(std::string_view fields) {
     list.text = fields.substr(std::min(end + 1, fields.size()));
     list.isKnown = list.digest != "-";
     const auto tabs = std::count(list.text.begin(), list.text.end(), '\t');
-    if (list.isKnown ? list.digest.size() != 16 || (end < fields.size() && tabs % 3 != 2) : end < fields.size())
+    if (list.isKnown ? list.digest.size() != 16 || (end < fields.size() && tabs % 3 != 2) : end < fields.size()) {
         throw std::runtime_error("not a list of properties");
+    }
     return list;
 }

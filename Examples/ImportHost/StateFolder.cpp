@@ -30,8 +30,9 @@ constexpr char previousOutput[] = "output-of-import.previous";
 
 std::string stateText(const std::vector<ObjectRecord>& objects) {
     std::string text = std::string(format) + ' ' + std::string(version) + '\n';
-    for (const ObjectRecord& object : objects)
+    for (const ObjectRecord& object : objects) {
         text += recordToLine(object) + '\n';
+    }
     return text + "end " + std::to_string(objects.size()) + ' ' + checksum(text) + '\n';
 }
 
@@ -39,24 +40,30 @@ std::string stateText(const std::vector<ObjectRecord>& objects) {
 std::vector<ObjectRecord> objectsFromText(std::string_view text) {
     const std::string_view header = text.substr(0, text.find('\n'));
     const std::vector<std::string_view> words = split(header, ' ');
-    if (words.size() != 2 || words[0] != format)
+    if (words.size() != 2 || words[0] != format) {
         throw std::runtime_error("not a state of import-host");
-    if (words[1] != version && words[1] != oldVersion)
+    }
+    if (words[1] != version && words[1] != oldVersion) {
         throw std::runtime_error("written by another version of import-host");
+    }
 
     const std::size_t end = text.rfind("\nend ");
     const std::size_t body = header.size() + 1;
-    if (end == std::string_view::npos || end + 1 < body)
+    if (end == std::string_view::npos || end + 1 < body) {
         throw std::runtime_error("the state is incomplete");
+    }
     const std::string_view lines = text.substr(body, end + 1 - body);
 
     std::vector<ObjectRecord> objects;
-    for (const std::string_view line : split(lines, '\n'))
-        if (!line.empty())
+    for (const std::string_view line : split(lines, '\n')) {
+        if (!line.empty()) {
             objects.push_back(recordFromLine(line));
+        }
+    }
     if (text.substr(end + 1) !=
-        "end " + std::to_string(objects.size()) + ' ' + checksum(text.substr(0, end + 1)) + '\n')
+        "end " + std::to_string(objects.size()) + ' ' + checksum(text.substr(0, end + 1)) + '\n') {
         throw std::runtime_error("the state is incomplete or damaged");
+    }
     return objects;
 }
 
@@ -93,23 +100,29 @@ StateFolder::~StateFolder() {
 void StateFolder::close() {
     std::error_code ignored;
     next_.reset();
-    if (!outputFolder_.empty())
+    if (!outputFolder_.empty()) {
         fs::remove_all(outputFolder_, ignored);
-    if (created_)
+    }
+    if (created_) {
         fs::remove(path_, ignored); // succeeds only while it is empty
-    if (lock_ >= 0)
+    }
+    if (lock_ >= 0) {
         ::close(lock_);
+    }
 }
 
 void StateFolder::open() {
     created_ = ::mkdir(path_.c_str(), 0777) == 0;
-    if (!created_ && errno != EEXIST)
+    if (!created_ && errno != EEXIST) {
         throw Failure(path_, std::strerror(errno));
+    }
     lock_ = ::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (lock_ < 0)
+    if (lock_ < 0) {
         throw Failure(path_, std::strerror(errno));
-    if (::flock(lock_, LOCK_EX | LOCK_NB) != 0)
+    }
+    if (::flock(lock_, LOCK_EX | LOCK_NB) != 0) {
         throw Failure(path_, errno == EWOULDBLOCK ? "another import is running" : std::strerror(errno));
+    }
 }
 
 std::vector<ObjectRecord> StateFolder::read(const std::string& path) {
@@ -127,27 +140,33 @@ void StateFolder::load() {
     std::error_code error;
     hasObjects_ = fs::exists(fs::symlink_status(path_ + "/objects.state", error));
     if (hasObjects_) {
-        if (!fs::is_regular_file(path_ + "/objects.state", error))
+        if (!fs::is_regular_file(path_ + "/objects.state", error)) {
             throw Failure(path_ + "/objects.state", "not a file"); // a pipe would keep its reader waiting
+        }
         objects_ = read(path_);
         return;
     }
-    for (fs::directory_iterator entry(path_, error), end; !error && entry != end; entry.increment(error))
-        if (!isLeftover(entry->path().filename().string()))
+    for (fs::directory_iterator entry(path_, error), end; !error && entry != end; entry.increment(error)) {
+        if (!isLeftover(entry->path().filename().string())) {
             throw Failure(path_, "not a state folder of import-host: it holds other files");
-    if (error)
+        }
+    }
+    if (error) {
         throw Failure(path_, error.message());
+    }
 }
 
 void StateFolder::removeLeftovers() const {
     std::error_code error;
     std::vector<fs::path> leftovers;
     for (fs::directory_iterator entry(path_, error), end; !error && entry != end; entry.increment(error)) {
-        if (isLeftover(entry->path().filename().string()))
+        if (isLeftover(entry->path().filename().string())) {
             leftovers.push_back(entry->path());
+        }
     }
-    for (const fs::path& leftover : leftovers)
+    for (const fs::path& leftover : leftovers) {
         fs::remove_all(leftover, error);
+    }
 }
 
 void StateFolder::prepare(const std::vector<ObjectRecord>& objects) {
@@ -163,8 +182,9 @@ void StateFolder::commit() {
     std::error_code ignored;
     fs::rename(last, previous, ignored);
     fs::rename(outputFolder_, last, ignored);
-    if (!ignored)
+    if (!ignored) {
         outputFolder_.clear();
+    }
     fs::remove_all(previous, ignored);
     syncFolder(path_);
 }

@@ -10,12 +10,15 @@ namespace {
 constexpr std::string_view replacement = "\xEF\xBF\xBD";
 
 int hexDigit(char c) {
-    if (c >= '0' && c <= '9')
+    if (c >= '0' && c <= '9') {
         return c - '0';
-    if (c >= 'a' && c <= 'f')
+    }
+    if (c >= 'a' && c <= 'f') {
         return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
+    }
+    if (c >= 'A' && c <= 'F') {
         return c - 'A' + 10;
+    }
     return -1;
 }
 
@@ -29,11 +32,14 @@ std::size_t characterLength(std::string_view text) {
                                : lead < 0xF0 ? 3
                                : lead < 0xF5 ? 4
                                              : 0;
-    if (length > text.size())
+    if (length > text.size()) {
         return 0;
-    for (std::size_t i = 1; i < length; ++i)
-        if ((byte(i) & 0xC0) != 0x80)
+    }
+    for (std::size_t i = 1; i < length; ++i) {
+        if ((byte(i) & 0xC0) != 0x80) {
             return 0;
+        }
+    }
     const bool overlong = (lead == 0xE0 && byte(1) < 0xA0) || (lead == 0xF0 && byte(1) < 0x90);
     const bool surrogate = lead == 0xED && byte(1) > 0x9F;
     const bool tooLarge = lead == 0xF4 && byte(1) > 0x8F;
@@ -47,8 +53,9 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
     for (;;) {
         const std::size_t end = text.find(separator);
         fields.push_back(text.substr(0, end));
-        if (end == std::string_view::npos)
+        if (end == std::string_view::npos) {
             return fields;
+        }
         text.remove_prefix(end + 1);
     }
 }
@@ -57,10 +64,11 @@ std::string escaped(std::string_view text) {
     std::string result;
     for (const char c : text) {
         const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 || byte == 0x7F || byte == '%')
+        if (byte < 0x20 || byte == 0x7F || byte == '%') {
             result += '%' + toHex(&c, 1);
-        else
+        } else {
             result += c;
+        }
     }
     return result;
 }
@@ -88,13 +96,15 @@ std::string toHex(const char* bytes, std::size_t size) {
 
 std::string fromHex(std::string_view text) {
     std::string bytes;
-    if (text.size() % 2 != 0)
+    if (text.size() % 2 != 0) {
         return bytes;
+    }
     for (std::size_t i = 0; i < text.size(); i += 2) {
         const int high = hexDigit(text[i]);
         const int low = hexDigit(text[i + 1]);
-        if (high < 0 || low < 0)
+        if (high < 0 || low < 0) {
             return "";
+        }
         bytes += static_cast<char>(high * 16 + low);
     }
     return bytes;
@@ -102,8 +112,9 @@ std::string fromHex(std::string_view text) {
 
 std::string checksum(std::string_view text) {
     std::uint64_t sum = 0xcbf29ce484222325u;
-    for (const char c : text)
+    for (const char c : text) {
         sum = (sum ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
+    }
     std::string result;
     for (int shift = 56; shift >= 0; shift -= 8) {
         const char byte = static_cast<char>(sum >> shift & 0xFF);
@@ -116,16 +127,18 @@ double toDouble(std::string_view text) {
     const std::string number(text);
     char* end = nullptr;
     const double value = std::strtod(number.c_str(), &end);
-    if (number.empty() || end != number.c_str() + number.size())
+    if (number.empty() || end != number.c_str() + number.size()) {
         throw std::runtime_error("'" + printable(text) + "' is not a number");
+    }
     return value;
 }
 
 long toLong(std::string_view text) {
     long value = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (text.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size())
+    if (text.empty() || result.ec != std::errc() || result.ptr != text.data() + text.size()) {
         throw std::runtime_error("'" + printable(text) + "' is not a whole number");
+    }
     return value;
 }
 
@@ -147,8 +160,9 @@ std::string validUtf8(std::string_view text) {
 bool isWidePortable(std::string_view text) {
     while (!text.empty()) {
         const std::size_t length = characterLength(text);
-        if (length == 0 || length > 3)
+        if (length == 0 || length > 3) {
             return false;
+        }
         text.remove_prefix(length);
     }
     return true;
@@ -156,8 +170,10 @@ bool isWidePortable(std::string_view text) {
 
 std::string printable(std::string_view text) {
     std::string result = validUtf8(text);
-    for (char& c : result)
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F)
+    for (char& c : result) {
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) {
             c = '?';
+        }
+    }
     return result;
 }

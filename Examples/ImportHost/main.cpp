@@ -36,27 +36,33 @@ namespace {
 void checkReadable(const std::string& path) {
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
-    if (fs::is_directory(status))
+    if (fs::is_directory(status)) {
         throw Failure(path, "a folder, not a file");
-    if (::access(path.c_str(), R_OK) != 0)
+    }
+    if (::access(path.c_str(), R_OK) != 0) {
         throw Failure(path, std::strerror(errno));
-    if (!fs::is_regular_file(status))
+    }
+    if (!fs::is_regular_file(status)) {
         throw Failure(path, "not a regular file");
+    }
 }
 
 void print(const std::string& text) {
     std::fwrite(text.data(), 1, text.size(), stdout);
-    if (std::fflush(stdout) != 0)
+    if (std::fflush(stdout) != 0) {
         throw Failure("standard output", std::strerror(errno));
+    }
 }
 
 /** What the plug-in warns of on the log stream. */
 std::string warnings(const std::string& outputFolder) {
     const std::string log = readFile(outputFolder + "/log");
     std::string text;
-    for (const std::string_view line : split(log, '\n'))
-        if (line.compare(0, 8, "warning\t") == 0)
+    for (const std::string_view line : split(log, '\n')) {
+        if (line.compare(0, 8, "warning\t") == 0) {
             text += "warning: " + printable(unescaped(line.substr(8))) + '\n';
+        }
+    }
     return text;
 }
 
@@ -86,12 +92,15 @@ void importAndCompare(const Arguments& arguments) {
 std::vector<std::string> modelsIn(const std::string& folder) {
     std::vector<std::string> models;
     for (const std::wstring& file :
-         FileOperations::ScanFilesInDirectory(StringOperations::ConvertFromCurrentLocale(folder)))
-        if (FileOperations::MatchExtension(file, L"*.ifc"))
+         FileOperations::ScanFilesInDirectory(StringOperations::ConvertFromCurrentLocale(folder))) {
+        if (FileOperations::MatchExtension(file, L"*.ifc")) {
             models.push_back(StringOperations::ConvertToCurrentLocale(file));
+        }
+    }
     std::sort(models.begin(), models.end());
-    if (models.empty())
+    if (models.empty()) {
         throw Failure(folder, "no model *.ifc in this folder");
+    }
     return models;
 }
 
@@ -121,14 +130,15 @@ int importFolder(Arguments arguments) {
 int main(int count, char** texts) {
     try {
         const Arguments arguments = readArguments(count, texts);
-        if (arguments.help)
+        if (arguments.help) {
             print(std::string(usage) + '\n');
-        else if (!arguments.list.empty())
+        } else if (!arguments.list.empty()) {
             print(listingText(StateFolder::read(arguments.list)));
-        else if (fs::is_directory(arguments.model))
+        } else if (fs::is_directory(arguments.model)) {
             return importFolder(arguments);
-        else
+        } else {
             importAndCompare(arguments);
+        }
         return 0;
     } catch (const UsageError& e) {
         std::fprintf(stderr, "import-host: %s; %s\n", e.what(), usage);

@@ -24,24 +24,30 @@ Box boxFromLine(const std::string& line) {
     Box box;
     std::istringstream fields(line);
     fields >> box.id >> box.kind;
-    for (double& coordinate : box.corner)
+    for (double& coordinate : box.corner) {
         fields >> coordinate;
-    for (double& length : box.size)
+    }
+    for (double& length : box.size) {
         fields >> length;
+    }
     std::getline(fields >> std::ws, box.name);
-    if (!fields || box.id.size() > ExternalGUID::GlobalIdSize)
+    if (!fields || box.id.size() > ExternalGUID::GlobalIdSize) {
         throw std::runtime_error("not a box: " + line);
+    }
     return box;
 }
 
 std::vector<Box> readBoxes(const std::wstring& fileName) {
     std::ifstream file(StringOperations::ConvertToCurrentLocale(fileName));
-    if (!file)
+    if (!file) {
         throw std::runtime_error("the file can't be read");
+    }
     std::vector<Box> boxes;
-    for (std::string line; std::getline(file, line);)
-        if (!line.empty() && line[0] != '#')
+    for (std::string line; std::getline(file, line);) {
+        if (!line.empty() && line[0] != '#') {
             boxes.push_back(boxFromLine(line));
+        }
+    }
     return boxes;
 }
 
@@ -51,9 +57,11 @@ namespace {
 
 ExternalGUID spatialHashOf(const Box& box) {
     double vertices[8][3];
-    for (unsigned int i = 0; i < 8; ++i)
-        for (unsigned int axis = 0; axis < 3; ++axis)
+    for (unsigned int i = 0; i < 8; ++i) {
+        for (unsigned int axis = 0; axis < 3; ++axis) {
             vertices[i][axis] = box.corner[axis] + ((i >> axis & 1) != 0 ? box.size[axis] : 0.0);
+        }
+    }
     return ExternalGUID::spatialHashFromVertexes(8, vertices[0]);
 }
 
@@ -69,11 +77,13 @@ ExternalVersion versionOf(const Box& box) {
     const double* const size = box.size;
     const double halfDiagonal = std::hypot(size[0], size[1], size[2]) / 2;
     double distances[8];
-    for (double& distance : distances)
+    for (double& distance : distances) {
         distance = halfDiagonal; // from the centre to each corner
+    }
     double centre[3];
-    for (unsigned int axis = 0; axis < 3; ++axis)
+    for (unsigned int axis = 0; axis < 3; ++axis) {
         centre[axis] = box.corner[axis] + size[axis] / 2;
+    }
     return createFromSolid(size[0], size[1], size[2], distances, size[0] * size[1] * size[2], centre);
 }
 
@@ -91,8 +101,9 @@ std::string classOf(const Box& box) {
 namespace {
 
 void writeLine(FILE* stream, const std::string& line) {
-    if (stream != nullptr)
+    if (stream != nullptr) {
         std::fprintf(stream, "%s\n", line.c_str());
+    }
 }
 
 std::string hex(const char* bytes, unsigned int size) {
@@ -118,11 +129,13 @@ std::string hex(const ExternalVersion& version) {
 
 std::string escaped(const std::string& text) {
     std::string result;
-    for (const char c : text)
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F || c == '%')
+    for (const char c : text) {
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F || c == '%') {
             result += "%" + hex(&c, 1);
-        else
+        } else {
             result += c;
+        }
+    }
     return result;
 }
 
@@ -133,8 +146,9 @@ namespace {
 std::string positionOf(const Box& box) {
     std::ostringstream text;
     text.precision(17);
-    for (unsigned int axis = 0; axis < 3; ++axis)
+    for (unsigned int axis = 0; axis < 3; ++axis) {
         text << (axis == 0 ? "" : " ") << box.corner[axis] + box.size[axis] / 2;
+    }
     return text.str();
 }
 
@@ -144,8 +158,9 @@ void importBoxes(const ForeignObjectEnv_t& env) {
     for (const Box& box : boxes) {
         const ExternalGUID identity = identityOf(box);
         const ExternalGUID spatialHash = spatialHashOf(box);
-        if (database.findGUID(identity) != ExternalGUIDRuntimeID_None)
+        if (database.findGUID(identity) != ExternalGUIDRuntimeID_None) {
             throw std::runtime_error("this box is there already: " + box.name);
+        }
         const int id = database.insertGUID(identity);
         const int hashId = database.insertGUID(spatialHash);
         writeLine(env.foreignObjects,
@@ -160,8 +175,9 @@ void importBoxes(const ForeignObjectEnv_t& env) {
 
 extern "C" __attribute__((visibility("default"))) int ImportModel() {
     ForeignObjectEnv_t env;
-    if (!foreignobject_env_deserialize(env))
+    if (!foreignobject_env_deserialize(env)) {
         return 2; // a version of the environment that is not known here
+    }
     try {
         importBoxes(env);
         return 0;

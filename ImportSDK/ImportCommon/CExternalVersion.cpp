@@ -47,15 +47,15 @@ double tripleSimilarity(const double* a, const double* b, double scale) {
     return similarity < 0 ? 0.0 : similarity; // zero over zero passes as NaN
 }
 
-double GetBoundsSimilarity(const double* a, const double* b, double scale) {
+double boundsSimilarity(const double* a, const double* b, double scale) {
     return tripleSimilarity(a, b, scale);
 }
 
-double GetOffsetSimilarity(const double* a, const double* b, double scale) {
+double offsetSimilarity(const double* a, const double* b, double scale) {
     return tripleSimilarity(a, b, scale);
 }
 
-double GetOrientationSimilarity(const double* a, const double* b, double scale) {
+double orientationSimilarity(const double* a, const double* b, double scale) {
     double sum = 0;
     for (int i = 0; i < distanceCount; ++i) {
         sum += 1 - std::fabs(b[i] - a[i]) / scale;
@@ -63,14 +63,14 @@ double GetOrientationSimilarity(const double* a, const double* b, double scale) 
     return sum / distanceCount;
 }
 
-double GetVolumeSimilarity(double a, double b) {
+double volumeSimilarity(double a, double b) {
     const double big = a > b ? a : b;
     const double small = a > b ? b : a;
     return std::fabs(big) > 1e-20 ? small / big : 1.0;
 }
 
-double GetBoundingSimilarity(const double* a, const double* b) {
-    return transform(GetBoundsSimilarity(a, b, 1.0), boundsWeight);
+double boundingSimilarity(const double* a, const double* b) {
+    return transform(boundsSimilarity(a, b, 1.0), boundsWeight);
 }
 
 double meanDistance(const double* distances) {
@@ -88,21 +88,21 @@ double scaleOf(const double* distA, const double* distB) {
     return meanA > meanB ? meanA : meanB;
 }
 
-double GetSolidSimilarity(double volA, double volB, const double* centroidA, const double* centroidB,
-                          const double* distA, const double* distB, const double* bbA, const double* bbB) {
+double solidSimilarity(double volA, double volB, const double* centroidA, const double* centroidB, const double* distA,
+                       const double* distB, const double* bbA, const double* bbB) {
     const double scale = scaleOf(distA, distB);
-    return transform(GetVolumeSimilarity(volA, volB), volumeWeight) *
-           transform(GetOffsetSimilarity(centroidA, centroidB, scale), offsetWeight) *
-           transform(GetOrientationSimilarity(distA, distB, scale), orientationWeight) *
-           transform(GetBoundsSimilarity(bbA, bbB, scale), boundsWeight);
+    return transform(volumeSimilarity(volA, volB), volumeWeight) *
+           transform(offsetSimilarity(centroidA, centroidB, scale), offsetWeight) *
+           transform(orientationSimilarity(distA, distB, scale), orientationWeight) *
+           transform(boundsSimilarity(bbA, bbB, scale), boundsWeight);
 }
 
-double GetGeometrySimilarity(const double* centroidA, const double* centroidB, const double* distA, const double* distB,
-                             const double* bbA, const double* bbB) {
+double geometrySimilarity(const double* centroidA, const double* centroidB, const double* distA, const double* distB,
+                          const double* bbA, const double* bbB) {
     const double scale = scaleOf(distA, distB);
-    return transform(GetOffsetSimilarity(centroidA, centroidB, scale), offsetWeight) *
-           transform(GetOrientationSimilarity(distA, distB, scale), orientationWeight) *
-           transform(GetBoundsSimilarity(bbA, bbB, scale), boundsWeight);
+    return transform(offsetSimilarity(centroidA, centroidB, scale), offsetWeight) *
+           transform(orientationSimilarity(distA, distB, scale), orientationWeight) *
+           transform(boundsSimilarity(bbA, bbB, scale), boundsWeight);
 }
 
 bool differ(const double* a, const double* b, int count) {
@@ -208,13 +208,13 @@ bool CExternalVersion::operator==(const CExternalVersion& other) const {
 double CExternalVersion::similarity(const CExternalVersion& other) const {
     switch (type_) {
     case ExternalVersionType_BoundingBox:
-        return GetBoundingSimilarity(boundingBox_, other.boundingBox_);
+        return boundingSimilarity(boundingBox_, other.boundingBox_);
     case ExternalVersionType_Solid:
-        return GetSolidSimilarity(volume_, other.volume_, centroid_, other.centroid_, distances_, other.distances_,
-                                  boundingBox_, other.boundingBox_);
+        return solidSimilarity(volume_, other.volume_, centroid_, other.centroid_, distances_, other.distances_,
+                               boundingBox_, other.boundingBox_);
     case ExternalVersionType_Geometry:
-        return GetGeometrySimilarity(centroid_, other.centroid_, distances_, other.distances_, boundingBox_,
-                                     other.boundingBox_);
+        return geometrySimilarity(centroid_, other.centroid_, distances_, other.distances_, boundingBox_,
+                                  other.boundingBox_);
     default:
         return 0.0;
     }

@@ -37,7 +37,7 @@ struct alignas(double) CDxKDTree::Node_s {
 
     Node_s* high;
     Node_s* low;
-    Skip_s* skip; // the longest one from here
+    Skip* skip; // the longest one from here
     unsigned int id;
     float room; // how far a component may move, at least, for the vector to still come by here; 0 outside of the tree
 
@@ -54,10 +54,10 @@ struct alignas(double) CDxKDTree::Node_s {
  * is for vectors that can't match anything on it and go to all these sides; the outermost components of its nodes, which
  * stand behind this, tell. Nodes stay where they are, so a skip stays valid.
  */
-struct alignas(double) CDxKDTree::Skip_s {
+struct alignas(double) CDxKDTree::Skip {
     Node_s* target;
-    Skip_s* shorter;
-    Skip_s* allocatedBefore;
+    Skip* shorter;
+    Skip* allocatedBefore;
     unsigned int level;
     unsigned int axis; // of the target
     unsigned int low;  // bits of the axes where the way goes to the low side; 0 when there are too many axes
@@ -96,13 +96,13 @@ struct alignas(double) CDxKDTree::Skip_s {
 };
 
 /** Where a descent came to. */
-struct CDxKDTree::Way_s {
+struct CDxKDTree::Way {
     Node_s* match;
     Node_s** place; // of the vector's node, without a match
     double room;    // how far a component may move, at least, without another way
 };
 
-struct CDxKDTree::Block_s {
+struct CDxKDTree::Block {
     void* memory;
     char* nodes; // the first address in the memory that begins a cache line
 };
@@ -113,7 +113,7 @@ struct CDxKDTree::Block_s {
  */
 class CDxKDTree::Node_s::Chain {
 public:
-    Chain(Node_s* root, Skip_s*& skips, unsigned int dimension) : skips_(skips), dimension_(dimension) { begin(root); }
+    Chain(Node_s* root, Skip*& skips, unsigned int dimension) : skips_(skips), dimension_(dimension) { begin(root); }
 
     /** The descent goes from a node to a child, which may be null. */
     void step(Node_s* node, unsigned int axis, bool isHigh, Node_s* child, unsigned int childAxis) {
@@ -130,7 +130,7 @@ public:
     }
 
     /** The descent takes a skip. */
-    void step(Node_s* node, const Skip_s& taken) {
+    void step(Node_s* node, const Skip& taken) {
         if (dimension_ <= skipLength) {
             follow(node, (1U << dimension_) - 1, taken.low);
         }
@@ -178,11 +178,11 @@ private:
         if (isThere || isRare || (level > 0 && !isSkipped(start, end, level - 1))) {
             return;
         }
-        void* memory = std::malloc(sizeof(Skip_s) + sizeof(double) * dimension_);
+        void* memory = std::malloc(sizeof(Skip) + sizeof(double) * dimension_);
         if (memory == nullptr) {
             return;
         }
-        Skip_s* added = new (memory) Skip_s{end, start->skip, skips_, level, axis, low_};
+        Skip* added = new (memory) Skip{end, start->skip, skips_, level, axis, low_};
         std::memcpy(added->outermost(), start->vector(), sizeof(double) * dimension_);
         if (level > 0) {
             for (Node_s* node = start; node != end; node = node->skip->target) {
@@ -211,7 +211,7 @@ private:
     }
 
     Node_s* head_ = nullptr;
-    Skip_s*& skips_;
+    Skip*& skips_;
     unsigned int dimension_;
     unsigned int length_ = 0;
     unsigned int known_ = 0; // bits of the axes whose side is known
@@ -256,7 +256,7 @@ unsigned int CDxKDTree::insert(const double* vector) {
     const unsigned int known = recall(node.vector(), cell);
     if (known == unsure) {
         completeTree();
-        const Way_s way = descend(node.vector(), true);
+        const Way way = descend(node.vector(), true);
         if (way.match != nullptr) {
             return way.match->id;
         }
@@ -291,17 +291,17 @@ unsigned int CDxKDTree::getCount() const {
 }
 
 bool CDxKDTree::addBlock() {
-    void* blocks = blockCount_ < mostBlocks ? std::realloc(blocks_, (blockCount_ + 1) * sizeof(Block_s)) : nullptr;
+    void* blocks = blockCount_ < mostBlocks ? std::realloc(blocks_, (blockCount_ + 1) * sizeof(Block)) : nullptr;
     if (blocks == nullptr) {
         return false;
     }
-    blocks_ = static_cast<Block_s*>(blocks);
+    blocks_ = static_cast<Block*>(blocks);
     std::size_t size = nodesPerBlock * Node_s::size(dimension_) + cacheLine;
     void* memory = std::calloc(1, size);
     if (memory == nullptr) {
         return false;
     }
-    Block_s& added = blocks_[blockCount_++];
+    Block& added = blocks_[blockCount_++];
     added.memory = memory;
     added.nodes = static_cast<char*>(std::align(cacheLine, size - cacheLine, memory, size));
     return true;
@@ -371,11 +371,11 @@ double CDxKDTree::distance(Node_s& node, const double* vector) const {
 void CDxKDTree::completeTree() {
     while (inTree_ < count_) {
         Node_s& node = nodeAt(inTree_);
-        addToTree(node, inTree_ > 0 ? descend(node.vector(), false) : Way_s{nullptr, nullptr, HUGE_VAL});
+        addToTree(node, inTree_ > 0 ? descend(node.vector(), false) : Way{nullptr, nullptr, HUGE_VAL});
     }
 }
 
-void CDxKDTree::addToTree(Node_s& node, const Way_s& way) {
+void CDxKDTree::addToTree(Node_s& node, const Way& way) {
     if (way.place != nullptr) {
         *way.place = &node;
     }
@@ -385,8 +385,8 @@ void CDxKDTree::addToTree(Node_s& node, const Way_s& way) {
 }
 
 /** Goes down from the root to a match. A loop, since sorted input makes the tree one long chain. */
-CDxKDTree::Way_s CDxKDTree::descend(const double* vector, bool mayMatch) {
-    Way_s way{&nodeAt(0), nullptr, HUGE_VAL};
+CDxKDTree::Way CDxKDTree::descend(const double* vector, bool mayMatch) {
+    Way way{&nodeAt(0), nullptr, HUGE_VAL};
     if (dimension_ == 0) {
         return way; // nothing can differ
     }
@@ -394,7 +394,7 @@ CDxKDTree::Way_s CDxKDTree::descend(const double* vector, bool mayMatch) {
     Node_s::Chain chain(node, skips_, dimension_);
     unsigned int axis = 0;
     while (node != nullptr) {
-        Skip_s* skip = node->skip;
+        Skip* skip = node->skip;
         while (skip != nullptr && !skip->mayPass(vector, dimension_, mayMatch, way.room)) {
             skip = skip->shorter;
         }

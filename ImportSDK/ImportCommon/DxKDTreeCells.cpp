@@ -74,7 +74,7 @@ bool CDxKDTreeCells::add(Cell_t cell, unsigned int id) {
 
 bool CDxKDTreeCells::grow() {
     const std::size_t capacity = std::max<std::size_t>(2 * capacity_, 1024);
-    std::unique_ptr<Slot_s[], Free> slots(static_cast<Slot_s*>(std::calloc(capacity, sizeof(Slot_s))));
+    std::unique_ptr<Slot[], Free> slots(static_cast<Slot*>(std::calloc(capacity, sizeof(Slot))));
     if (slots == nullptr) {
         return false;
     }

@@ -78,12 +78,12 @@ public:
 private:
     static constexpr unsigned int mostPerCell = 64;
 
-    struct Slot_s {
+    struct Slot {
         std::uint32_t tag;
         std::uint32_t idPlusOne; // 0 in a free one
     };
     struct Free {
-        void operator()(Slot_s* slots) const { std::free(slots); }
+        void operator()(Slot* slots) const { std::free(slots); }
     };
 
     static std::uint32_t tagOf(Cell_t cell) {
@@ -94,8 +94,8 @@ private:
     bool isUsed(std::size_t i) const { return capacity_ > 0 && slots_[i].idPlusOne != 0; }
     bool grow();
 
-    std::unique_ptr<Slot_s[], Free> slots_; // no more than half of them are used
-    std::size_t capacity_ = 0;              // a power of two
+    std::unique_ptr<Slot[], Free> slots_; // no more than half of them are used
+    std::size_t capacity_ = 0;            // a power of two
     std::size_t used_ = 0;
 };
 

@@ -18,7 +18,7 @@ constexpr unsigned int octantCount = 8;
 } // namespace
 
 /** The stored record, and a zero behind it that ends a GlobalId whatever bytes a foreign stream brought. */
-struct ExternalGUID::Record_s {
+struct ExternalGUID::Record {
     std::uint32_t type;
     std::uint32_t zero;
     union {
@@ -69,10 +69,10 @@ void widenOctant(double* squares, const double* centre, const double* vertex) {
 
 } // namespace
 
-ExternalGUID::ExternalGUID() : record_(new (std::nothrow) Record_s()) {
+ExternalGUID::ExternalGUID() : record_(new(std::nothrow) Record()) {
     static_assert(sizeof(PXGUID_t) == 16, "a PX GUID has 16 bytes");
-    static_assert(offsetof(Record_s, spatialHash) == PayloadOffset, "the identity follows its kind");
-    static_assert(offsetof(Record_s, terminator) == RecordSize, "the stored record has 96 bytes");
+    static_assert(offsetof(Record, spatialHash) == PayloadOffset, "the identity follows its kind");
+    static_assert(offsetof(Record, terminator) == RecordSize, "the stored record has 96 bytes");
 }
 
 ExternalGUID::ExternalGUID(const ExternalGUID& other) : ExternalGUID() {
@@ -81,7 +81,7 @@ ExternalGUID::ExternalGUID(const ExternalGUID& other) : ExternalGUID() {
 
 ExternalGUID& ExternalGUID::operator=(const ExternalGUID& other) {
     if (record_ != nullptr) {
-        *record_ = other.record_ != nullptr ? *other.record_ : Record_s();
+        *record_ = other.record_ != nullptr ? *other.record_ : Record();
     }
     return *this;
 }
@@ -156,7 +156,7 @@ void ExternalGUID::fromSpatialHash(const double* values) {
 }
 
 const char* ExternalGUID::getBytes(unsigned int* size) const {
-    static const Record_s none = {};
+    static const Record none = {};
     *size = RecordSize;
     return reinterpret_cast<const char*>(record_ != nullptr ? record_ : &none);
 }

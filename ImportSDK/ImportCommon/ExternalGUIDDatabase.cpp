@@ -57,13 +57,13 @@ public:
 
     /** The runtime id of a key, or -1. */
     std::int32_t find(const void* key) const {
-        Row_s row = rowOf(ExternalGUIDRuntimeID_None, key);
+        Row row = rowOf(ExternalGUIDRuntimeID_None, key);
         return isUsable() && dbf_select(byKey_, &row) == DBF_OK ? row.runtimeId : ExternalGUIDRuntimeID_None;
     }
 
     /** Whether there is a key with that runtime id. */
     bool findKey(std::int32_t runtimeId, Key& key) const {
-        Row_s row;
+        Row row;
         row.runtimeId = runtimeId;
         if (!isUsable() || dbf_select(byRuntimeId_, &row) != DBF_OK) {
             return false;
@@ -78,7 +78,7 @@ public:
             return find(key);
         }
         // Most keys are new, and the insert finds out by itself when one is not.
-        const Row_s row = rowOf(nextId, key);
+        const Row row = rowOf(nextId, key);
         const int result = dbf_insert(table_, &row);
         if (result == DBF_DUPLICATE) {
             return find(key);
@@ -88,13 +88,13 @@ public:
     }
 
 private:
-    struct Row_s {
+    struct Row {
         std::int32_t runtimeId;
         Key key;
     };
 
-    static Row_s rowOf(std::int32_t runtimeId, const void* key) {
-        Row_s row;
+    static Row rowOf(std::int32_t runtimeId, const void* key) {
+        Row row;
         row.runtimeId = runtimeId;
         std::memcpy(&row.key, key, sizeof row.key);
         return row;
@@ -118,7 +118,7 @@ ExternalGUID guidOfGlobalId(const GlobalId& globalId) {
 
 } // namespace
 
-struct ExternalGUIDDatabase::State_s {
+struct ExternalGUIDDatabase::State {
     CDxKDTree spatialHashes{ExternalGUID::SpatialHashSize};
     KeyTable<GlobalId> globalIds{tblIFCGlobalIDSpec,
                                  fldIFCGlobalIDSpec,
@@ -166,7 +166,7 @@ struct ExternalGUIDDatabase::State_s {
     }
 };
 
-ExternalGUIDDatabase::ExternalGUIDDatabase() : state_(new (std::nothrow) State_s) {
+ExternalGUIDDatabase::ExternalGUIDDatabase() : state_(new(std::nothrow) State) {
 }
 
 ExternalGUIDDatabase::~ExternalGUIDDatabase() {

@@ -23,8 +23,8 @@ class CIFC2X3PropertyNull : public IFC2X3Property {};
  * Memory for several properties; they stand behind it. A property is three kilobytes of inline text, so that asking for
  * memory one by one would cost more than writing it.
  */
-struct alignas(std::max_align_t) IFC2X3PropertySet::Chunk_s {
-    Chunk_s* next;
+struct alignas(std::max_align_t) IFC2X3PropertySet::Chunk {
+    Chunk* next;
     unsigned int capacity;
     unsigned int used;
 
@@ -34,8 +34,8 @@ struct alignas(std::max_align_t) IFC2X3PropertySet::Chunk_s {
 /** Memory for a property, in a chunk for @p capacity of them if a new one is needed. */
 void* IFC2X3PropertySet::placeForProperty(unsigned int capacity) {
     if (chunks_ == nullptr || chunks_->used == chunks_->capacity) {
-        void* memory = ::operator new(sizeof(Chunk_s) + capacity * sizeof(IFC2X3Property));
-        chunks_ = new (memory) Chunk_s{chunks_, capacity, 0};
+        void* memory = ::operator new(sizeof(Chunk) + capacity * sizeof(IFC2X3Property));
+        chunks_ = new (memory) Chunk{chunks_, capacity, 0};
     }
     return chunks_->properties() + chunks_->used;
 }

@@ -10,24 +10,30 @@
 extern "C" int ImportModel() {
     const char* value = std::getenv("BAD_PLUGIN");
     const std::string_view how = value != nullptr ? value : "";
-    if (how == "crash")
+    if (how == "crash") {
         std::abort();
-    if (how == "exit")
+    }
+    if (how == "exit") {
         std::_Exit(3);
-    if (how == "quit")
+    }
+    if (how == "quit") {
         std::_Exit(0); // as if all had gone well
+    }
     if (how == "shout") {
         std::fputs("one\ntwo\n", stderr);
         std::abort();
     }
     if (how == "leave") {
-        if (fork() == 0)
+        if (fork() == 0) {
             execlp("sleep", "sleep", "60", nullptr);
+        }
         return 77;
     }
-    if (how == "throw")
+    if (how == "throw") {
         throw std::runtime_error("out of order");
-    if (how == "fail")
+    }
+    if (how == "fail") {
         return 77;
+    }
     return 0; // says that it succeeded, and has written nothing
 }

@@ -7,8 +7,9 @@ using namespace ImportCommon;
 
 extern "C" __attribute__((visibility("default"))) int ImportModel() {
     ForeignObjectEnv_t env;
-    if (!foreignobject_env_deserialize(env) || env.objects == nullptr)
+    if (!foreignobject_env_deserialize(env) || env.objects == nullptr) {
         return 1;
+    }
 
     const ExternalGUID identity =
         ExternalGUID::fromIFCGlobalID(StringOperations::ConvertToCurrentLocale(env.fileName).c_str());
@@ -25,8 +26,9 @@ extern "C" __attribute__((visibility("default"))) int ImportModel() {
     const IFC2X3_PSet_Custom_s set = wall;
     for (unsigned int i = 0; i < set.properties.getCount(); ++i) {
         const IFC2X3Property& property = set.properties.getProperty(i);
-        if (std::wcscmp(property.getName(), L"FireRating") == 0)
+        if (std::wcscmp(property.getName(), L"FireRating") == 0) {
             std::fprintf(env.objects, "%ls", property.getPropertySingleValue().getStringValue());
+        }
     }
     return 0;
 }

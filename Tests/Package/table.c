@@ -14,9 +14,11 @@ int countDifferent(const int32_t* numbers, int count) {
         dbf_droptable(table);
         return -1;
     }
-    for (int i = 0; i < count; ++i)
-        if (dbf_insert(table, &numbers[i]) == DBF_OK)
+    for (int i = 0; i < count; ++i) {
+        if (dbf_insert(table, &numbers[i]) == DBF_OK) {
             ++different;
+        }
+    }
     dbf_droptable(table);
     return different;
 }

@@ -5,7 +5,7 @@
 
 namespace ImportCommon {
 
-CriticalSection::CriticalSection() : mutex_(new (std::nothrow) pthread_mutex_t), owner_(nullptr) {
+CriticalSection::CriticalSection() : mutex_(new(std::nothrow) pthread_mutex_t), owner_(nullptr) {
     if (mutex_ != nullptr) {
         pthread_mutex_init(mutex_, nullptr);
     }

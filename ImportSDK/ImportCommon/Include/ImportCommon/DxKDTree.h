@@ -69,9 +69,9 @@ public:
 
 private:
     struct Node_s;
-    struct Block_s;
-    struct Skip_s;
-    struct Way_s;
+    struct Block;
+    struct Skip;
+    struct Way;
 
     bool addBlock();
     Node_s& nodeAt(unsigned int id) const;
@@ -79,15 +79,15 @@ private:
     double distance(Node_s& node, const double* vector) const;
     unsigned int recall(const double* vector, std::uint64_t cell) const;
     void completeTree();
-    void addToTree(Node_s& node, const Way_s& way);
-    Way_s descend(const double* vector, bool mayMatch);
+    void addToTree(Node_s& node, const Way& way);
+    Way descend(const double* vector, bool mayMatch);
 
     unsigned int count_ = 0;
     unsigned int dimension_;
     unsigned int blockCount_ = 0;
     unsigned int inTree_ = 0; // nodes that descents meet
-    Block_s* blocks_ = nullptr;
-    Skip_s* skips_ = nullptr;
+    Block* blocks_ = nullptr;
+    Skip* skips_ = nullptr;
     std::unique_ptr<CDxKDTreeCells> cells_;
 };
 

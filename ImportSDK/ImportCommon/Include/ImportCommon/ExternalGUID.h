@@ -158,8 +158,8 @@ public:
     int getHalvorneObi() const;
 
 private:
-    struct Record_s;
-    Record_s* record_;
+    struct Record;
+    Record* record_;
 };
 
 } // namespace ImportCommon

@@ -59,8 +59,8 @@ public:
     ExternalGUID findGUID(ExternalGUIDRuntimeID_e id);
 
 private:
-    struct State_s;
-    State_s* state_;
+    struct State;
+    State* state_;
 };
 
 } // namespace ImportCommon

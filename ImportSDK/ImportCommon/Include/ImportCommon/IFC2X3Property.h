@@ -126,7 +126,7 @@ private:
 
     static constexpr unsigned int textSize = IFC2X3PropertySingleValue::TextSize;
 
-    struct Texts_s {
+    struct Texts {
         wchar_t name[textSize + 1];
         wchar_t description[textSize + 1];
     };
@@ -137,7 +137,7 @@ private:
     void becomeNull();
 
     Type_t type_;
-    Texts_s texts_;
+    Texts texts_;
     IFC2X3PropertySingleValue singleValue_; // inline: a property with a value is one block of memory
     std::unique_ptr<IFC2X3PropertyComplex> complex_;
 };

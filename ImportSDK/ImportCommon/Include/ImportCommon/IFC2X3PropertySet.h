@@ -81,7 +81,7 @@ public:
 
 private:
     friend class PSetBuilder;
-    struct Chunk_s;
+    struct Chunk;
 
     void swap(IFC2X3PropertySet& other) noexcept;
     bool makeRoom();
@@ -94,7 +94,7 @@ private:
     unsigned int count_ = 0;
     unsigned int capacity_ = 0;
     IFC2X3Property** properties_ = nullptr;
-    Chunk_s* chunks_ = nullptr;
+    Chunk* chunks_ = nullptr;
 };
 
 } // namespace ImportCommon
