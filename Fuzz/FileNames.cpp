@@ -3,7 +3,7 @@
  * Extension matching and the functions that take paths apart, on any text.
  */
 #include "FuzzInput.h"
-#include "Utf8Reference.h"
+#include "Models/Utf8Reference.h"
 
 #include <ImportCommon/FileOperations.h>
 

@@ -1,37 +1,16 @@
 /**
  * @file FuzzInput.h
- * What the fuzz targets share: taking a fuzzer's bytes apart, and stopping at a wrong result.
+ * Takes a fuzzer's bytes apart.
  */
 #pragma once
+
+#include "Support/ExactArray.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string>
-
-/** Bytes that stand where an access in front of or behind them is found. */
-template <typename T>
-class ExactArray {
-public:
-    explicit ExactArray(std::size_t size, T value = T()) : size_(size), items_(new T[size]) {
-        std::fill_n(items_.get(), size, value);
-    }
-    ExactArray(const T* items, std::size_t size) : size_(size), items_(new T[size]) {
-        std::copy_n(items, size, items_.get());
-    }
-
-    T* get() const { return items_.get(); }
-    std::size_t size() const { return size_; }
-    T& operator[](std::size_t i) const { return items_[i]; }
-
-private:
-    std::size_t size_;
-    std::unique_ptr<T[]> items_;
-};
 
 /** Takes values off the front of an input; zeros follow its end. */
 class FuzzInput {
@@ -79,11 +58,3 @@ private:
     const std::uint8_t* data_;
     std::size_t size_;
 };
-
-/** Ends the run unless @p condition holds; the fuzzer then keeps the input. */
-inline void require(bool condition, const char* what) {
-    if (!condition) {
-        std::fprintf(stderr, "wrong result: %s\n", what);
-        std::abort();
-    }
-}

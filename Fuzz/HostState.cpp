@@ -2,14 +2,14 @@
  * @file HostState.cpp
  * The state file of the example host, and the streams that it reads from a plug-in.
  */
-#include "../Examples/ImportHost/Comparison.h"
-#include "../Examples/ImportHost/Failure.h"
-#include "../Examples/ImportHost/Files.h"
-#include "../Examples/ImportHost/ObjectRecord.h"
-#include "../Examples/ImportHost/StateFolder.h"
-#include "../Examples/ImportHost/Text.h"
+#include "Failure.h"
 #include "FuzzInput.h"
+#include "comparison/Comparison.h"
+#include "state/Files.h"
+#include "state/ObjectRecord.h"
+#include "state/StateFolder.h"
 
+#include <PluginKit/Text.h>
 #include <fcntl.h>
 #include <unistd.h>
 

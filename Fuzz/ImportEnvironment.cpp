@@ -3,7 +3,7 @@
  * The import environment, read from variables of any content, and the functions that set one.
  */
 #include "FuzzInput.h"
-#include "Utf8Reference.h"
+#include "Models/Utf8Reference.h"
 
 #include <ImportCommon/EnvironmentVariables.h>
 #include <ImportCommon/ForeignObjectEnv.h>

@@ -3,7 +3,7 @@
  * Decoder, counter and encoder on any bytes, with buffers of any size, against the plain reference.
  */
 #include "FuzzInput.h"
-#include "Utf8Reference.h"
+#include "Models/Utf8Reference.h"
 
 #include <ImportCommon/StringOperations.h>
 

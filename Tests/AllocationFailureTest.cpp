@@ -2,11 +2,11 @@
  * @file AllocationFailureTest.cpp
  * Every allocation of an operation fails in turn, alone and with all later ones: first the stores, then what is around.
  */
-#include "DescribeProperties.h"
-#include "FailingAllocator.h"
-#include "IndexedTable.h"
-#include "Stderr.h"
-#include "TemporaryFolder.h"
+#include "Models/IndexedTable.h"
+#include "Support/DescribeProperties.h"
+#include "Support/FailingAllocator.h"
+#include "Support/Stderr.h"
+#include "Support/TemporaryFolder.h"
 
 #include <ImportCommon/ImportCommon.h>
 

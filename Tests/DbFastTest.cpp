@@ -1,5 +1,5 @@
-#include "../Fuzz/TableComparison.h"
-#include "Stderr.h"
+#include "Models/TableComparison.h"
+#include "Support/Stderr.h"
 
 #include <climits>
 #include <iostream>

@@ -1,4 +1,4 @@
-#include "Stderr.h"
+#include "Support/Stderr.h"
 
 #include <ImportCommon/DynamicLibrary.h>
 #include <ImportCommon/KitDebug.h>

@@ -1,5 +1,5 @@
-#include "Stderr.h"
-#include "TemporaryFolder.h"
+#include "Support/Stderr.h"
+#include "Support/TemporaryFolder.h"
 
 #include <ImportCommon/FileOperations.h>
 

@@ -1,5 +1,5 @@
-#include "FailingAllocator.h"
-#include "TemporaryFolder.h"
+#include "Support/FailingAllocator.h"
+#include "Support/TemporaryFolder.h"
 
 #include <ImportCommon/FileStream.h>
 

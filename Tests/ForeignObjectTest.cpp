@@ -1,5 +1,5 @@
-#include "FailingAllocator.h"
-#include "Stderr.h"
+#include "Support/FailingAllocator.h"
+#include "Support/Stderr.h"
 
 #include <ImportCommon/ForeignObjectSolid.h>
 

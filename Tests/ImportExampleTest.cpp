@@ -2,7 +2,7 @@
  * @file ImportExampleTest.cpp
  * Runs the example host as a program: the plug-in and the library's whole import path behind it.
  */
-#include "ImportExample.h"
+#include "Support/ImportExample.h"
 
 #include <ImportCommon/ForeignObjectEnv.h>
 

@@ -4,7 +4,7 @@
  *
  * The environment variable IMPORTCOMMON_FULL_TESTS makes the runs long.
  */
-#include "ImportExample.h"
+#include "Support/ImportExample.h"
 
 #include <fcntl.h>
 #include <sys/resource.h>

@@ -2,7 +2,7 @@
  * @file ImportPropertiesTest.cpp
  * Property sets, from the text of a model to the report of the example host.
  */
-#include "ImportExample.h"
+#include "Support/ImportExample.h"
 
 #include <cstdint>
 #include <cstring>

@@ -3,7 +3,7 @@
  * Many random operations on one database and one table: the answers stay right, and memory stays where it is once the
  * data stops growing. The environment variable IMPORTCOMMON_FULL_TESTS makes it ten million operations each.
  */
-#include "IndexedTable.h"
+#include "Models/IndexedTable.h"
 
 #include <ImportCommon/ExternalGUIDDatabase.h>
 

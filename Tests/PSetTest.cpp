@@ -1,4 +1,4 @@
-#include "DescribeProperties.h"
+#include "Support/DescribeProperties.h"
 
 #include <ImportCommon/ImportCommon.h>
 

@@ -1,5 +1,5 @@
-#include "DescribeProperties.h"
-#include "FailingAllocator.h"
+#include "Support/DescribeProperties.h"
+#include "Support/FailingAllocator.h"
 
 #include <ImportCommon/CIFC2X3Property.h>
 

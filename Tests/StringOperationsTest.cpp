@@ -1,5 +1,5 @@
-#include "../Fuzz/Utf8Reference.h"
-#include "Stderr.h"
+#include "Models/Utf8Reference.h"
+#include "Support/Stderr.h"
 
 #include <ImportCommon/StringOperations.h>
 

@@ -29,4 +29,4 @@ install(FILES ${PROJECT_BINARY_DIR}/import-common.pc DESTINATION ${pkgConfigDir}
 # The examples, a project of their own once installed
 install(DIRECTORY Examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/import-common/examples COMPONENT Development
     FILES_MATCHING PATTERN "*.h" PATTERN "*.cpp" PATTERN "*.md" PATTERN "*.ifc" PATTERN "*.toy" PATTERN "CMakeLists.txt"
-    PATTERN ImportHost/st EXCLUDE)
+    PATTERN none EXCLUDE)

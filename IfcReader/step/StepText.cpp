@@ -1,0 +1,301 @@
+#include "step/StepText.h"
+
+#include <charconv>
+
+namespace {
+
+bool isBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+bool isWordCharacter(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+}
+
+/** Takes what stands up to the end of @p found off the front; everything when it is not there. */
+void skipBehind(std::string_view& text, std::string_view found, std::size_t from) {
+    const std::size_t at = text.find(found, from);
+    text.remove_prefix(at == std::string_view::npos ? text.size() : at + found.size());
+}
+
+void skipBlanks(std::string_view& text) {
+    for (;;) {
+        while (!text.empty() && isBlank(text[0])) {
+            text.remove_prefix(1);
+        }
+        if (text.substr(0, 2) != "/*") {
+            return;
+        }
+        skipBehind(text, "*/", 2);
+    }
+}
+
+bool take(std::string_view& text, char c) {
+    skipBlanks(text);
+    if (text.empty() || text[0] != c) {
+        return false;
+    }
+    text.remove_prefix(1);
+    return true;
+}
+
+std::string_view takeWord(std::string_view& text) {
+    skipBlanks(text);
+    std::size_t size = 0;
+    while (size < text.size() && isWordCharacter(text[size])) {
+        ++size;
+    }
+    const std::string_view word = text.substr(0, size);
+    text.remove_prefix(size);
+    return word;
+}
+
+template <typename Number>
+std::optional<Number> takeNumber(std::string_view& text) {
+    Number value{};
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (result.ec != std::errc()) {
+        return std::nullopt;
+    }
+    text.remove_prefix(static_cast<std::size_t>(result.ptr - text.data()));
+    return value;
+}
+
+/** The number that is all of an argument. */
+template <typename Number>
+std::optional<Number> wholeNumber(std::string_view argument) {
+    skipBlanks(argument);
+    if (argument.substr(0, 1) == "+" && argument.substr(1, 1) != "-") {
+        argument.remove_prefix(1);
+    }
+    // What a file may write as a number begins with a digit: no "inf" and "nan".
+    const std::size_t digit = argument.substr(0, 1) == "-" ? 1 : 0;
+    if (digit >= argument.size() || argument[digit] < '0' || argument[digit] > '9') {
+        return std::nullopt;
+    }
+    const std::optional<Number> value = takeNumber<Number>(argument);
+    skipBlanks(argument);
+    return argument.empty() ? value : std::nullopt;
+}
+
+/** Moves on to the first of @p stops outside of texts and comments, and of parentheses if @p nested. */
+std::string_view takeUpTo(std::string_view& text, char stop, char otherStop, bool nested) {
+    std::size_t depth = 0;
+    std::size_t i = 0;
+    while (i < text.size()) {
+        const char c = text[i];
+        if (depth == 0 && (c == stop || c == otherStop)) {
+            break;
+        }
+        if (c == '\'') {
+            i = text.find('\'', i + 1); // of two quotes that stand for one, the second opens the text again
+        } else if (c == '/' && text.substr(i, 2) == "/*") {
+            i = text.find("*/", i + 2);
+            i += i == std::string_view::npos ? 0 : 1;
+        } else if (nested && c == '(') {
+            ++depth;
+        } else if (nested && c == ')' && depth > 0) {
+            --depth;
+        }
+        i = i == std::string_view::npos ? text.size() : i + 1;
+    }
+    const std::string_view taken = text.substr(0, i);
+    text.remove_prefix(taken.size());
+    return taken;
+}
+
+} // namespace
+
+std::optional<StepInstance> StepInstances::next() {
+    while (!rest_.empty()) {
+        StepInstance instance;
+        std::optional<std::uint64_t> id;
+        if (take(rest_, '#')) {
+            id = takeNumber<std::uint64_t>(rest_);
+        }
+        bool whole = id && take(rest_, '=');
+        if (whole) {
+            instance.id = *id;
+            instance.keyword = takeWord(rest_);
+            whole = !instance.keyword.empty() && take(rest_, '(');
+        }
+        instance.arguments = takeUpTo(rest_, ';', ';', false);
+        const bool closed = !rest_.empty();
+        rest_.remove_prefix(closed ? 1 : 0);
+        if (whole && closed) {
+            return instance;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string_view> StepArguments::next() {
+    if (!first_ && !take(rest_, ',')) {
+        return std::nullopt;
+    }
+    skipBlanks(rest_);
+    if (rest_.empty() || (first_ && rest_[0] == ')')) {
+        return std::nullopt;
+    }
+    first_ = false;
+    return takeUpTo(rest_, ',', ')', true);
+}
+
+std::string_view StepArguments::nextAfter(std::size_t count) {
+    for (; count > 0; --count) {
+        if (!next()) {
+            return {};
+        }
+    }
+    return next().value_or(std::string_view());
+}
+
+StepArguments listMembers(std::string_view argument) {
+    return StepArguments(take(argument, '(') ? argument : std::string_view());
+}
+
+std::optional<std::uint64_t> stepReference(std::string_view argument) {
+    return take(argument, '#') ? takeNumber<std::uint64_t>(argument) : std::nullopt;
+}
+
+void appendStepReferences(std::string_view arguments, std::vector<std::uint64_t>& references) {
+    for (takeUpTo(arguments, '#', '#', false); !arguments.empty(); takeUpTo(arguments, '#', '#', false)) {
+        if (const auto reference = stepReference(arguments)) {
+            references.push_back(*reference);
+        }
+        arguments.remove_prefix(1);
+    }
+}
+
+std::optional<std::string_view> stepQuoted(std::string_view argument) {
+    if (!take(argument, '\'')) {
+        return std::nullopt;
+    }
+    for (std::size_t end = argument.find('\''); end != std::string_view::npos; end = argument.find('\'', end + 2)) {
+        if (argument.substr(end + 1, 1) != "'") {
+            return argument.substr(0, end);
+        }
+    }
+    return std::nullopt;
+}
+
+std::string stepText(std::string_view argument) {
+    return decodeStepText(stepQuoted(argument).value_or(std::string_view()));
+}
+
+std::string_view stepEnumeration(std::string_view argument) {
+    if (!take(argument, '.')) {
+        return {};
+    }
+    const std::string_view word = takeWord(argument);
+    return argument.substr(0, 1) == "." ? word : std::string_view();
+}
+
+std::optional<double> stepReal(std::string_view argument) {
+    return wholeNumber<double>(argument);
+}
+
+std::optional<long long> stepInteger(std::string_view argument) {
+    return wholeNumber<long long>(argument);
+}
+
+std::optional<StepTyped> stepTyped(std::string_view argument) {
+    const std::string_view keyword = takeWord(argument);
+    if (keyword.empty() || keyword[0] < 'A' || !take(argument, '(')) {
+        return std::nullopt;
+    }
+    return StepTyped{keyword, StepArguments(argument).next().value_or(std::string_view())};
+}
+
+namespace {
+
+void appendUtf8(std::string& out, std::uint32_t c) {
+    const auto byte = [&](std::uint32_t value) { out += static_cast<char>(value); };
+    if (c < 0x80) {
+        byte(c);
+    } else if (c < 0x800) {
+        byte(0xC0 | c >> 6);
+        byte(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+        byte(0xE0 | c >> 12);
+        byte(0x80 | (c >> 6 & 0x3F));
+        byte(0x80 | (c & 0x3F));
+    } else if (c < 0x110000) {
+        byte(0xF0 | c >> 18);
+        byte(0x80 | (c >> 12 & 0x3F));
+        byte(0x80 | (c >> 6 & 0x3F));
+        byte(0x80 | (c & 0x3F));
+    }
+}
+
+bool takePrefix(std::string_view& text, std::string_view prefix) {
+    if (text.substr(0, prefix.size()) != prefix) {
+        return false;
+    }
+    text.remove_prefix(prefix.size());
+    return true;
+}
+
+/** Takes a number of hexadecimal digits off the front of @p text; nothing when they are not there. */
+std::optional<std::uint32_t> takeHex(std::string_view& text, std::size_t digits) {
+    if (text.size() < digits) {
+        return std::nullopt;
+    }
+    std::uint32_t value = 0;
+    const char* const end = text.data() + digits;
+    if (std::from_chars(text.data(), end, value, 16).ptr != end) {
+        return std::nullopt;
+    }
+    text.remove_prefix(digits);
+    return value;
+}
+
+/** Code units in hexadecimal up to "\X0\". */
+void appendUnits(std::string& out, std::string_view& text, std::size_t digits) {
+    std::uint32_t high = 0;
+    while (const auto unit = takeHex(text, digits)) {
+        if (digits == 4 && *unit >= 0xD800 && *unit < 0xDC00) {
+            high = *unit;
+        } else {
+            const bool isPair = high != 0 && *unit >= 0xDC00 && *unit < 0xE000;
+            appendUtf8(out, isPair ? 0x10000 + ((high - 0xD800) << 10) + (*unit - 0xDC00) : *unit);
+            high = 0;
+        }
+    }
+    takePrefix(text, "\\X0\\");
+}
+
+} // namespace
+
+std::string decodeStepText(std::string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    while (!text.empty()) {
+        const std::size_t plain = text.find_first_of("'\\\r\n");
+        out += text.substr(0, plain);
+        text.remove_prefix(plain == std::string_view::npos ? text.size() : plain);
+        if (text.empty()) {
+            break;
+        }
+        if (takePrefix(text, "''")) {
+            out += '\'';
+        } else if (takePrefix(text, "\\\\")) {
+            out += '\\';
+        } else if (takePrefix(text, "\\X2\\")) {
+            appendUnits(out, text, 4);
+        } else if (takePrefix(text, "\\X4\\")) {
+            appendUnits(out, text, 8);
+        } else if (takePrefix(text, "\\X\\")) {
+            appendUtf8(out, takeHex(text, 2).value_or('?'));
+        } else if (text.size() > 3 && takePrefix(text, "\\S\\")) {
+            appendUtf8(out, 0x80u | static_cast<unsigned char>(text[0]));
+            text.remove_prefix(1);
+        } else {
+            if (text[0] != '\r' && text[0] != '\n') { // a long text may be broken into lines anywhere
+                out += text[0];
+            }
+            text.remove_prefix(1);
+        }
+    }
+    return out;
+}

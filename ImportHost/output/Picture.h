@@ -1,0 +1,13 @@
+/**
+ * @file Picture.h
+ * The result of a comparison to look at.
+ */
+#pragma once
+
+#include "comparison/Comparison.h"
+
+#include <string>
+#include <vector>
+
+/** SVG: the plan of all objects, coloured by status, with a legend. */
+std::string pictureText(const std::string& title, const std::vector<Change>& changes);

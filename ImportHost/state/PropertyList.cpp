@@ -1,0 +1,239 @@
+#include "state/PropertyList.h"
+
+#include <PluginKit/Text.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <iterator>
+#include <stdexcept>
+#include <tuple>
+
+namespace {
+
+constexpr double pi = 3.141592653589793;
+
+/** The texts as they stand in streams and state, with their escapes. */
+struct Entry {
+    std::string_view set;
+    std::string name;
+    std::string value;
+};
+
+bool operator<(const Entry& a, const Entry& b) {
+    return std::tie(a.set, a.name, a.value) < std::tie(b.set, b.name, b.value);
+}
+
+double finiteNumber(std::string_view text) {
+    const double number = toDouble(text);
+    if (!std::isfinite(number)) {
+        throw std::runtime_error("'" + printable(text) + "' is not a number");
+    }
+    return number;
+}
+
+/** Degrees; from radians back they are off in the last digits. */
+std::string degreesText(double radians) {
+    char buffer[64];
+    const double degrees = radians * 180.0 / pi + 0.0;
+    return std::string(buffer,
+                       std::to_chars(buffer, buffer + sizeof buffer, degrees, std::chars_format::general, 12).ptr);
+}
+
+std::string valueOf(std::string_view type, std::string_view value) {
+    if (type == "text") {
+        return '\'' + std::string(value);
+    }
+    if (type == "angle") {
+        return degreesText(finiteNumber(value));
+    }
+    if (type == "real" || type == "length") {
+        return numberText(finiteNumber(value) + 0.0);
+    }
+    const bool isState = value == "true" || value == "false";
+    if (type == "integer") {
+        toLong(value);
+    } else if (!(type == "boolean" && isState) && !(type == "logical" && (isState || value == "unknown"))) {
+        throw std::runtime_error("'" + printable(value) + "' is not a value of type '" + printable(type) + "'");
+    }
+    return std::string(value);
+}
+
+/** Goes through the lines of an attributes stream. */
+class AttributesReader {
+public:
+    explicit AttributesReader(std::size_t objectCount) : entries_(objectCount) {}
+
+    void read(std::string_view line) {
+        const std::vector<std::string_view> fields = split(line, '\t');
+        if (fields[0] == "set" && fields.size() >= 7) {
+            readSet(fields);
+        } else if (fields[0] == "property" && fields.size() >= 6) {
+            readProperty(fields);
+        } else {
+            throw std::runtime_error("neither a set nor a property");
+        }
+    }
+
+    std::vector<PropertyList> lists() {
+        std::vector<PropertyList> lists;
+        lists.reserve(entries_.size());
+        for (std::vector<Entry>& entries : entries_) {
+            std::sort(entries.begin(), entries.end());
+            PropertyList list;
+            for (const Entry& entry : entries) {
+                list.text += list.text.empty() ? "" : "\t";
+                list.text.append(entry.set).append("\t").append(entry.name).append("\t").append(entry.value);
+            }
+            list.isKnown = true;
+            list.digest = checksum(list.text);
+            lists.push_back(std::move(list));
+        }
+        return lists;
+    }
+
+private:
+    void readSet(const std::vector<std::string_view>& fields) {
+        const long object = toLong(fields[1]);
+        if (object < 0 || static_cast<unsigned long>(object) > entries_.size()) {
+            throw std::runtime_error("there is no object " + std::to_string(object));
+        }
+        object_ = static_cast<std::size_t>(object);
+        set_ = fields.size() > 7 ? fields[7] : fields[5];
+        path_.clear();
+        isInSet_ = true;
+    }
+
+    void readProperty(const std::vector<std::string_view>& fields) {
+        const long depth = toLong(fields[1]);
+        if (!isInSet_ || depth < 0 || static_cast<unsigned long>(depth) > path_.size()) {
+            throw std::runtime_error("a property of nothing");
+        }
+        path_.resize(static_cast<std::size_t>(depth));
+        std::string name = path_.empty() ? std::string() : path_.back() + '.';
+        name += fields.size() > 6 ? fields[6] : fields[2];
+        if (fields[4] == "complex") {
+            path_.push_back(std::move(name));
+        } else if (object_ > 0) {
+            entries_[object_ - 1].push_back({set_, std::move(name), valueOf(fields[4], fields[5])});
+        }
+    }
+
+    std::vector<std::vector<Entry>> entries_;
+    std::size_t object_ = 0; ///< that the set belongs to; 0 for a product without geometry
+    std::string_view set_;
+    bool isInSet_ = false;
+    std::vector<std::string> path_; ///< full names of the complex properties around the next one
+};
+
+std::vector<Entry> entriesOf(const PropertyList& list) {
+    std::vector<Entry> entries;
+    if (list.text.empty()) {
+        return entries;
+    }
+    const std::vector<std::string_view> fields = split(list.text, '\t');
+    for (std::size_t i = 0; i + 2 < fields.size(); i += 3) {
+        entries.push_back({fields[i], std::string(fields[i + 1]), std::string(fields[i + 2])});
+    }
+    return entries;
+}
+
+std::string shownValue(const std::optional<std::string>& value) {
+    constexpr std::size_t longest = 40;
+    if (!value) {
+        return "-";
+    }
+    std::string text = printable(value->substr(value->compare(0, 1, "'") == 0 ? 1 : 0));
+    if (text.size() <= longest) {
+        return text;
+    }
+    std::size_t end = longest;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
+        --end;
+    }
+    return text.substr(0, end) + "...";
+}
+
+} // namespace
+
+std::vector<PropertyList> readPropertyLists(std::string_view attributesStream, std::size_t objectCount) {
+    AttributesReader reader(objectCount);
+    std::size_t number = 0;
+    for (const std::string_view line : split(attributesStream, '\n')) {
+        ++number;
+        try {
+            if (!line.empty()) {
+                reader.read(line);
+            }
+        } catch (const std::runtime_error& e) {
+            throw std::runtime_error("line " + std::to_string(number) + ": " + e.what());
+        }
+    }
+    return reader.lists();
+}
+
+std::vector<PropertyDifference> differencesOf(const PropertyList& before, const PropertyList& now) {
+    std::vector<PropertyDifference> differences;
+    if (!before.isKnown || !now.isKnown || before.digest == now.digest) {
+        return differences;
+    }
+    const std::vector<Entry> old = entriesOf(before);
+    const std::vector<Entry> fresh = entriesOf(now);
+    std::vector<Entry> gone;
+    std::vector<Entry> added;
+    std::set_difference(old.begin(), old.end(), fresh.begin(), fresh.end(), std::back_inserter(gone));
+    std::set_difference(fresh.begin(), fresh.end(), old.begin(), old.end(), std::back_inserter(added));
+
+    // What is gone and what is new under one name is one property with another value.
+    const auto sameName = [](const Entry& a, const Entry& b) { return a.set == b.set && a.name == b.name; };
+    auto o = gone.begin();
+    auto n = added.begin();
+    while (o != gone.end() || n != added.end()) {
+        const bool both = o != gone.end() && n != added.end() && sameName(*o, *n);
+        const bool takesOld = both || n == added.end() || (o != gone.end() && *o < *n);
+        const bool takesNew = both || !takesOld;
+        const Entry& entry = takesOld ? *o : *n;
+        PropertyDifference difference = {unescaped(entry.set), unescaped(entry.name), std::nullopt, std::nullopt};
+        if (takesOld) {
+            difference.before = unescaped((o++)->value);
+        }
+        if (takesNew) {
+            difference.now = unescaped((n++)->value);
+        }
+        differences.push_back(std::move(difference));
+    }
+    return differences;
+}
+
+std::string shortText(const std::vector<PropertyDifference>& differences) {
+    if (differences.empty()) {
+        return "";
+    }
+    const PropertyDifference& first = differences.front();
+    std::string text = printable(first.set) + '.' + printable(first.name) + ": " + shownValue(first.before) + " -> " +
+                       shownValue(first.now);
+    if (differences.size() > 1) {
+        text += ", and " + std::to_string(differences.size() - 1) + " more";
+    }
+    return text;
+}
+
+std::string propertyListToFields(const PropertyList& list) {
+    if (!list.isKnown) {
+        return "-";
+    }
+    return list.text.empty() ? list.digest : list.digest + '\t' + list.text;
+}
+
+PropertyList propertyListFromFields(std::string_view fields) {
+    PropertyList list;
+    const std::size_t end = std::min(fields.find('\t'), fields.size());
+    list.digest = fields.substr(0, end);
+    list.text = fields.substr(std::min(end + 1, fields.size()));
+    list.isKnown = list.digest != "-";
+    const auto tabs = std::count(list.text.begin(), list.text.end(), '\t');
+    if (list.isKnown ? list.digest.size() != 16 || (end < fields.size() && tabs % 3 != 2) : end < fields.size()) {
+        throw std::runtime_error("not a list of properties");
+    }
+    return list;
+}

@@ -1,0 +1,190 @@
+#include "state/StateFolder.h"
+
+#include "Failure.h"
+
+#include <PluginKit/Text.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <stdexcept>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view format = "import-host-state";
+constexpr std::string_view version = "2";
+
+/** Objects without properties, which count as not known. */
+constexpr std::string_view oldVersion = "1";
+
+/** Folder of the streams while an import runs, as mkdtemp takes it, and of the last import's while it is replaced. */
+constexpr char outputTemplate[] = "output-of-import.XXXXXX";
+constexpr std::size_t outputPrefixLength = sizeof outputTemplate - sizeof "XXXXXX";
+constexpr char previousOutput[] = "output-of-import.previous";
+
+std::string stateText(const std::vector<ObjectRecord>& objects) {
+    std::string text = std::string(format) + ' ' + std::string(version) + '\n';
+    for (const ObjectRecord& object : objects) {
+        text += recordToLine(object) + '\n';
+    }
+    return text + "end " + std::to_string(objects.size()) + ' ' + checksum(text) + '\n';
+}
+
+/** Throws std::runtime_error. */
+std::vector<ObjectRecord> objectsFromText(std::string_view text) {
+    const std::string_view header = text.substr(0, text.find('\n'));
+    const std::vector<std::string_view> words = split(header, ' ');
+    if (words.size() != 2 || words[0] != format) {
+        throw std::runtime_error("not a state of import-host");
+    }
+    if (words[1] != version && words[1] != oldVersion) {
+        throw std::runtime_error("written by another version of import-host");
+    }
+
+    const std::size_t end = text.rfind("\nend ");
+    const std::size_t body = header.size() + 1;
+    if (end == std::string_view::npos || end + 1 < body) {
+        throw std::runtime_error("the state is incomplete");
+    }
+    const std::string_view lines = text.substr(body, end + 1 - body);
+
+    std::vector<ObjectRecord> objects;
+    for (const std::string_view line : split(lines, '\n')) {
+        if (!line.empty()) {
+            objects.push_back(recordFromLine(line));
+        }
+    }
+    if (text.substr(end + 1) !=
+        "end " + std::to_string(objects.size()) + ' ' + checksum(text.substr(0, end + 1)) + '\n') {
+        throw std::runtime_error("the state is incomplete or damaged");
+    }
+    return objects;
+}
+
+/** Whether a file is one that an import left which was killed. */
+bool isLeftover(const std::string& fileName) {
+    return fileName == previousOutput || fileName == "objects.state.new" ||
+           (fileName.size() == std::strlen(outputTemplate) &&
+            fileName.compare(0, outputPrefixLength, outputTemplate, outputPrefixLength) == 0);
+}
+
+} // namespace
+
+StateFolder::StateFolder(const std::string& path) : path_(path) {
+    try {
+        open();
+        load();
+        removeLeftovers();
+        outputFolder_ = path_ + '/' + outputTemplate;
+        if (::mkdtemp(outputFolder_.data()) == nullptr) {
+            outputFolder_.clear();
+            throw Failure(path_, std::strerror(errno));
+        }
+    } catch (...) {
+        close();
+        throw;
+    }
+}
+
+StateFolder::~StateFolder() {
+    close();
+}
+
+/** Removes what was created and not committed, and lets others use the folder. */
+void StateFolder::close() {
+    std::error_code ignored;
+    next_.reset();
+    if (!outputFolder_.empty()) {
+        fs::remove_all(outputFolder_, ignored);
+    }
+    if (created_) {
+        fs::remove(path_, ignored); // succeeds only while it is empty
+    }
+    if (lock_ >= 0) {
+        ::close(lock_);
+    }
+}
+
+void StateFolder::open() {
+    created_ = ::mkdir(path_.c_str(), 0777) == 0;
+    if (!created_ && errno != EEXIST) {
+        throw Failure(path_, std::strerror(errno));
+    }
+    lock_ = ::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (lock_ < 0) {
+        throw Failure(path_, std::strerror(errno));
+    }
+    if (::flock(lock_, LOCK_EX | LOCK_NB) != 0) {
+        throw Failure(path_, errno == EWOULDBLOCK ? "another import is running" : std::strerror(errno));
+    }
+}
+
+std::vector<ObjectRecord> StateFolder::read(const std::string& path) {
+    const std::string fileName = path + "/objects.state";
+    try {
+        return objectsFromText(readFile(fileName));
+    } catch (const Failure&) {
+        throw;
+    } catch (const std::runtime_error& e) {
+        throw Failure(fileName, e.what());
+    }
+}
+
+void StateFolder::load() {
+    std::error_code error;
+    hasObjects_ = fs::exists(fs::symlink_status(path_ + "/objects.state", error));
+    if (hasObjects_) {
+        if (!fs::is_regular_file(path_ + "/objects.state", error)) {
+            throw Failure(path_ + "/objects.state", "not a file"); // a pipe would keep its reader waiting
+        }
+        objects_ = read(path_);
+        return;
+    }
+    for (fs::directory_iterator entry(path_, error), end; !error && entry != end; entry.increment(error)) {
+        if (!isLeftover(entry->path().filename().string())) {
+            throw Failure(path_, "not a state folder of import-host: it holds other files");
+        }
+    }
+    if (error) {
+        throw Failure(path_, error.message());
+    }
+}
+
+void StateFolder::removeLeftovers() const {
+    std::error_code error;
+    std::vector<fs::path> leftovers;
+    for (fs::directory_iterator entry(path_, error), end; !error && entry != end; entry.increment(error)) {
+        if (isLeftover(entry->path().filename().string())) {
+            leftovers.push_back(entry->path());
+        }
+    }
+    for (const fs::path& leftover : leftovers) {
+        fs::remove_all(leftover, error);
+    }
+}
+
+void StateFolder::prepare(const std::vector<ObjectRecord>& objects) {
+    next_ = std::make_unique<PendingFile>(path_ + "/objects.state", stateText(objects));
+}
+
+void StateFolder::commit() {
+    next_->commit();
+
+    // From here on the import counts. Streams that can't be put in their place are no reason to say it failed.
+    const std::string last = path_ + "/output";
+    const std::string previous = path_ + '/' + previousOutput;
+    std::error_code ignored;
+    fs::rename(last, previous, ignored);
+    fs::rename(outputFolder_, last, ignored);
+    if (!ignored) {
+        outputFolder_.clear();
+    }
+    fs::remove_all(previous, ignored);
+    syncFolder(path_);
+}
