@@ -1,3 +1,5 @@
+#include "Support/FailingAllocator.h"
+
 #include <ImportCommon/EnvironmentVariables.h>
 #include <ImportCommon/ForeignObjectEnv.h>
 
@@ -5,6 +7,8 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <new>
+#include <optional>
 #include <string>
 
 using ImportCommon::EnvironmentVariables;
@@ -56,7 +60,9 @@ protected:
         }
     }
 
-    ~EnvironmentTest() override {
+    ~EnvironmentTest() override { clear(); }
+
+    static void clear() {
         unsetenv("fo_handle_version");
         for (const auto& [key, field] : textFields) {
             unsetenv(key);
@@ -95,6 +101,55 @@ TEST_F(EnvironmentTest, anotherVersionLeavesTheOtherFields) {
     EXPECT_EQ(env_.version, 2);
     EXPECT_EQ(env_.fileName, L"earlier");
     EXPECT_EQ(env_.foreignObjects, stdin);
+}
+
+TEST_F(EnvironmentTest, whatIsWrittenIsRead) {
+    clear();
+    ForeignObjectEnv_t written;
+    written.version = 1;
+    for (const auto& [key, field] : textFields) {
+        written.*field = L"\u00FC " + std::wstring(key, key + std::string(key).size());
+    }
+    for (const auto& [key, field] : streamFields) {
+        written.*field = streamOf(key);
+    }
+    written.module.clear();
+    written.log = nullptr;
+    ASSERT_TRUE(foreignobject_env_serialize(written));
+    EXPECT_STREQ(std::getenv("fo_string_module"), "");
+    EXPECT_STREQ(std::getenv("fo_handle_log"), "0");
+    EXPECT_TRUE(foreignobject_env_deserialize(env_));
+    for (const auto& [key, field] : textFields) {
+        EXPECT_EQ(env_.*field, written.*field) << key;
+    }
+    for (const auto& [key, field] : streamFields) {
+        EXPECT_EQ(env_.*field, written.*field) << key;
+    }
+    written.version = -3;
+    EXPECT_TRUE(foreignobject_env_serialize(written));
+    EXPECT_FALSE(foreignobject_env_deserialize(env_));
+    EXPECT_EQ(env_.version, -3);
+}
+
+TEST_F(AllocationFailureTest, environmentIsWrittenWholeOrTheCallerKnows) {
+    ForeignObjectEnv_t env;
+    env.version = 1;
+    int refused = 0;
+    for (long which = 1, failed = 1; failed != 0 && !HasFailure(); ++which) {
+        clearenv(); // an earlier text would be taken up again without an allocation
+        std::optional<bool> result;
+        failed = Failure{which, FailingAllocator::Once}.during([&] {
+            try {
+                result = foreignobject_env_serialize(env);
+            } catch (const std::bad_alloc&) { // no memory for a key
+            }
+        });
+        EXPECT_TRUE(failed != 0 || result == true);
+        EXPECT_EQ(std::getenv("fo_handle_textures") != nullptr, result == true) << which;
+        refused += result == false ? 1 : 0;
+    }
+    EXPECT_GT(refused, 0);
+    clearenv();
 }
 
 TEST(EnvironmentVariablesTest, numbersAndStreams) {

@@ -5,6 +5,19 @@ using ImportCommon::EnvironmentVariables;
 
 namespace {
 
+constexpr const wchar_t* versionKey = L"fo_handle_version";
+
+struct TextField {
+    std::wstring ForeignObjectEnv_t::*field;
+    const wchar_t* key;
+};
+
+constexpr TextField textFields[] = {
+    {&ForeignObjectEnv_t::fileName, L"fo_string_filename"},
+    {&ForeignObjectEnv_t::module, L"fo_string_module"},
+    {&ForeignObjectEnv_t::path, L"fo_string_path"},
+};
+
 struct StreamField {
     FILE* ForeignObjectEnv_t::*field;
     const wchar_t* key;
@@ -32,15 +45,26 @@ constexpr StreamField streamFields[] = {
 } // namespace
 
 bool foreignobject_env_deserialize(ForeignObjectEnv_t& env) {
-    env.version = EnvironmentVariables::GetInt(L"fo_handle_version");
+    env.version = EnvironmentVariables::GetInt(versionKey);
     if (env.version != 1) {
         return false;
     }
-    env.fileName = EnvironmentVariables::GetString(L"fo_string_filename");
-    env.module = EnvironmentVariables::GetString(L"fo_string_module");
-    env.path = EnvironmentVariables::GetString(L"fo_string_path");
+    for (const TextField& text : textFields) {
+        env.*text.field = EnvironmentVariables::GetString(text.key);
+    }
     for (const StreamField& stream : streamFields) {
         env.*stream.field = EnvironmentVariables::GetFileStreamHandle(stream.key);
     }
     return true;
+}
+
+bool foreignobject_env_serialize(const ForeignObjectEnv_t& env) {
+    bool accepted = EnvironmentVariables::SetInt(versionKey, env.version) == 0;
+    for (const TextField& text : textFields) {
+        accepted = accepted && EnvironmentVariables::SetString(text.key, env.*text.field) == 0;
+    }
+    for (const StreamField& stream : streamFields) {
+        accepted = accepted && EnvironmentVariables::SetFileStreamHandle(stream.key, env.*stream.field) == 0;
+    }
+    return accepted;
 }

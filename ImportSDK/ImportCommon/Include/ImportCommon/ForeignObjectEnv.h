@@ -47,3 +47,16 @@ struct ForeignObjectEnv_t {
  * @return whether the version is 1. Throws `std::bad_alloc` without memory for a text; the fields before it are set.
  */
 IMPORT_COMMON_API bool foreignobject_env_deserialize(ForeignObjectEnv_t& env);
+
+/**
+ * Writes the import environment; a host calls it before it calls a plug-in. The counterpart of
+ * foreignobject_env_deserialize: sets all twenty variables, an empty text or a null stream where the record has none.
+ *
+ * What a variable can't hold is left out as EnvironmentVariables says: a text ends after 4095 bytes of UTF-8 and loses
+ * characters beyond U+FFFF. A host that must hand over the whole text reads the environment back and compares.
+ *
+ * @param env  the record, its version as it stands; the streams stay owned by the caller and must outlive the import
+ * @return false when the system refuses a variable; those before it in the record's order are set.
+ *         Throws `std::bad_alloc` without memory for a key, likewise.
+ */
+IMPORT_COMMON_API bool foreignobject_env_serialize(const ForeignObjectEnv_t& env);
