@@ -2,10 +2,12 @@
 #include "Support/FailingAllocator.h"
 
 #include <ImportCommon/CIFC2X3Property.h>
+#include <ImportCommon/IFC2X3_PSet_Custom.h>
 
 #include <algorithm>
 #include <climits>
 #include <iostream>
+#include <memory>
 #include <new>
 #include <numeric>
 #include <random>
@@ -166,13 +168,39 @@ TEST(PropertyTest, copiesAndMovesAgreeWithTheirTexts) {
     }
 }
 
+TEST(PropertyTest, setsNestToAnyDepth) {
+    constexpr int levels = 200000; // far beyond what a stack holds
+    auto whole = std::make_unique<Set>();
+    const auto setInside = [](const Set& set) -> const Set& {
+        return set.getProperty(0).getPropertyComplex().getPropertySet();
+    };
+    // A property copies the set it is made with, so the levels are hung into each other from outside.
+    Set* set = whole.get();
+    for (int level = 0; level < levels; ++level) {
+        set->addProperty(createPropertyComplex(L"c", L"", L"usage", Set()));
+        set = const_cast<Set*>(&setInside(*set));
+    }
+    IFC2X3Property property = createPropertyComplex(L"whole", L"", L"", *whole);
+    whole.reset();
+    int depth = 0;
+    for (const Set* at = &property.getPropertyComplex().getPropertySet(); at->getCount() == 1; ++depth) {
+        at = &setInside(*at);
+    }
+    EXPECT_EQ(depth, levels);
+    property = IFC2X3Property();
+}
+
 TEST_F(AllocationFailureTest, copiedSetIsOldOrNewOrEmptyInside) {
-    const Set old = nested(1);
-    const Set source = nested(2);
+    IFC2X3_PSet_Custom_s old;
+    old.name[0] = L'o';
+    old.properties = nested(1);
+    IFC2X3_PSet_Custom_s source;
+    source.name[0] = L's';
+    source.properties = nested(2);
     // Without memory for its list a copied set is empty, at any level.
     const std::set<std::wstring> incomplete = {L"", L"t/d=1:value;c/=usage{};t/d=1:value;c/=usage{};"};
     forEachFailure([&](const Failure& failure) {
-        Set set = old;
+        IFC2X3_PSet_Custom_s set = old;
         bool thrown = false;
         const bool failed = failure.during([&] {
             try {
@@ -181,14 +209,15 @@ TEST_F(AllocationFailureTest, copiedSetIsOldOrNewOrEmptyInside) {
                 thrown = true;
             }
         });
-        const std::wstring result = describe(set);
+        const std::wstring result = describe(set.properties);
+        EXPECT_EQ(set.name[0], thrown ? L'o' : L's');
         if (thrown || !failed) {
-            EXPECT_EQ(result, describe(thrown ? old : source));
+            EXPECT_EQ(result, describe(thrown ? old.properties : source.properties));
         } else {
             EXPECT_EQ(incomplete.count(result), 1u) << testing::PrintToString(result);
         }
-        set.addProperty(text(L"usable"));
-        EXPECT_EQ(describe(set), result + L"usable/d=1:value;");
+        set.properties.addProperty(text(L"usable"));
+        EXPECT_EQ(describe(set.properties), result + L"usable/d=1:value;");
         return failed;
     });
 }

@@ -4,10 +4,14 @@
 #include <ImportCommon/StringOperations.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <future>
 #include <iostream>
 #include <iterator>
 #include <random>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -154,6 +158,12 @@ TEST(StringOperationsTest, currentLocale) {
         StringOperations::ConvertToCurrentLocale(L"abc", 3, buffer.data(), buffer.size());
         EXPECT_EQ(std::string(buffer.begin(), buffer.end()), expected);
     }
+    // What can't be a text is none.
+    for (const auto& [text, n] : {std::pair<const wchar_t*, std::size_t>(nullptr, 3), {L"abc", SIZE_MAX}}) {
+        char buffer[] = "##";
+        EXPECT_NO_THROW(StringOperations::ConvertToCurrentLocale(text, n, buffer, sizeof buffer));
+        EXPECT_EQ(std::string(buffer, sizeof buffer), "\0\0\0"s);
+    }
     EXPECT_EQ(StringOperations::ConvertToCurrentLocale(L"Gr\u00FC\u00DF"), "Gr\xC3\xBC\xC3\x9F");
     EXPECT_EQ(StringOperations::ConvertToCurrentLocale(L"a\0b"s), "a\0"s);
     EXPECT_EQ(StringOperations::ConvertToCurrentLocale(std::wstring(70000, L'x')), std::string(65535, 'x'));
@@ -176,6 +186,29 @@ TEST(StringOperationsDeathTest, eachFunctionWarnsOnce) {
     expectReport([](const std::string& s) { decodeString(s, 3); },
                  "StringOperations::StringLengthUTF8 error for string ab."
                  " StringOperations::ConvertFromUTF8, Invalid Conversion.");
+}
+
+// The first thread can't finish its message before the stream is unlocked: the other must not wait for that.
+TEST(StringOperationsDeathTest, oneOfTwoThreadsWarns) {
+    const auto race = [] {
+        std::promise<void> silent;
+        std::atomic<bool> done{false};
+        const auto fault = [&] {
+            count("ab\x80", 3);
+            if (!done.exchange(true)) {
+                silent.set_value();
+            }
+        };
+        flockfile(stderr);
+        std::thread first(fault);
+        std::thread second(fault);
+        const bool waits = silent.get_future().wait_for(std::chrono::seconds(20)) != std::future_status::ready;
+        funlockfile(stderr);
+        first.join();
+        second.join();
+        std::fputs(waits ? "both" : "one", stderr);
+    };
+    expectStderrOfFreshProcess(race, "StringOperations::StringLengthUTF8 error for string ab.one");
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -12,7 +13,7 @@ namespace ImportCommon {
 namespace {
 
 constexpr unsigned int growth = 50;
-constexpr unsigned int propertiesPerChunk = 8;
+constexpr unsigned int propertiesPerChunk = 8; // a set of one property asks for no more
 
 /** What a set shows at an index that it doesn't have. */
 class CIFC2X3PropertyNull : public IFC2X3Property {};
@@ -43,15 +44,32 @@ void* IFC2X3PropertySet::placeForProperty(unsigned int capacity) {
 /** Constructs a property in the room that makeRoom made; when that throws, nothing has changed. */
 template <typename... Arguments>
 void IFC2X3PropertySet::emplace(Arguments&&... arguments) {
-    properties_[count_] =
-        new (placeForProperty(propertiesPerChunk)) IFC2X3Property(std::forward<Arguments>(arguments)...);
+    void* const place = placeForProperty(count_ == 0 ? 1 : propertiesPerChunk);
+    properties_[count_] = new (place) IFC2X3Property(std::forward<Arguments>(arguments)...);
     ++chunks_->used;
     ++count_;
 }
 
 IFC2X3PropertySet::IFC2X3PropertySet() noexcept = default;
 
+/** A set that is still to be copied, and where to: sets nest as deep as a file says, so that no call may stand for a level. */
+struct IFC2X3PropertySet::Copying {
+    const IFC2X3PropertySet* from;
+    IFC2X3PropertySet* to;
+};
+
 IFC2X3PropertySet::IFC2X3PropertySet(const IFC2X3PropertySet& other) : IFC2X3PropertySet() {
+    std::vector<Copying> nested;
+    copyFrom(other, nested);
+    while (!nested.empty()) {
+        const Copying next = nested.back();
+        nested.pop_back();
+        next.to->copyFrom(*next.from, nested);
+    }
+}
+
+/** Fills this new set with copies; sets nested in it stay empty, and are put on the list. */
+void IFC2X3PropertySet::copyFrom(const IFC2X3PropertySet& other, std::vector<Copying>& nested) {
     if (other.count_ == 0) {
         return;
     }
@@ -62,7 +80,13 @@ IFC2X3PropertySet::IFC2X3PropertySet(const IFC2X3PropertySet& other) : IFC2X3Pro
     capacity_ = other.count_;
     placeForProperty(other.count_);
     while (count_ < other.count_) {
-        emplace(*other.properties_[count_]);
+        const IFC2X3Property& property = *other.properties_[count_];
+        std::unique_ptr<IFC2X3PropertyComplex> complex;
+        if (property.complex_) {
+            complex.reset(new IFC2X3PropertyComplex(property.complex_->usageName_, IFC2X3PropertySet()));
+            nested.push_back({&property.complex_->propertySet_, &complex->propertySet_});
+        }
+        emplace(property, std::move(complex));
     }
 }
 
@@ -128,11 +152,26 @@ void IFC2X3PropertySet::appendSingleValue(const wchar_t* name, IFC2X3PropertySin
 }
 
 void IFC2X3PropertySet::clear() {
-    std::for_each(properties_, properties_ + count_, [](IFC2X3Property* property) { property->~IFC2X3Property(); });
     count_ = 0;
     while (chunks_ != nullptr) {
-        ::operator delete(std::exchange(chunks_, chunks_->next));
+        Chunk* const chunk = std::exchange(chunks_, chunks_->next);
+        for (IFC2X3Property* property = chunk->properties(); chunk->used > 0; ++property, --chunk->used) {
+            if (property->complex_) {
+                takeChunks(property->complex_->propertySet_);
+            }
+            property->~IFC2X3Property();
+        }
+        ::operator delete(chunk);
     }
+}
+
+/** Leaves a set empty; its properties go in front of those that are still to be cleared here. */
+void IFC2X3PropertySet::takeChunks(IFC2X3PropertySet& nested) {
+    while (nested.chunks_ != nullptr) {
+        Chunk* const moved = std::exchange(nested.chunks_, nested.chunks_->next);
+        moved->next = std::exchange(chunks_, moved);
+    }
+    nested.count_ = 0;
 }
 
 /** Makes room in the list for one more property, if there is memory for it. */

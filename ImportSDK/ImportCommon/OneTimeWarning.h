@@ -12,25 +12,23 @@ namespace ImportCommon {
 
 /**
  * The one-time warning of a function: a function-local static of the function that reports. The first report goes to
- * the log, if it has a message, and stops in an attached debugger; later ones are silent. Threads that race may at
- * worst report twice.
+ * the log, if it has a message, and stops in an attached debugger; later ones are silent, also those of other threads.
  */
 class OneTimeWarning {
 public:
     template <typename... Arguments>
     void report(const char* format, Arguments... arguments) {
-        if (!reported_.load(std::memory_order_relaxed)) {
+        if (isFirst()) {
             KitLog(KitLogLevel_Warning, format, arguments...);
-            report();
+            KitDebugBreak();
         }
     }
 
     void report(const char* message) { report("%s", message); }
 
     void report() {
-        if (!reported_.load(std::memory_order_relaxed)) {
+        if (isFirst()) {
             KitDebugBreak();
-            reported_.store(true, std::memory_order_relaxed);
         }
     }
 
@@ -43,6 +41,8 @@ public:
     }
 
 private:
+    bool isFirst() { return !reported_.load(std::memory_order_relaxed) && !reported_.exchange(true); }
+
     std::atomic<bool> reported_{false};
 };
 

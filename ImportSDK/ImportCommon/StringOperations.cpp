@@ -230,7 +230,8 @@ int StringOperations::IntFromWString(const std::wstring& w) {
 }
 
 void StringOperations::ConvertToCurrentLocale(const wchar_t* w, std::size_t n, char* out, std::size_t capacity) {
-    const std::string text = ConvertToCurrentLocale(std::wstring(w, n));
+    const bool isText = w != nullptr && n <= std::wstring().max_size();
+    const std::string text = isText ? ConvertToCurrentLocale(std::wstring(w, n)) : std::string();
     const std::size_t copied = std::min(text.size(), capacity);
     std::copy_n(text.data(), copied, out);
     std::fill_n(out + copied, capacity - copied, '\0');

@@ -35,8 +35,10 @@ void* threadStart(void* argument) {
         std::memcpy(copy, launch->data, launch->size);
     }
     launch->started->raise();
-    const unsigned int result = launch->function(copy, launch->size);
-    std::free(copy);
+    unsigned int result = 0;
+    pthread_cleanup_push(&std::free, copy); // also when the function leaves by pthread_exit
+    result = launch->function(copy, launch->size);
+    pthread_cleanup_pop(1);
     return reinterpret_cast<void*>(static_cast<std::uintptr_t>(result));
 }
 

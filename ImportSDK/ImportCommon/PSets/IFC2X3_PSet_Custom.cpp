@@ -9,7 +9,9 @@ IFC2X3_PSet_Custom_s::IFC2X3_PSet_Custom_s(const IFC2X3_PSet_Custom_s& other) = 
 
 IFC2X3_PSet_Custom_s::IFC2X3_PSet_Custom_s(IFC2X3_PSet_Custom_s&& other) noexcept = default;
 
-IFC2X3_PSet_Custom_s& IFC2X3_PSet_Custom_s::operator=(const IFC2X3_PSet_Custom_s& other) = default;
+IFC2X3_PSet_Custom_s& IFC2X3_PSet_Custom_s::operator=(const IFC2X3_PSet_Custom_s& other) {
+    return *this = IFC2X3_PSet_Custom_s(other); // the copy may fail, and then nothing has changed
+}
 
 IFC2X3_PSet_Custom_s& IFC2X3_PSet_Custom_s::operator=(IFC2X3_PSet_Custom_s&& other) noexcept = default;
 

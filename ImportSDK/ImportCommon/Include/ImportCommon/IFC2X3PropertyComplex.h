@@ -48,6 +48,7 @@ protected:
 
 private:
     friend class IFC2X3Property;
+    friend class IFC2X3PropertySet;
 
     wchar_t usageName_[IFC2X3PropertySingleValue::TextSize + 1];
     IFC2X3PropertySet propertySet_;

@@ -7,12 +7,14 @@
 #include <ImportCommon/Export.h>
 #include <ImportCommon/IFC2X3PropertySingleValue.h>
 
+#include <vector>
+
 namespace ImportCommon {
 
 class IFC2X3Property;
 
 /**
- * An ordered list of properties, each owned by the set; copies are deep.
+ * An ordered list of properties, each owned by the set; copies are deep. Sets may nest to any depth: nothing recurses.
  *
  * The list grows in steps of 50. What fails for lack of memory is named at each function; a set stays valid in any
  * case.
@@ -82,8 +84,11 @@ public:
 private:
     friend class PSetBuilder;
     struct Chunk;
+    struct Copying;
 
     void swap(IFC2X3PropertySet& other) noexcept;
+    void copyFrom(const IFC2X3PropertySet& other, std::vector<Copying>& nested);
+    void takeChunks(IFC2X3PropertySet& nested);
     bool makeRoom();
     void* placeForProperty(unsigned int capacity);
     template <typename... Arguments>

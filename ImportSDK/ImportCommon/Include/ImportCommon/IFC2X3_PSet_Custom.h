@@ -42,7 +42,7 @@ struct IFC2X3_PSet_Custom_s {
     IMPORT_COMMON_API IFC2X3_PSet_Custom_s(IFC2X3_PSet_Custom_s&& other) noexcept;
 
     /**
-     * A deep copy.
+     * A deep copy; when it throws, this set is unchanged.
      * @param other  what is copied
      * @return this set
      */

@@ -18,7 +18,7 @@ public:
      *
      * The copy is made on the new thread and this call doesn't wait for it: @p data must stay valid until
      * @p function has been called, which the function can tell by raising a Signal. The copy is released when the
-     * function returns; it is null when there was no memory for it. A few dozen bytes per thread are kept until the
+     * function returns or leaves by `pthread_exit`; it is null when there was no memory for it. A few dozen bytes per thread are kept until the
      * process ends.
      *
      * @param function  what the thread does; its result is dropped
@@ -39,7 +39,11 @@ public:
     static void terminateThread(pthread_t thread, unsigned int exitCode);
 
     /**
-     * Waits for a thread to end and forgets it. A thread is closed once: its handle may name another one afterwards.
+     * Waits for a thread to end and forgets it. Threads that createThread didn't start are waited for as well.
+     *
+     * REQUIRES: 0, or a thread that may be joined and has not been closed yet. The system uses handles again, so that
+     * a second call can't be told from a first one for another thread: as with `pthread_join`, its effect is undefined.
+     *
      * @param thread  the thread
      * @return 1; 0 for a thread that createThread didn't start
      */
@@ -55,7 +59,7 @@ public:
     static bool hasEnded(pthread_t thread, unsigned int* exitCode);
 
     /**
-     * Sleeps.
+     * Sleeps; the system takes a number below 0 as an unsigned one, which is more than an hour.
      * @param microseconds  how long
      * @return 0, or -1 when the system refuses
      */
