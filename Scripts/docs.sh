@@ -8,7 +8,7 @@ output=${1:-$root/build/docs}
 mkdir -p "$output"
 output=$(cd "$output" && pwd)
 
-"$root/Scripts/install-packages.sh" doxygen graphviz
+"$root/Scripts/install-packages.sh" doxygen doxygen-awesome-css graphviz
 version=$(sed -n 's/^project(.* VERSION \([0-9.]*\).*/\1/p' "$root/CMakeLists.txt")
 cd "$root"
 doxygen - <<SETTINGS
