@@ -13,6 +13,11 @@
 #include <string_view>
 #include <vector>
 
+using IfcReader::IfcProperties;
+using IfcReader::IfcProperty;
+using IfcReader::IfcPropertySet;
+using IfcReader::IfcValue;
+
 /** A set that a record was converted to. */
 struct CommonSet {
     std::string_view record; ///< name of the record

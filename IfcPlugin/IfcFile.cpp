@@ -13,6 +13,8 @@
 #include <string_view>
 #include <vector>
 
+using namespace IfcReader;
+
 namespace {
 
 std::string readAll(const std::string& fileName) {

@@ -15,6 +15,11 @@
 #include <string>
 #include <vector>
 
+using IfcReader::IfcProperties;
+using IfcReader::IfcProperty;
+using IfcReader::IfcPropertySet;
+using IfcReader::IfcValue;
+
 /** One mesh of a product; several products may show the same mesh. */
 struct ProductMesh {
     const aiMesh* mesh;

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <unordered_set>
 
+namespace IfcReader {
+
 namespace {
 
 constexpr std::size_t globalIdLength = 22;
@@ -357,3 +359,5 @@ void IfcProperties::toModelUnit(IfcValue& value, std::string_view unit) const {
         }
     }
 }
+
+} // namespace IfcReader

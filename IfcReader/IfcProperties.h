@@ -14,6 +14,8 @@
 #include <utility>
 #include <vector>
 
+namespace IfcReader {
+
 /** A property with a value, or with properties inside it. */
 struct IfcProperty {
     std::string name; ///< UTF-8, as all texts here
@@ -121,3 +123,5 @@ private:
     std::size_t nested_ = 0; ///< properties so far inside of the one that is read
     bool isCutShort_ = false;
 };
+
+} // namespace IfcReader

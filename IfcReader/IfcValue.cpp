@@ -2,6 +2,8 @@
 
 #include "step/StepText.h"
 
+namespace IfcReader {
+
 namespace {
 
 using Kind = IfcValue::Kind;
@@ -107,3 +109,5 @@ std::string valueText(std::string_view argument) {
     }
     return std::string(argument.substr(0, argument.find_first_of(" \t\r\n/")));
 }
+
+} // namespace IfcReader

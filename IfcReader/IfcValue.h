@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+namespace IfcReader {
+
 /** A value, and for a number what it measures as far as that matters to a property. */
 struct IfcValue {
     enum class Kind { Absent, Text, Boolean, Logical, Integer, Real, Length, Angle };
@@ -27,3 +29,5 @@ IfcValue listValueOf(std::string_view list);
 
 /** How a value reads among others; empty for an absent one. */
 std::string valueText(std::string_view argument);
+
+} // namespace IfcReader

@@ -1,11 +1,15 @@
 #include "step/StepText.h"
 
+#include "step/IsoLatin.h"
+
 #include <charconv>
+
+namespace IfcReader {
 
 namespace {
 
 bool isBlank(char c) {
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+    return static_cast<unsigned char>(c) <= ' ';
 }
 
 bool isWordCharacter(char c) {
@@ -138,7 +142,11 @@ std::optional<std::string_view> StepArguments::next() {
         return std::nullopt;
     }
     first_ = false;
-    return takeUpTo(rest_, ',', ')', true);
+    std::string_view argument = takeUpTo(rest_, ',', ')', true);
+    while (!argument.empty() && isBlank(argument.back())) {
+        argument.remove_suffix(1);
+    }
+    return argument;
 }
 
 std::string_view StepArguments::nextAfter(std::size_t count) {
@@ -269,6 +277,7 @@ void appendUnits(std::string& out, std::string_view& text, std::size_t digits) {
 
 std::string decodeStepText(std::string_view text) {
     std::string out;
+    int part = 1; // of ISO 8859
     out.reserve(text.size());
     while (!text.empty()) {
         const std::size_t plain = text.find_first_of("'\\\r\n");
@@ -288,8 +297,15 @@ std::string decodeStepText(std::string_view text) {
         } else if (takePrefix(text, "\\X\\")) {
             appendUtf8(out, takeHex(text, 2).value_or('?'));
         } else if (text.size() > 3 && takePrefix(text, "\\S\\")) {
-            appendUtf8(out, 0x80u | static_cast<unsigned char>(text[0]));
+            appendUtf8(out, isoLatinCharacter(part, static_cast<unsigned char>(0x80 | text[0])));
             text.remove_prefix(1);
+        } else if (text.size() > 3 && text[1] == 'P' && text[3] == '\\' && text[2] >= 'A' && text[2] <= 'I') {
+            part = text[2] - 'A' + 1;
+            text.remove_prefix(4);
+        } else if (takePrefix(text, "\\N\\")) {
+            out += '\n';
+        } else if (takePrefix(text, "\\T\\")) {
+            out += '\t';
         } else {
             if (text[0] != '\r' && text[0] != '\n') { // a long text may be broken into lines anywhere
                 out += text[0];
@@ -299,3 +315,5 @@ std::string decodeStepText(std::string_view text) {
     }
     return out;
 }
+
+} // namespace IfcReader

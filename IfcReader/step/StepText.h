@@ -13,6 +13,8 @@
 #include <string_view>
 #include <vector>
 
+namespace IfcReader {
+
 /** One instance: #7=IFCWALL('2O2Fr$t4X7Zf8NOew3FNtn',#33,'Wall'); */
 struct StepInstance {
     std::uint64_t id = 0;
@@ -38,7 +40,7 @@ public:
     /** @param text begins behind the opening parenthesis */
     explicit StepArguments(std::string_view text) : rest_(text) {}
 
-    /** The next argument without blanks before it; nothing when there are no more. */
+    /** The next argument without blanks around it; nothing when there are no more. */
     std::optional<std::string_view> next();
 
     /** The argument that comes after @p count others; empty when there is none. */
@@ -80,3 +82,5 @@ std::optional<StepTyped> stepTyped(std::string_view argument);
 
 /** A text of the file in UTF-8: quotes and backslashes are doubled there, other letters escaped. */
 std::string decodeStepText(std::string_view text);
+
+} // namespace IfcReader
