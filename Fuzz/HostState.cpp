@@ -7,6 +7,7 @@
 #include "comparison/Comparison.h"
 #include "state/Files.h"
 #include "state/ObjectRecord.h"
+#include "state/ObjectStreams.h"
 #include "state/StateFolder.h"
 
 #include <PluginKit/Text.h>
@@ -74,7 +75,7 @@ void checkLine(const std::string& text) {
     }
     const std::string line = recordToLine(record);
     require(recordToLine(recordFromLine(line)) == line, "record read back");
-    identityText(record.identity);
+    identityText(record);
     require(unescaped(escaped(record.name)) == record.name, "escapes");
     require(validUtf8(printable(record.name)) == printable(record.name), "printable text");
 }
@@ -88,7 +89,7 @@ void checkState(const std::string& content) {
         StateFolder state(folder.path());
         lines = linesOf(state.objects());
         compare(state.objects(), state.objects());
-        state.prepare(state.objects());
+        state.prepare(state.model(), state.objects());
         state.commit();
     } catch (const Failure&) {
         require(readFile(folder.path() + "/objects.state") == content, "a refused state is left as it was");

@@ -11,6 +11,7 @@
 #include "output/Table.h"
 #include "session/ImportSession.h"
 #include "state/Files.h"
+#include "state/ObjectStreams.h"
 #include "state/StateFolder.h"
 
 #include <ImportCommon/FileOperations.h>
@@ -24,6 +25,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <optional>
 
 namespace fs = std::filesystem;
 
@@ -66,6 +68,10 @@ std::string warnings(const std::string& outputFolder) {
     return text;
 }
 
+std::optional<ImportedModel> previousModel(const StateFolder& state) {
+    return state.hasObjects() ? std::optional<ImportedModel>(state.model()) : std::nullopt;
+}
+
 void importAndCompare(const Arguments& arguments) {
     checkReadable(arguments.model);
     checkReadable(arguments.plugin);
@@ -74,15 +80,17 @@ void importAndCompare(const Arguments& arguments) {
     runImport({fs::absolute(arguments.model).string(), fs::absolute(arguments.plugin).string(),
                fs::absolute(state.outputFolder()).string(), arguments.environmentVersion});
     const std::vector<ObjectRecord> objects = readObjects(state.outputFolder(), arguments.plugin);
-    const std::vector<Change> changes = compare(state.objects(), objects);
+    const Comparison comparison = compare(state.objects(), objects);
+    const ImportedModel model = {arguments.model, currentTime()};
 
     // Everything is written before the first file takes its place, and the state comes last: whatever fails, the next
     // import still compares with what this one compared with.
     const std::string title = fs::path(arguments.model).filename().string();
-    PendingFile report(arguments.report, arguments.report.empty() ? "" : reportText(arguments.model, changes));
-    PendingFile picture(arguments.picture, arguments.picture.empty() ? "" : pictureText(title, changes));
-    state.prepare(objects);
-    print(warnings(state.outputFolder()) + tableText(changes, !state.hasObjects()));
+    PendingFile report(arguments.report,
+                       arguments.report.empty() ? "" : reportText(model, previousModel(state), comparison));
+    PendingFile picture(arguments.picture, arguments.picture.empty() ? "" : pictureText(title, comparison));
+    state.prepare(model, objects);
+    print(warnings(state.outputFolder()) + tableText(comparison, !state.hasObjects()));
     report.commit();
     picture.commit();
     state.commit();
@@ -133,7 +141,7 @@ int main(int count, char** texts) {
         if (arguments.help) {
             print(std::string(usage) + '\n');
         } else if (!arguments.list.empty()) {
-            print(listingText(StateFolder::read(arguments.list)));
+            print(listingText(StateFolder::read(arguments.list).objects));
         } else if (fs::is_directory(arguments.model)) {
             return importFolder(arguments);
         } else {

@@ -29,7 +29,8 @@ TEST_F(ImportExampleTest, everyEditGetsItsStatus) {
             found[status].insert(object["identity"]);
         }
         EXPECT_EQ(object.contains("previousIdentity"), status == "reidentified");
-        EXPECT_EQ(object.contains("previousClass"), status == "reclassed");
+        EXPECT_EQ(object.contains("confidence"), status == "reidentified");
+        EXPECT_EQ(object.value("before", json::object()).contains("class"), status == "reclassed");
         EXPECT_EQ(object["distance"].is_null(), status == "added" || status == "removed");
         EXPECT_TRUE(status != "moved" || object["distance"] > 0.001) << object;
         EXPECT_TRUE(status != "unchanged" || (object["similarity"] == 1.0 && object["distance"] == 0.0)) << object;
@@ -209,7 +210,8 @@ TEST_F(ImportExampleTest, foreignAndDamagedStatesAreRefused) {
     damaged[state.size() / 2] = damaged[state.size() / 2] == '1' ? '2' : '1';
     const std::pair<std::string, const char*> states[] = {{"", "not a state"},
                                                           {"notes\n", "not a state"},
-                                                          {replaced(state, " 2\n", " 3\n"), "another version"},
+                                                          {replaced(state, " 3\n", " 4\n"), "another version"},
+                                                          {replaced(state, "model\t", ""), "does not name its model"},
                                                           {state.substr(0, state.size() - 1), "incomplete"},
                                                           {state.substr(0, state.size() / 2), "incomplete"},
                                                           {damaged, ""}};

@@ -21,18 +21,36 @@ std::string withTableProperty(const std::string& house, const std::string& insta
                         "ENDSEC;\nEND-ISO");
 }
 
-/** A state as version 1 wrote it: lines without properties. */
-std::string stateOfVersion1(const std::string& state) {
+std::vector<std::string> fieldsOf(const std::string& line) {
+    std::vector<std::string> fields(1);
+    for (const char c : line) {
+        if (c == '\t') {
+            fields.emplace_back();
+        } else {
+            fields.back() += c;
+        }
+    }
+    return fields;
+}
+
+/** A state as an earlier format had it: without the model and what else came later, and at first without properties. */
+std::string stateOfFormat(int format, const std::string& state) {
     std::istringstream lines(state);
     std::string line;
     std::getline(lines, line);
-    std::string text = "import-host-state 1\n";
+    std::getline(lines, line);
+    std::string text = "import-host-state " + std::to_string(format) + '\n';
     while (std::getline(lines, line) && line.compare(0, 4, "end ") != 0) {
-        std::size_t end = 0;
-        for (int field = 0; field < 7; ++field) {
-            end = line.find('\t', end + 1);
+        const std::vector<std::string> fields = fieldsOf(line);
+        for (std::size_t i = 0; i < 6; ++i) {
+            text += fields[i] + '\t';
         }
-        text += line.substr(0, end) + '\n';
+        text += fields[7];
+        const std::size_t attributes = fields[10] == "-" ? 0 : std::stoul(fields[10]);
+        for (std::size_t i = 11 + 2 * attributes; format > 1 && i < fields.size(); ++i) {
+            text += '\t' + fields[i];
+        }
+        text += '\n';
     }
     std::uint64_t sum = 0xcbf29ce484222325u;
     for (const char c : text) {
@@ -189,14 +207,18 @@ TEST_F(ImportPropertiesTest, streamsHoldSetsAndSolids) {
     EXPECT_EQ(count, 35);
 }
 
-TEST_F(ImportPropertiesTest, statesWithoutPropertiesStillServe) {
-    const std::size_t objects = import(house_)["objects"].size();
-    writeFile(file("state/objects.state"), stateOfVersion1(readFile(file("state/objects.state"))));
+TEST_F(ImportPropertiesTest, statesOfEarlierFormatsStillServe) {
     const std::string edited = replaced(house_, "IFCMASSMEASURE(31.5)", "IFCMASSMEASURE(30.)");
-    const json report = import(edited);
-    EXPECT_EQ(report["counts"]["unchanged"], objects);
-    EXPECT_TRUE(changedProperties(report).empty());
-    EXPECT_EQ(import(house_)["counts"]["properties"], 1);
+    for (const int format : {1, 2}) {
+        SCOPED_TRACE(format);
+        const std::size_t objects = import(house_)["objects"].size();
+        writeFile(file("state/objects.state"), stateOfFormat(format, readFile(file("state/objects.state"))));
+        const json report = import(edited);
+        EXPECT_EQ(report["counts"]["properties"], format - 1);
+        EXPECT_EQ(report["counts"]["unchanged"], objects - static_cast<std::size_t>(format - 1));
+        EXPECT_EQ(report["previous"], json::parse(R"({"model": null, "time": null})"));
+        EXPECT_EQ(import(house_)["counts"]["properties"], 1);
+    }
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <ImportCommon/ExternalGUIDDatabase.h>
 
+#include <algorithm>
 #include <cmath>
 #include <deque>
 #include <limits>
@@ -52,11 +53,8 @@ ExternalVersion movedBack(const ExternalVersion& now, const ExternalVersion& bef
                            centroidOf(before).data());
 }
 
-/** Status of an object that is there under the same identity. */
-Status statusOf(const ObjectRecord& before, const ObjectRecord& now) {
-    if (before.className != now.className) {
-        return Status::Reclassed;
-    }
+/** What became of the shape and place of an object. */
+Status geometryStatusOf(const ObjectRecord& before, const ObjectRecord& now) {
     if (bothSolid(before, now)) {
         if (!(movedBack(now.version, before.version) == before.version)) {
             return Status::Reshaped;
@@ -102,9 +100,6 @@ void matchIdentities(ExternalGUIDDatabase& database, const std::vector<ObjectRec
     for (Change& change : changes) {
         const ExternalGUIDRuntimeID_e id = database.findGUID(change.now->identity);
         change.before = take(known, id, [](const ObjectRecord&) { return true; });
-        if (change.before != nullptr) {
-            change.status = statusOf(*change.before, *change.now);
-        }
     }
 }
 
@@ -124,20 +119,43 @@ void matchSpatialHashes(ExternalGUIDDatabase& database, const std::vector<const 
             change.before = take(known, id, [&](const ObjectRecord& object) {
                 return object.className == change.now->className && (!sameName || object.name == change.now->name);
             });
-            if (change.before != nullptr) {
-                change.status = Status::Reidentified;
-            }
         }
     }
 }
 
-void compareProperties(Change& change) {
-    if (change.before == nullptr) {
-        return;
+Vector3 centreOf(const Change& change, const ObjectRecord& record) {
+    return bothSolid(*change.before, *change.now) ? centroidOf(record.version) : record.position;
+}
+
+/** What applies to an object that is there before and now. */
+void describe(Change& change) {
+    const ObjectRecord& before = *change.before;
+    const ObjectRecord& now = *change.now;
+    if (identityText(before) != identityText(now)) {
+        change.changes.push_back(Status::Reidentified);
     }
-    change.properties = differencesOf(change.before->properties, change.now->properties);
-    if (change.status == Status::Unchanged && !change.properties.empty()) {
-        change.status = Status::Properties;
+    if (before.className != now.className) {
+        change.changes.push_back(Status::Reclassed);
+    }
+    const Status geometry = geometryStatusOf(before, now);
+    if (geometry != Status::Unchanged) {
+        change.changes.push_back(geometry);
+    }
+    change.properties = differencesOf(before, now);
+    if (!change.properties.empty()) {
+        change.changes.push_back(Status::Properties);
+    }
+
+    Motion motion;
+    const Vector3 from = centreOf(change, before);
+    const Vector3 to = centreOf(change, now);
+    for (std::size_t k = 0; k < from.size(); ++k) {
+        motion.shift[k] = to[k] - from[k];
+    }
+    change.similarity = now.version.similarity(before.version);
+    change.distance = std::hypot(motion.shift[0], motion.shift[1], motion.shift[2]);
+    if (geometry == Status::Moved) {
+        change.move = motion;
     }
 }
 
@@ -183,38 +201,37 @@ const char* statusName(Status status) {
     return "";
 }
 
-double similarityOf(const Change& change) {
-    if (change.before == nullptr || change.now == nullptr) {
-        return std::numeric_limits<double>::quiet_NaN();
-    }
-    return change.now->version.similarity(change.before->version);
+bool Change::has(Status status) const {
+    return std::find(changes.begin(), changes.end(), status) != changes.end();
 }
 
-double distanceOf(const Change& change) {
-    if (change.before == nullptr || change.now == nullptr) {
-        return std::numeric_limits<double>::quiet_NaN();
-    }
-    const bool solid = bothSolid(*change.before, *change.now);
-    const std::array<double, 3> from = solid ? centroidOf(change.before->version) : change.before->position;
-    const std::array<double, 3> to = solid ? centroidOf(change.now->version) : change.now->position;
-    return std::hypot(to[0] - from[0], to[1] - from[1], to[2] - from[2]);
+std::size_t Comparison::count(Status status) const {
+    return static_cast<std::size_t>(
+        std::count_if(changes.begin(), changes.end(), [&](const Change& change) { return change.status() == status; }));
 }
 
-std::vector<Change> compare(const std::vector<ObjectRecord>& before, const std::vector<ObjectRecord>& now) {
-    std::vector<Change> changes;
-    changes.reserve(now.size());
-    for (const ObjectRecord& object : now) {
-        changes.push_back({Status::Added, nullptr, &object});
+Comparison compare(const std::vector<ObjectRecord>& before, const std::vector<ObjectRecord>& now) {
+    Comparison comparison;
+    std::vector<Change>& changes = comparison.changes;
+    changes.resize(now.size());
+    for (std::size_t i = 0; i < now.size(); ++i) {
+        changes[i].now = &now[i];
     }
 
     ExternalGUIDDatabase database;
     matchIdentities(database, before, changes);
     matchSpatialHashes(database, goneObjects(before, changes), changes);
-    for (Change& change : changes) {
-        compareProperties(change);
-    }
     for (const ObjectRecord* object : goneObjects(before, changes)) {
-        changes.push_back({Status::Removed, object, nullptr});
+        changes.emplace_back().before = object;
     }
-    return changes;
+    for (Change& change : changes) {
+        if (change.before != nullptr && change.now != nullptr) {
+            describe(change);
+            continue;
+        }
+        change.changes = {change.before == nullptr ? Status::Added : Status::Removed};
+        change.similarity = std::numeric_limits<double>::quiet_NaN();
+        change.distance = std::numeric_limits<double>::quiet_NaN();
+    }
+    return comparison;
 }

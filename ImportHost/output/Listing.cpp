@@ -13,7 +13,7 @@ namespace {
 
 constexpr int identitySize = 16 + 2 * 88; ///< of the longest text of an identity, a spatial hash's
 
-/** A row as the table stores it. */
+/** A row as the table stores it; of a longer identity it holds the beginning. */
 struct Row {
     std::int32_t number;
     char identity[identitySize];
@@ -40,7 +40,7 @@ std::string listingText(const std::vector<ObjectRecord>& objects) {
     for (std::size_t i = 0; i < objects.size(); ++i) {
         Row row{};
         row.number = static_cast<std::int32_t>(i);
-        std::snprintf(row.identity, sizeof row.identity, "%s", identityText(objects[i].identity).c_str());
+        std::snprintf(row.identity, sizeof row.identity, "%s", identityText(objects[i]).c_str());
         if (dbf_insert(table.get(), &row) != DBF_OK) {
             throw std::bad_alloc();
         }
@@ -53,7 +53,7 @@ std::string listingText(const std::vector<ObjectRecord>& objects) {
     std::string text;
     for (Row row; dbf_fetch(cursor.get(), &row) == DBF_OK;) {
         const ObjectRecord& object = objects[static_cast<std::size_t>(row.number)];
-        text += std::string(row.identity) + "  " + printable(object.className) + "  " + printable(object.name) + '\n';
+        text += identityText(object) + "  " + printable(object.className) + "  " + printable(object.name) + '\n';
     }
     return text + std::to_string(objects.size()) + (objects.size() == 1 ? " object\n" : " objects\n");
 }

@@ -95,7 +95,7 @@ double boxArea(const Footprint& footprint) {
 
 std::string objectPath(const Plan& plan, const Change& change) {
     const ObjectRecord& record = change.record();
-    std::string text = "<path class=\"" + std::string(statusName(change.status)) + "\" d=\"";
+    std::string text = "<path class=\"" + std::string(statusName(change.status())) + "\" d=\"";
     for (const auto& polygon : record.footprint) {
         char command = 'M';
         for (const Point& p : polygon) {
@@ -105,7 +105,7 @@ std::string objectPath(const Plan& plan, const Change& change) {
         text += 'Z';
     }
     return text + "\"><title>" + xmlText(record.className) + ' ' + xmlText(record.name) + " (" +
-           statusName(change.status) + ')' +
+           statusName(change.status()) + ')' +
            xmlText((change.properties.empty() ? "" : " ") + shortText(change.properties)) + "</title></path>\n";
 }
 
@@ -119,7 +119,7 @@ std::string objectPaths(const Plan& plan, const std::vector<Change>& changes) {
     std::vector<Drawn> drawn;
     for (const Change& change : changes) {
         if (!change.record().footprint.empty()) {
-            drawn.push_back({&change, change.status != Status::Unchanged, boxArea(change.record().footprint)});
+            drawn.push_back({&change, change.status() != Status::Unchanged, boxArea(change.record().footprint)});
         }
     }
     std::stable_sort(drawn.begin(), drawn.end(), [](const Drawn& a, const Drawn& b) {
@@ -132,15 +132,13 @@ std::string objectPaths(const Plan& plan, const std::vector<Change>& changes) {
     return text;
 }
 
-std::string legend(const std::vector<Change>& changes) {
+std::string legend(const Comparison& comparison) {
     std::string text;
     double x = margin;
     for (const Status status : allStatuses) {
-        const auto count = std::count_if(changes.begin(), changes.end(),
-                                         [&](const Change& change) { return change.status == status; });
         text += "<rect class=\"" + std::string(statusName(status)) + "\" x=\"" + number(x) +
                 "\" y=\"56\" width=\"18\" height=\"18\"/><text x=\"" + number(x + 23.0) + "\" y=\"70\">" +
-                statusName(status) + ' ' + std::to_string(count) + "</text>\n";
+                statusName(status) + ' ' + std::to_string(comparison.count(status)) + "</text>\n";
         x += (pictureWidth - 2.0 * margin) / static_cast<double>(std::size(allStatuses));
     }
     return text;
@@ -178,8 +176,8 @@ path { stroke-linejoin: round; stroke-width: 2; paint-order: stroke; opacity: 0.
 
 } // namespace
 
-std::string pictureText(const std::string& title, const std::vector<Change>& changes) {
-    const Plan plan(changes);
+std::string pictureText(const std::string& title, const Comparison& comparison) {
+    const Plan plan(comparison.changes);
     const std::string width = number(pictureWidth);
     const std::string height = number(headHeight + plan.height + footHeight);
 
@@ -187,7 +185,7 @@ std::string pictureText(const std::string& title, const std::vector<Change>& cha
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " + width +
         ' ' + height + "\" width=\"" + width + "\" height=\"" + height + "\">\n" + style +
         "<rect width=\"100%\" height=\"100%\" fill=\"#fff\"/>\n<text class=\"title\" x=\"" + number(margin) +
-        "\" y=\"36\">" + xmlText(title) + "</text>\n" + legend(changes);
-    text += objectPaths(plan, changes);
+        "\" y=\"36\">" + xmlText(title) + "</text>\n" + legend(comparison);
+    text += objectPaths(plan, comparison.changes);
     return text + scaleBar(plan) + "</svg>\n";
 }

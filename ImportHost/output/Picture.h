@@ -7,7 +7,6 @@
 #include "comparison/Comparison.h"
 
 #include <string>
-#include <vector>
 
 /** SVG: the plan of all objects, coloured by status, with a legend. */
-std::string pictureText(const std::string& title, const std::vector<Change>& changes);
+std::string pictureText(const std::string& title, const Comparison& comparison);

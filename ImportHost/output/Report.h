@@ -5,9 +5,14 @@
 #pragma once
 
 #include "comparison/Comparison.h"
+#include "state/StateFolder.h"
 
+#include <optional>
 #include <string>
-#include <vector>
 
-/** JSON: the model, the count of every status, and all objects. */
-std::string reportText(const std::string& model, const std::vector<Change>& changes);
+/** The format of the report; Docs/report.schema.json describes it. */
+constexpr int reportFormat = 2;
+
+/** JSON: the model, the one it was compared with, how the whole was displaced, counts, and all objects. */
+std::string reportText(const ImportedModel& model, const std::optional<ImportedModel>& previous,
+                       const Comparison& comparison);

@@ -27,14 +27,23 @@ std::string fixed(double value, int digits, const char* unit) {
 }
 
 std::string whatHappened(const Change& change) {
-    std::string status = statusName(change.status);
-    if (change.status == Status::Reclassed) {
-        return status + ", was " + printable(change.before->className);
+    std::string text = change.changes.empty() ? statusName(Status::Unchanged) : "";
+    for (const Status status : change.changes) {
+        text += (text.empty() ? "" : ", ") + std::string(statusName(status));
+        if (status == Status::Reclassed) {
+            text += " (was " + printable(change.before->className) + ')';
+        } else if (status == Status::Reidentified) {
+            text += " (was " + printable(identityText(*change.before)) + ')';
+        }
     }
-    if (change.status == Status::Reidentified) {
-        return status + ", was " + printable(identityText(change.before->identity));
+    if (change.perhaps) {
+        text += std::string(change.now != nullptr ? ", perhaps was " : ", perhaps is ") +
+                printable(identityText(*change.perhaps->object));
     }
-    return status;
+    for (const std::string& note : change.notes) {
+        text += ", " + printable(note);
+    }
+    return text;
 }
 
 std::string alignedText(const std::vector<Row>& rows) {
@@ -57,26 +66,20 @@ std::string alignedText(const std::vector<Row>& rows) {
 
 } // namespace
 
-std::string tableText(const std::vector<Change>& changes, bool firstImport) {
+std::string tableText(const Comparison& comparison, bool firstImport) {
     std::string text;
     std::vector<Row> rows = {{"class", "name", "id", "what happened", "similarity", "moved by", "properties"}};
     for (const Status status : allStatuses) {
-        std::size_t count = 0;
-        for (const Change& change : changes) {
-            if (change.status != status) {
-                continue;
-            }
-            ++count;
+        for (const Change& change : comparison.changes) {
             const ObjectRecord& record = change.record();
-            if (status != Status::Unchanged) {
-                rows.push_back({printable(record.className), printable(record.name),
-                                printable(identityText(record.identity)), whatHappened(change),
-                                fixed(similarityOf(change), 3, ""), fixed(distanceOf(change), 3, " m"),
+            if (change.status() == status && status != Status::Unchanged) {
+                rows.push_back({printable(record.className), printable(record.name), printable(identityText(record)),
+                                whatHappened(change), fixed(change.similarity, 3, ""), fixed(change.distance, 3, " m"),
                                 shortText(change.properties)});
             }
         }
         char line[64];
-        std::snprintf(line, sizeof line, "%-13s %6zu\n", statusName(status), count);
+        std::snprintf(line, sizeof line, "%-13s %6zu\n", statusName(status), comparison.count(status));
         text += line;
     }
     if (firstImport) {

@@ -7,7 +7,6 @@
 #include "comparison/Comparison.h"
 
 #include <string>
-#include <vector>
 
 /** The count of every status, and a line for each object that is not unchanged. */
-std::string tableText(const std::vector<Change>& changes, bool firstImport);
+std::string tableText(const Comparison& comparison, bool firstImport);

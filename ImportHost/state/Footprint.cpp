@@ -1,5 +1,7 @@
 #include "state/Footprint.h"
 
+#include "state/Numbers.h"
+
 #include <PluginKit/Text.h>
 
 #include <algorithm>
@@ -9,14 +11,6 @@
 #include <utility>
 
 namespace {
-
-double toCoordinate(std::string_view text) {
-    const double coordinate = toDouble(text);
-    if (!std::isfinite(coordinate)) {
-        throw std::runtime_error("a coordinate is not finite");
-    }
-    return coordinate;
-}
 
 using Polygon = std::vector<Point>;
 

@@ -1,11 +1,9 @@
 #include "state/ObjectRecord.h"
 
-#include "Failure.h"
-#include "state/Files.h"
+#include "state/Numbers.h"
 
 #include <PluginKit/Text.h>
 
-#include <cmath>
 #include <stdexcept>
 
 using namespace ImportCommon;
@@ -26,6 +24,35 @@ ExternalGUID guidFromHex(std::string_view text) {
     return guid;
 }
 
+/** Throws unless all numbers of a version may be those of an object in the world. */
+void checkRange(const ExternalVersion& version) {
+    const auto check = [](double number, double low, double high) {
+        if (!(number >= low && number <= high)) {
+            throw std::runtime_error("a version's value is not finite or out of range");
+        }
+    };
+    const bool isSolid = version.getType() == ExternalVersionType_Solid;
+    Vector3 values{};
+    version.getBoundingBox(&values[0], &values[1], &values[2]);
+    for (const double size : values) {
+        check(size, 0.0, 2.0 * farthest);
+    }
+    if (isSolid || version.getType() == ExternalVersionType_Geometry) {
+        double distances[8] = {};
+        version.getDistances(distances);
+        for (const double distance : distances) {
+            check(distance, 0.0, 4.0 * farthest);
+        }
+    }
+    if (isSolid) {
+        check(version.getVolume(), 0.0, 8.0 * farthest * farthest * farthest);
+        version.getCenteroid(&values[0], &values[1], &values[2]);
+        for (const double coordinate : values) {
+            check(coordinate, -farthest, farthest);
+        }
+    }
+}
+
 ExternalVersion versionFromHex(std::string_view text) {
     const std::string bytes = fromHex(text);
     ExternalVersion version;
@@ -36,6 +63,7 @@ ExternalVersion versionFromHex(std::string_view text) {
         version.toByteStream(maxVersionSize, written) != bytes.size() || bytes.empty()) {
         throw std::runtime_error("not a version");
     }
+    checkRange(version);
     return version;
 }
 
@@ -45,9 +73,7 @@ std::string guidToHex(const ExternalGUID& guid) {
     return toHex(bytes, size);
 }
 
-} // namespace
-
-std::string identityText(const ExternalGUID& identity) {
+std::string guidText(const ExternalGUID& identity) {
     if (identity.getType() == ExternalGUID::GUIDTypeIFCGlobalID) {
         return identity.getIFCGlobalID();
     }
@@ -62,86 +88,165 @@ std::string identityText(const ExternalGUID& identity) {
     return "spatial-hash-" + toHex(bytes + 8, size - 8);
 }
 
-std::string recordToLine(const ObjectRecord& record) {
-    char version[maxVersionSize];
-    const unsigned int versionSize = record.version.toByteStream(maxVersionSize, version);
-    return guidToHex(record.identity) + '\t' + guidToHex(record.spatialHash) + '\t' + toHex(version, versionSize) +
-           '\t' + escaped(record.className) + '\t' + numberText(record.position[0]) + ' ' +
-           numberText(record.position[1]) + ' ' + numberText(record.position[2]) + '\t' + escaped(record.name) + '\t' +
-           footprintToText(record.footprint) + '\t' + propertyListToFields(record.properties);
+/** The box around the position that the version tells. */
+Box boxOfVersion(const ObjectRecord& record) {
+    Vector3 size{};
+    record.version.getBoundingBox(&size[0], &size[1], &size[2]);
+    Box box;
+    for (std::size_t k = 0; k < size.size(); ++k) {
+        box.low[k] = record.position[k] - size[k] / 2.0;
+        box.high[k] = record.position[k] + size[k] / 2.0;
+    }
+    return box;
 }
 
-ObjectRecord recordFromLine(std::string_view line) {
-    const std::vector<std::string_view> fields = split(line, '\t');
-    if (fields.size() < 6) {
+std::string boxToText(const Box& box) {
+    return vectorText(box.low) + ' ' + vectorText(box.high);
+}
+
+Box boxFromText(std::string_view text) {
+    const std::vector<std::string_view> fields = split(text, ' ');
+    Box box;
+    if (fields.size() != box.low.size() + box.high.size()) {
+        throw std::runtime_error("not a box");
+    }
+    for (std::size_t k = 0; k < box.low.size(); ++k) {
+        box.low[k] = toCoordinate(fields[k]);
+        box.high[k] = toCoordinate(fields[k + box.low.size()]);
+        if (box.low[k] > box.high[k]) {
+            throw std::runtime_error("not a box");
+        }
+    }
+    return box;
+}
+
+/** Their number, or a dash where they are not known, and the names and values. */
+std::string attributesToFields(const std::optional<Attributes>& attributes) {
+    if (!attributes) {
+        return "-";
+    }
+    std::string text = std::to_string(attributes->size());
+    for (const auto& [name, value] : *attributes) {
+        text += '\t' + escaped(name) + '\t' + escaped(value);
+    }
+    return text;
+}
+
+/** Reads attributes from @p fields on; @p next is the field behind them. */
+std::optional<Attributes> attributesFromFields(const std::vector<std::string_view>& fields, std::size_t& next) {
+    const std::string_view head = fields[next++];
+    if (head == "-") {
+        return std::nullopt;
+    }
+    const long count = toLong(head);
+    if (count < 0 || static_cast<unsigned long>(count) > (fields.size() - next) / 2) {
+        throw std::runtime_error("attributes are missing");
+    }
+    Attributes attributes;
+    for (long i = 0; i < count; ++i, next += 2) {
+        attributes[unescaped(fields[next])] = unescaped(fields[next + 1]);
+    }
+    return attributes;
+}
+
+/** The fields that begin a line of the state as they begin a line of the stream. */
+constexpr std::size_t commonFields = 6;
+
+ObjectRecord readCommonFields(const std::vector<std::string_view>& fields) {
+    if (fields.size() < commonFields) {
         throw std::runtime_error("too few fields");
     }
-
     ObjectRecord record;
     record.identity = guidFromHex(fields[0]);
     record.spatialHash = guidFromHex(fields[1]);
     record.version = versionFromHex(fields[2]);
     record.className = unescaped(fields[3]);
-    const std::vector<std::string_view> coordinates = split(fields[4], ' ');
-    if (coordinates.size() != record.position.size()) {
-        throw std::runtime_error("not a position");
-    }
-    for (std::size_t i = 0; i < coordinates.size(); ++i) {
-        record.position[i] = toDouble(coordinates[i]);
-        if (!std::isfinite(record.position[i])) {
-            throw std::runtime_error("not a position");
-        }
-    }
+    record.position = toVector(fields[4]);
     record.name = unescaped(fields[5]);
-    if (fields.size() > 6) {
-        record.footprint = footprintFromText(fields[6]);
-    }
-    if (fields.size() > 7) {
-        record.properties =
-            propertyListFromFields(line.substr(static_cast<std::size_t>(fields[7].data() - line.data())));
-    }
+    record.box = boxOfVersion(record);
     return record;
 }
 
-std::vector<ObjectRecord> readObjects(const std::string& folder, const std::string& plugin) {
-    const std::string content = readFile(folder + "/objects");
-    std::vector<ObjectRecord> records;
-    bool complete = false;
-    for (const std::string_view line : split(content, '\n')) {
-        try {
-            if (complete && !line.empty()) {
-                throw std::runtime_error("text behind the closing line");
-            }
-            if (line.compare(0, 4, "end\t") == 0) {
-                complete = line.substr(4) == std::to_string(records.size());
-            } else if (!line.empty()) {
-                records.push_back(recordFromLine(line));
-            }
-        } catch (const std::runtime_error& e) {
-            throw Failure(plugin, "wrong objects stream, line " + std::to_string(records.size() + 1) + ": " + e.what());
-        }
-    }
-    if (!complete) {
-        throw Failure(plugin, "incomplete objects stream: no closing line with the number of objects");
-    }
+/** The properties of a line of the state, from a field on to the end. */
+PropertyList readProperties(std::string_view line, std::string_view firstField) {
+    return propertyListFromFields(line.substr(static_cast<std::size_t>(firstField.data() - line.data())));
+}
 
-    const std::string polygons = readFile(folder + "/polygons");
-    try {
-        std::vector<Footprint> footprints = readFootprints(polygons, records.size());
-        for (std::size_t i = 0; i < records.size(); ++i) {
-            records[i].footprint = std::move(footprints[i]);
-        }
-    } catch (const std::runtime_error& e) {
-        throw Failure(plugin, std::string("wrong polygons stream, ") + e.what());
+/** What formats 1 and 2 have behind the common fields. */
+void readOldFields(std::string_view line, const std::vector<std::string_view>& fields, ObjectRecord& record) {
+    if (fields.size() > commonFields) {
+        record.footprint = footprintFromText(fields[commonFields]);
     }
-    const std::string attributes = readFile(folder + "/attributes");
-    try {
-        std::vector<PropertyList> properties = readPropertyLists(attributes, records.size());
-        for (std::size_t i = 0; i < records.size(); ++i) {
-            records[i].properties = std::move(properties[i]);
-        }
-    } catch (const std::runtime_error& e) {
-        throw Failure(plugin, std::string("wrong attributes stream, ") + e.what());
+    if (fields.size() > commonFields + 1) {
+        record.properties = readProperties(line, fields[commonFields + 1]);
+        record.properties.areUnitsKnown = false;
     }
-    return records;
+}
+
+} // namespace
+
+std::optional<double> volumeOf(const ObjectRecord& record) {
+    if (record.version.getType() != ExternalVersionType_Solid) {
+        return std::nullopt;
+    }
+    return record.version.getVolume();
+}
+
+std::optional<std::string> attributeOf(const ObjectRecord& record, std::string_view attribute) {
+    if (!record.attributes) {
+        return std::nullopt;
+    }
+    const auto found = record.attributes->find(attribute);
+    return found == record.attributes->end() ? std::nullopt : std::optional<std::string>(found->second);
+}
+
+std::string identityText(const ObjectRecord& record) {
+    return record.sourceId.empty() ? guidText(record.identity) : record.sourceId;
+}
+
+std::string recordToLine(const ObjectRecord& record) {
+    char version[maxVersionSize];
+    const unsigned int versionSize = record.version.toByteStream(maxVersionSize, version);
+    const std::string fields[] = {
+        guidToHex(record.identity), guidToHex(record.spatialHash),        toHex(version, versionSize),
+        escaped(record.className),  vectorText(record.position),          escaped(record.name),
+        escaped(record.sourceId),   footprintToText(record.footprint),    boxToText(record.box),
+        shapeToText(record.shape),  attributesToFields(record.attributes)};
+    std::string line;
+    for (const std::string& field : fields) {
+        line += field + '\t';
+    }
+    return line + propertyListToFields(record.properties);
+}
+
+ObjectRecord recordFromLine(std::string_view line, int format) {
+    const std::vector<std::string_view> fields = split(line, '\t');
+    ObjectRecord record = readCommonFields(fields);
+    if (format < 3) {
+        readOldFields(line, fields, record);
+        return record;
+    }
+    std::size_t next = commonFields;
+    if (fields.size() < next + 6) {
+        throw std::runtime_error("too few fields");
+    }
+    record.sourceId = unescaped(fields[next++]);
+    record.footprint = footprintFromText(fields[next++]);
+    record.box = boxFromText(fields[next++]);
+    record.shape = shapeFromText(fields[next++]);
+    record.attributes = attributesFromFields(fields, next);
+    if (next >= fields.size()) {
+        throw std::runtime_error("too few fields");
+    }
+    record.properties = readProperties(line, fields[next]);
+    return record;
+}
+
+ObjectRecord recordFromStream(std::string_view line) {
+    const std::vector<std::string_view> fields = split(line, '\t');
+    ObjectRecord record = readCommonFields(fields);
+    if (fields.size() > commonFields) {
+        record.sourceId = unescaped(fields[commonFields]);
+    }
+    return record;
 }

@@ -4,13 +4,15 @@
  */
 #pragma once
 
+#include "state/Box.h"
 #include "state/Footprint.h"
 #include "state/PropertyList.h"
+#include "state/Shape.h"
 
 #include <ImportCommon/ExternalGUID.h>
 #include <ImportCommon/ExternalVersion.h>
 
-#include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,23 +22,36 @@ struct ObjectRecord {
     ImportCommon::ExternalGUID spatialHash;
     ImportCommon::ExternalVersion version;
     std::string className;
-    std::array<double, 3> position{}; ///< centre of the bounding box in the world, in metres
-    std::string name;                 ///< UTF-8 as the plug-in wrote it
+    Vector3 position{};   ///< centre of the bounding box in the world, in metres
+    std::string name;     ///< UTF-8 as the plug-in wrote it
+    std::string sourceId; ///< of any length, as the source has it; empty when the plug-in hands over none
     Footprint footprint;
+    Box box;                              ///< around the surface, or where there is none as the version tells it
+    Shape shape;                          ///< of area 0 when it is not known
+    std::optional<Attributes> attributes; ///< nothing when they are not known
     PropertyList properties;
 };
 
-/** A GlobalId, or for an identity of another kind a text that tells it from others. */
-std::string identityText(const ImportCommon::ExternalGUID& identity);
+/** What is enclosed, in cubic metres; nothing for an object that encloses nothing. */
+std::optional<double> volumeOf(const ObjectRecord& record);
 
-/** The line of an objects stream with the footprint and the properties behind it. */
-std::string recordToLine(const ObjectRecord& record);
-
-/** Reads a line of an objects stream or of the state. Throws std::runtime_error. */
-ObjectRecord recordFromLine(std::string_view line);
+/** An attribute such as "Tag" or "Storey"; nothing when the object has none. */
+std::optional<std::string> attributeOf(const ObjectRecord& record, std::string_view attribute);
 
 /**
- * Reads the objects that a plug-in wrote to the streams in @p folder. Throws Failure for the plug-in, also when the
- * closing line of the objects stream is missing or tells another number.
+ * What an object is called by: its source's own id where there is one, else the GlobalId, or for an identity of another
+ * kind a text that tells it from others.
  */
-std::vector<ObjectRecord> readObjects(const std::string& folder, const std::string& plugin);
+std::string identityText(const ObjectRecord& record);
+
+/** The line of the state. */
+std::string recordToLine(const ObjectRecord& record);
+
+/** The format in which recordToLine writes; states of format 1 and later are read. */
+constexpr int stateFormat = 3;
+
+/** Reads a line of a state of some format. Throws std::runtime_error, also for values out of range. */
+ObjectRecord recordFromLine(std::string_view line, int format = stateFormat);
+
+/** Reads the objects' own line of an objects stream; what other streams say of it is left empty. Throws likewise. */
+ObjectRecord recordFromStream(std::string_view line);

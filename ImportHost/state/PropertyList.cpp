@@ -32,6 +32,14 @@ double finiteNumber(std::string_view text) {
     return number;
 }
 
+double positiveNumber(std::string_view text) {
+    const double number = finiteNumber(text);
+    if (number <= 0.0) {
+        throw std::runtime_error("'" + printable(text) + "' is not a factor");
+    }
+    return number;
+}
+
 /** Degrees; from radians back they are off in the last digits. */
 std::string degreesText(double radians) {
     char buffer[64];
@@ -40,7 +48,7 @@ std::string degreesText(double radians) {
                        std::to_chars(buffer, buffer + sizeof buffer, degrees, std::chars_format::general, 12).ptr);
 }
 
-std::string valueOf(std::string_view type, std::string_view value) {
+std::string valueOf(std::string_view type, std::string_view value, std::string_view factor) {
     if (type == "text") {
         return '\'' + std::string(value);
     }
@@ -48,7 +56,8 @@ std::string valueOf(std::string_view type, std::string_view value) {
         return degreesText(finiteNumber(value));
     }
     if (type == "real" || type == "length") {
-        return numberText(finiteNumber(value) + 0.0);
+        const std::string number = numberText(finiteNumber(value) + 0.0);
+        return factor.empty() ? number : number + ' ' + numberText(positiveNumber(factor));
     }
     const bool isState = value == "true" || value == "false";
     if (type == "integer") {
@@ -62,7 +71,7 @@ std::string valueOf(std::string_view type, std::string_view value) {
 /** Goes through the lines of an attributes stream. */
 class AttributesReader {
 public:
-    explicit AttributesReader(std::size_t objectCount) : entries_(objectCount) {}
+    explicit AttributesReader(std::size_t objectCount) : entries_(objectCount), attributes_(objectCount) {}
 
     void read(std::string_view line) {
         const std::vector<std::string_view> fields = split(line, '\t');
@@ -75,24 +84,28 @@ public:
         }
     }
 
-    std::vector<PropertyList> lists() {
-        std::vector<PropertyList> lists;
-        lists.reserve(entries_.size());
-        for (std::vector<Entry>& entries : entries_) {
-            std::sort(entries.begin(), entries.end());
-            PropertyList list;
-            for (const Entry& entry : entries) {
-                list.text += list.text.empty() ? "" : "\t";
-                list.text.append(entry.set).append("\t").append(entry.name).append("\t").append(entry.value);
-            }
-            list.isKnown = true;
-            list.digest = checksum(list.text);
-            lists.push_back(std::move(list));
+    std::vector<ObjectData> data() {
+        std::vector<ObjectData> data(entries_.size());
+        for (std::size_t i = 0; i < data.size(); ++i) {
+            data[i].attributes = std::move(attributes_[i]);
+            data[i].properties = listOf(entries_[i]);
         }
-        return lists;
+        return data;
     }
 
 private:
+    static PropertyList listOf(std::vector<Entry>& entries) {
+        std::sort(entries.begin(), entries.end());
+        PropertyList list;
+        for (const Entry& entry : entries) {
+            list.text += list.text.empty() ? "" : "\t";
+            list.text.append(entry.set).append("\t").append(entry.name).append("\t").append(entry.value);
+        }
+        list.isKnown = true;
+        list.digest = checksum(list.text);
+        return list;
+    }
+
     void readSet(const std::vector<std::string_view>& fields) {
         const long object = toLong(fields[1]);
         if (object < 0 || static_cast<unsigned long>(object) > entries_.size()) {
@@ -102,6 +115,10 @@ private:
         set_ = fields.size() > 7 ? fields[7] : fields[5];
         path_.clear();
         isInSet_ = true;
+        isOwn_ = fields[3] == "attributes";
+        if (isOwn_ && object_ > 0 && !attributes_[object_ - 1]) {
+            attributes_[object_ - 1].emplace();
+        }
     }
 
     void readProperty(const std::vector<std::string_view>& fields) {
@@ -110,53 +127,41 @@ private:
             throw std::runtime_error("a property of nothing");
         }
         path_.resize(static_cast<std::size_t>(depth));
+        if (isOwn_) {
+            readAttribute(depth, fields);
+            return;
+        }
         std::string name = path_.empty() ? std::string() : path_.back() + '.';
-        name += fields.size() > 6 ? fields[6] : fields[2];
+        name += fields.size() > 6 && !fields[6].empty() ? fields[6] : fields[2];
         if (fields[4] == "complex") {
             path_.push_back(std::move(name));
         } else if (object_ > 0) {
-            entries_[object_ - 1].push_back({set_, std::move(name), valueOf(fields[4], fields[5])});
+            const std::string_view factor = fields.size() > 7 ? fields[7] : std::string_view();
+            entries_[object_ - 1].push_back({set_, std::move(name), valueOf(fields[4], fields[5], factor)});
+        }
+    }
+
+    void readAttribute(long depth, const std::vector<std::string_view>& fields) {
+        if (depth != 0 || fields[4] != "text") {
+            throw std::runtime_error("an attribute that is not a text");
+        }
+        if (object_ > 0) {
+            (*attributes_[object_ - 1])[unescaped(fields[2])] = unescaped(fields[5]);
         }
     }
 
     std::vector<std::vector<Entry>> entries_;
+    std::vector<std::optional<Attributes>> attributes_;
     std::size_t object_ = 0; ///< that the set belongs to; 0 for a product without geometry
     std::string_view set_;
     bool isInSet_ = false;
+    bool isOwn_ = false;            ///< whether the set holds the object's own attributes
     std::vector<std::string> path_; ///< full names of the complex properties around the next one
 };
 
-std::vector<Entry> entriesOf(const PropertyList& list) {
-    std::vector<Entry> entries;
-    if (list.text.empty()) {
-        return entries;
-    }
-    const std::vector<std::string_view> fields = split(list.text, '\t');
-    for (std::size_t i = 0; i + 2 < fields.size(); i += 3) {
-        entries.push_back({fields[i], std::string(fields[i + 1]), std::string(fields[i + 2])});
-    }
-    return entries;
-}
-
-std::string shownValue(const std::optional<std::string>& value) {
-    constexpr std::size_t longest = 40;
-    if (!value) {
-        return "-";
-    }
-    std::string text = printable(value->substr(value->compare(0, 1, "'") == 0 ? 1 : 0));
-    if (text.size() <= longest) {
-        return text;
-    }
-    std::size_t end = longest;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
-        --end;
-    }
-    return text.substr(0, end) + "...";
-}
-
 } // namespace
 
-std::vector<PropertyList> readPropertyLists(std::string_view attributesStream, std::size_t objectCount) {
+std::vector<ObjectData> readObjectData(std::string_view attributesStream, std::size_t objectCount) {
     AttributesReader reader(objectCount);
     std::size_t number = 0;
     for (const std::string_view line : split(attributesStream, '\n')) {
@@ -169,53 +174,7 @@ std::vector<PropertyList> readPropertyLists(std::string_view attributesStream, s
             throw std::runtime_error("line " + std::to_string(number) + ": " + e.what());
         }
     }
-    return reader.lists();
-}
-
-std::vector<PropertyDifference> differencesOf(const PropertyList& before, const PropertyList& now) {
-    std::vector<PropertyDifference> differences;
-    if (!before.isKnown || !now.isKnown || before.digest == now.digest) {
-        return differences;
-    }
-    const std::vector<Entry> old = entriesOf(before);
-    const std::vector<Entry> fresh = entriesOf(now);
-    std::vector<Entry> gone;
-    std::vector<Entry> added;
-    std::set_difference(old.begin(), old.end(), fresh.begin(), fresh.end(), std::back_inserter(gone));
-    std::set_difference(fresh.begin(), fresh.end(), old.begin(), old.end(), std::back_inserter(added));
-
-    // What is gone and what is new under one name is one property with another value.
-    const auto sameName = [](const Entry& a, const Entry& b) { return a.set == b.set && a.name == b.name; };
-    auto o = gone.begin();
-    auto n = added.begin();
-    while (o != gone.end() || n != added.end()) {
-        const bool both = o != gone.end() && n != added.end() && sameName(*o, *n);
-        const bool takesOld = both || n == added.end() || (o != gone.end() && *o < *n);
-        const bool takesNew = both || !takesOld;
-        const Entry& entry = takesOld ? *o : *n;
-        PropertyDifference difference = {unescaped(entry.set), unescaped(entry.name), std::nullopt, std::nullopt};
-        if (takesOld) {
-            difference.before = unescaped((o++)->value);
-        }
-        if (takesNew) {
-            difference.now = unescaped((n++)->value);
-        }
-        differences.push_back(std::move(difference));
-    }
-    return differences;
-}
-
-std::string shortText(const std::vector<PropertyDifference>& differences) {
-    if (differences.empty()) {
-        return "";
-    }
-    const PropertyDifference& first = differences.front();
-    std::string text = printable(first.set) + '.' + printable(first.name) + ": " + shownValue(first.before) + " -> " +
-                       shownValue(first.now);
-    if (differences.size() > 1) {
-        text += ", and " + std::to_string(differences.size() - 1) + " more";
-    }
-    return text;
+    return reader.data();
 }
 
 std::string propertyListToFields(const PropertyList& list) {

@@ -1,9 +1,10 @@
 /**
  * @file PropertyList.h
- * The properties of an object, kept to tell on the next import which of them changed.
+ * The properties and attributes of an object, kept to tell on the next import which of them changed.
  */
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,33 +13,30 @@
 /**
  * All properties of an object as one text, in an order that depends on nothing but themselves: for each of them the
  * set's name, the name and the value in a field, as in the streams. A value is a quote and a text, or else a number,
- * "true", "false" or "unknown".
+ * "true", "false" or "unknown". Behind a number that is measured in another unit than SI's stand a blank and the factor
+ * that turns it into the latter.
  */
 struct PropertyList {
-    bool isKnown = false; ///< false when they come from a state that keeps none
-    std::string digest;   ///< of the text
+    bool isKnown = false;      ///< false when they come from a state that keeps none
+    bool areUnitsKnown = true; ///< false when they come from a state that does not tell factors
+    std::string digest;        ///< of the text
     std::string text;
 };
 
-/** A property that is not what it was. */
-struct PropertyDifference {
-    std::string set;
-    std::string name;                  ///< inside of complex properties, their names and dots before it
-    std::optional<std::string> before; ///< a value as in a PropertyList; nothing when it was not there
-    std::optional<std::string> now;    ///< nothing when it is not there any more
+/** What an object itself says, beside its property sets: "Tag", "Storey" and so on, with their values. */
+using Attributes = std::map<std::string, std::string, std::less<>>;
+
+/** What the attributes stream says of an object. */
+struct ObjectData {
+    std::optional<Attributes> attributes; ///< nothing when the plug-in hands over none
+    PropertyList properties;
 };
 
 /**
- * Reads the properties of @p objectCount objects from an attributes stream. Throws std::runtime_error with the line's
- * number and what is wrong with it.
+ * Reads what an attributes stream says of @p objectCount objects. Throws std::runtime_error with the line's number and
+ * what is wrong with it.
  */
-std::vector<PropertyList> readPropertyLists(std::string_view attributesStream, std::size_t objectCount);
-
-/** What differs; nothing where one of both is not known. */
-std::vector<PropertyDifference> differencesOf(const PropertyList& before, const PropertyList& now);
-
-/** One line for people: the first difference, and how many more there are. Empty without differences. */
-std::string shortText(const std::vector<PropertyDifference>& differences);
+std::vector<ObjectData> readObjectData(std::string_view attributesStream, std::size_t objectCount);
 
 /** The fields of a line of the state, and back. fromFields throws std::runtime_error. */
 std::string propertyListToFields(const PropertyList& list);

@@ -8,8 +8,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <stdexcept>
 
@@ -18,53 +20,71 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view format = "import-host-state";
-constexpr std::string_view version = "2";
-
-/** Objects without properties, which count as not known. */
-constexpr std::string_view oldVersion = "1";
-
 /** Folder of the streams while an import runs, as mkdtemp takes it, and of the last import's while it is replaced. */
 constexpr char outputTemplate[] = "output-of-import.XXXXXX";
 constexpr std::size_t outputPrefixLength = sizeof outputTemplate - sizeof "XXXXXX";
 constexpr char previousOutput[] = "output-of-import.previous";
 
-std::string stateText(const std::vector<ObjectRecord>& objects) {
-    std::string text = std::string(format) + ' ' + std::string(version) + '\n';
+std::string stateText(const ImportedModel& model, const std::vector<ObjectRecord>& objects) {
+    std::string text = std::string(format) + ' ' + std::to_string(stateFormat) + "\nmodel\t" + escaped(model.name) +
+                       '\t' + escaped(model.time) + '\n';
     for (const ObjectRecord& object : objects) {
         text += recordToLine(object) + '\n';
     }
     return text + "end " + std::to_string(objects.size()) + ' ' + checksum(text) + '\n';
 }
 
-/** Throws std::runtime_error. */
-std::vector<ObjectRecord> objectsFromText(std::string_view text) {
-    const std::string_view header = text.substr(0, text.find('\n'));
+/** The format that the first line tells. Throws std::runtime_error. */
+int formatOf(std::string_view header) {
     const std::vector<std::string_view> words = split(header, ' ');
     if (words.size() != 2 || words[0] != format) {
         throw std::runtime_error("not a state of import-host");
     }
-    if (words[1] != version && words[1] != oldVersion) {
-        throw std::runtime_error("written by another version of import-host");
+    for (int known = 1; known <= stateFormat; ++known) {
+        if (words[1] == std::to_string(known)) {
+            return known;
+        }
     }
+    throw std::runtime_error("written by another version of import-host");
+}
 
+/** Throws std::runtime_error. */
+ImportedModel modelFromLine(std::string_view line) {
+    const std::vector<std::string_view> fields = split(line, '\t');
+    if (fields.size() != 3 || fields[0] != "model") {
+        throw std::runtime_error("the state does not name its model");
+    }
+    return {unescaped(fields[1]), unescaped(fields[2])};
+}
+
+/** Throws std::runtime_error. */
+State stateFromText(std::string_view text) {
+    const std::string_view header = text.substr(0, text.find('\n'));
+    const int number = formatOf(header);
     const std::size_t end = text.rfind("\nend ");
-    const std::size_t body = header.size() + 1;
+    std::size_t body = header.size() + 1;
     if (end == std::string_view::npos || end + 1 < body) {
         throw std::runtime_error("the state is incomplete");
     }
-    const std::string_view lines = text.substr(body, end + 1 - body);
+    State state;
+    if (number >= 3) {
+        const std::string_view line = text.substr(body, text.find('\n', body) - body);
+        state.model = modelFromLine(line);
+        body += line.size() + 1;
+    }
 
-    std::vector<ObjectRecord> objects;
+    // A state without objects ends where its body begins.
+    const std::string_view lines = text.substr(std::min(body, end + 1), end + 1 - std::min(body, end + 1));
     for (const std::string_view line : split(lines, '\n')) {
         if (!line.empty()) {
-            objects.push_back(recordFromLine(line));
+            state.objects.push_back(recordFromLine(line, number));
         }
     }
     if (text.substr(end + 1) !=
-        "end " + std::to_string(objects.size()) + ' ' + checksum(text.substr(0, end + 1)) + '\n') {
+        "end " + std::to_string(state.objects.size()) + ' ' + checksum(text.substr(0, end + 1)) + '\n') {
         throw std::runtime_error("the state is incomplete or damaged");
     }
-    return objects;
+    return state;
 }
 
 /** Whether a file is one that an import left which was killed. */
@@ -75,6 +95,16 @@ bool isLeftover(const std::string& fileName) {
 }
 
 } // namespace
+
+std::string currentTime() {
+    const std::time_t now = std::time(nullptr);
+    std::tm parts{};
+    char text[sizeof "2026-05-31T12:00:00Z" + 16] = {};
+    if (::gmtime_r(&now, &parts) != nullptr) {
+        std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &parts);
+    }
+    return text;
+}
 
 StateFolder::StateFolder(const std::string& path) : path_(path) {
     try {
@@ -125,10 +155,10 @@ void StateFolder::open() {
     }
 }
 
-std::vector<ObjectRecord> StateFolder::read(const std::string& path) {
+State StateFolder::read(const std::string& path) {
     const std::string fileName = path + "/objects.state";
     try {
-        return objectsFromText(readFile(fileName));
+        return stateFromText(readFile(fileName));
     } catch (const Failure&) {
         throw;
     } catch (const std::runtime_error& e) {
@@ -143,7 +173,7 @@ void StateFolder::load() {
         if (!fs::is_regular_file(path_ + "/objects.state", error)) {
             throw Failure(path_ + "/objects.state", "not a file"); // a pipe would keep its reader waiting
         }
-        objects_ = read(path_);
+        state_ = read(path_);
         return;
     }
     for (fs::directory_iterator entry(path_, error), end; !error && entry != end; entry.increment(error)) {
@@ -169,8 +199,8 @@ void StateFolder::removeLeftovers() const {
     }
 }
 
-void StateFolder::prepare(const std::vector<ObjectRecord>& objects) {
-    next_ = std::make_unique<PendingFile>(path_ + "/objects.state", stateText(objects));
+void StateFolder::prepare(const ImportedModel& model, const std::vector<ObjectRecord>& objects) {
+    next_ = std::make_unique<PendingFile>(path_ + "/objects.state", stateText(model, objects));
 }
 
 void StateFolder::commit() {

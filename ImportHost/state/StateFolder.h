@@ -11,6 +11,21 @@
 #include <string>
 #include <vector>
 
+/** Where the objects of a state come from. */
+struct ImportedModel {
+    std::string name; ///< as it was given to the import; empty when the state does not tell
+    std::string time; ///< of the import, as 2026-05-31T12:00:00Z; empty likewise
+};
+
+/** What a file of a state holds. */
+struct State {
+    ImportedModel model;
+    std::vector<ObjectRecord> objects;
+};
+
+/** The time now, as a state keeps it. */
+std::string currentTime();
+
 /**
  * A folder with the objects of the last import that succeeded, and with the streams that it wrote.
  *
@@ -32,20 +47,23 @@ public:
     StateFolder(const StateFolder&) = delete;
     StateFolder& operator=(const StateFolder&) = delete;
 
-    /** The objects of a state, which must be there. Throws Failure. */
-    static std::vector<ObjectRecord> read(const std::string& path);
+    /** The state of a folder, which must be there. Throws Failure. */
+    static State read(const std::string& path);
 
     /** Whether a model was imported before. */
     bool hasObjects() const { return hasObjects_; }
 
     /** The objects of the last import. */
-    const std::vector<ObjectRecord>& objects() const { return objects_; }
+    const std::vector<ObjectRecord>& objects() const { return state_.objects; }
+
+    /** The model of the last import. */
+    const ImportedModel& model() const { return state_.model; }
 
     /** A fresh folder for the streams of the import that begins now. */
     const std::string& outputFolder() const { return outputFolder_; }
 
     /** Writes these objects down as the next state. Throws Failure. */
-    void prepare(const std::vector<ObjectRecord>& objects);
+    void prepare(const ImportedModel& model, const std::vector<ObjectRecord>& objects);
 
     /** Makes what was prepared the state, and the fresh folder the last import's. Throws Failure; then nothing changed.
      */
@@ -62,6 +80,6 @@ private:
     int lock_ = -1;
     bool created_ = false;
     bool hasObjects_ = false;
-    std::vector<ObjectRecord> objects_;
+    State state_;
     std::unique_ptr<PendingFile> next_;
 };

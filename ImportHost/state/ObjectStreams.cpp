@@ -1,0 +1,83 @@
+#include "state/ObjectStreams.h"
+
+#include "Failure.h"
+#include "state/Files.h"
+#include "state/ShapeMeasure.h"
+
+#include <PluginKit/Text.h>
+
+#include <stdexcept>
+
+namespace {
+
+std::vector<ObjectRecord> readObjectLines(std::string_view stream) {
+    std::vector<ObjectRecord> records;
+    bool complete = false;
+    for (const std::string_view line : split(stream, '\n')) {
+        try {
+            if (complete && !line.empty()) {
+                throw std::runtime_error("text behind the closing line");
+            }
+            if (line.compare(0, 4, "end\t") == 0) {
+                complete = line.substr(4) == std::to_string(records.size());
+            } else if (!line.empty()) {
+                records.push_back(recordFromStream(line));
+            }
+        } catch (const std::runtime_error& e) {
+            throw std::runtime_error("wrong objects stream, line " + std::to_string(records.size() + 1) + ": " +
+                                     e.what());
+        }
+    }
+    if (!complete) {
+        throw std::runtime_error("incomplete objects stream: no closing line with the number of objects");
+    }
+    return records;
+}
+
+void takeFootprints(std::string_view stream, std::vector<ObjectRecord>& records) {
+    std::vector<Footprint> footprints = readFootprints(stream, records.size());
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        records[i].footprint = std::move(footprints[i]);
+    }
+}
+
+void takeData(std::string_view stream, std::vector<ObjectRecord>& records) {
+    std::vector<ObjectData> data = readObjectData(stream, records.size());
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        records[i].attributes = std::move(data[i].attributes);
+        records[i].properties = std::move(data[i].properties);
+    }
+}
+
+void takeShapes(std::string_view stream, std::vector<ObjectRecord>& records) {
+    readSolids(stream, records.size(), [&](std::size_t object, const std::vector<Surface>& surfaces) {
+        records[object].shape = shapeOf(surfaces);
+        records[object].box = boxOf(surfaces).value_or(records[object].box);
+    });
+}
+
+} // namespace
+
+std::vector<ObjectRecord> readObjects(const std::string& folder, const std::string& plugin) {
+    std::vector<ObjectRecord> records;
+    try {
+        records = readObjectLines(readFile(folder + "/objects"));
+    } catch (const Failure&) {
+        throw;
+    } catch (const std::runtime_error& e) {
+        throw Failure(plugin, e.what());
+    }
+
+    using Step = void (*)(std::string_view, std::vector<ObjectRecord>&);
+    const std::pair<const char*, Step> steps[] = {
+        {"polygons", takeFootprints}, {"attributes", takeData}, {"solids", takeShapes}};
+    for (const auto& [stream, take] : steps) {
+        const std::string content = readFile(folder + '/' + stream);
+        try {
+            take(content, records);
+        } catch (const std::runtime_error& e) {
+            throw Failure(plugin, std::string("wrong ") + stream + " stream, " + e.what());
+        }
+    }
+    return records;
+}

@@ -1,0 +1,175 @@
+#include "state/ShapeMeasure.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+Vector3 minus(const Vector3& a, const Vector3& b) {
+    return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
+}
+
+Vector3 cross(const Vector3& a, const Vector3& b) {
+    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
+
+double dot(const Vector3& a, const Vector3& b) {
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+
+/** Corners measured from a point of the object, which may be far from the origin. */
+struct Triangle {
+    std::array<Vector3, 3> corners;
+    double area; ///< negative where a concave polygon's fan leaves the polygon
+};
+
+void addTriangles(const Surface& surface, const std::vector<std::uint32_t>& polygon, const Vector3& base,
+                  std::vector<Triangle>& triangles) {
+    if (polygon.size() < 3) {
+        return;
+    }
+    const auto corner = [&](std::size_t i) { return minus(surface.vertices[polygon[i]], base); };
+    const std::size_t first = triangles.size();
+    const Vector3 a = corner(0);
+    Vector3 normal{};
+    for (std::size_t i = 1; i + 1 < polygon.size(); ++i) {
+        const Vector3 b = corner(i);
+        const Vector3 c = corner(i + 1);
+        triangles.push_back({{a, b, c}, 0.0});
+        const Vector3 n = cross(minus(b, a), minus(c, a));
+        for (std::size_t k = 0; k < normal.size(); ++k) {
+            normal[k] += n[k];
+        }
+    }
+    const double length = std::sqrt(dot(normal, normal));
+    if (length == 0.0) {
+        triangles.resize(first);
+        return;
+    }
+    for (std::size_t i = first; i < triangles.size(); ++i) {
+        const auto& corners = triangles[i].corners;
+        triangles[i].area =
+            dot(cross(minus(corners[1], corners[0]), minus(corners[2], corners[0])), normal) / length / 2.0;
+    }
+}
+
+std::vector<Triangle> trianglesOf(const std::vector<Surface>& surfaces, const Vector3& base) {
+    std::vector<Triangle> triangles;
+    for (const Surface& surface : surfaces) {
+        for (const std::vector<std::uint32_t>& polygon : surface.polygons) {
+            addTriangles(surface, polygon, base, triangles);
+        }
+    }
+    return triangles;
+}
+
+/** A point of a rule that integrates polynomials of the fourth degree over a triangle exactly. */
+struct RulePoint {
+    std::array<double, 3> coordinates; ///< barycentric
+    double weight;
+};
+
+constexpr double outerPart = 0.816847572980459;
+constexpr double outerRest = 0.091576213509771;
+constexpr double outerWeight = 0.109951743655322;
+constexpr double innerPart = 0.108103018168070;
+constexpr double innerRest = 0.445948490915965;
+constexpr double innerWeight = 0.223381589678011;
+constexpr RulePoint rule[] = {
+    {{outerPart, outerRest, outerRest}, outerWeight}, {{outerRest, outerPart, outerRest}, outerWeight},
+    {{outerRest, outerRest, outerPart}, outerWeight}, {{innerPart, innerRest, innerRest}, innerWeight},
+    {{innerRest, innerPart, innerRest}, innerWeight}, {{innerRest, innerRest, innerPart}, innerWeight}};
+
+/** Adds what a piece of surface of area @p weight at @p p, measured from the centroid, contributes. */
+void addPoint(Shape& shape, const Vector3& p, double weight) {
+    const auto& [x, y, z] = p;
+    const std::array<double, Shape::secondCount> second = {x * x, x * y, x * z, y * y, y * z, z * z};
+    const std::array<double, Shape::thirdCount> third = {second[0] * x, second[0] * y, second[0] * z, second[3] * x,
+                                                         second[1] * z, second[5] * x, second[3] * y, second[3] * z,
+                                                         second[5] * y, second[5] * z};
+    for (std::size_t i = 0; i < second.size(); ++i) {
+        shape.second[i] += weight * second[i];
+    }
+    for (std::size_t i = 0; i < third.size(); ++i) {
+        shape.third[i] += weight * third[i];
+    }
+    // xxxx xxxy xxxz xxyy xxyz xxzz xyyy xyyz xyzz xzzz yyyy yyyz yyzz yzzz zzzz
+    const std::array<double, Shape::fourthCount> fourth = {
+        third[0] * x, third[0] * y, third[0] * z, third[1] * y, third[1] * z, third[2] * z, third[3] * y, third[3] * z,
+        third[5] * y, third[5] * z, third[6] * y, third[6] * z, third[7] * z, third[8] * z, third[9] * z};
+    for (std::size_t i = 0; i < fourth.size(); ++i) {
+        shape.fourth[i] += weight * fourth[i];
+    }
+}
+
+void divideByArea(Shape& shape) {
+    for (auto& moment : shape.second) {
+        moment /= shape.area;
+    }
+    for (auto& moment : shape.third) {
+        moment /= shape.area;
+    }
+    for (auto& moment : shape.fourth) {
+        moment /= shape.area;
+    }
+}
+
+} // namespace
+
+Shape shapeOf(const std::vector<Surface>& surfaces) {
+    const std::optional<Box> box = boxOf(surfaces);
+    Shape shape;
+    if (!box) {
+        return shape;
+    }
+    const std::vector<Triangle> triangles = trianglesOf(surfaces, box->low);
+    Vector3 centroid{};
+    for (const Triangle& triangle : triangles) {
+        shape.area += triangle.area;
+        for (const Vector3& corner : triangle.corners) {
+            for (std::size_t k = 0; k < centroid.size(); ++k) {
+                centroid[k] += corner[k] * triangle.area / 3.0;
+            }
+        }
+    }
+    if (!(shape.area > 0.0)) {
+        return Shape();
+    }
+    for (double& coordinate : centroid) {
+        coordinate /= shape.area;
+    }
+    for (const Triangle& triangle : triangles) {
+        for (const RulePoint& point : rule) {
+            Vector3 p{};
+            for (std::size_t k = 0; k < p.size(); ++k) {
+                p[k] = triangle.corners[0][k] * point.coordinates[0] + triangle.corners[1][k] * point.coordinates[1] +
+                       triangle.corners[2][k] * point.coordinates[2] - centroid[k];
+            }
+            addPoint(shape, p, point.weight * triangle.area);
+        }
+    }
+    divideByArea(shape);
+    for (std::size_t k = 0; k < centroid.size(); ++k) {
+        shape.centroid[k] = box->low[k] + centroid[k];
+    }
+    return shape;
+}
+
+std::optional<Box> boxOf(const std::vector<Surface>& surfaces) {
+    std::optional<Box> box;
+    for (const Surface& surface : surfaces) {
+        for (const std::vector<std::uint32_t>& polygon : surface.polygons) {
+            for (const std::uint32_t index : polygon) {
+                const Vector3& vertex = surface.vertices[index];
+                if (!box) {
+                    box = Box{vertex, vertex};
+                }
+                for (std::size_t k = 0; k < vertex.size(); ++k) {
+                    box->low[k] = std::min(box->low[k], vertex[k]);
+                    box->high[k] = std::max(box->high[k], vertex[k]);
+                }
+            }
+        }
+    }
+    return box;
+}
