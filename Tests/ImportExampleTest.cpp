@@ -114,7 +114,7 @@ TEST_F(ImportExampleTest, objectsWithBadIdentitiesAreNotLost) {
         const std::string model = replaced(house_, "2Q3D669m15Uwr_ACk1kweT", identity);
         EXPECT_EQ(import(model)["counts"]["reidentified"], 1);
         EXPECT_EQ(import(model)["counts"]["unchanged"], objects);
-        EXPECT_NE(readFile(file("stdout")).find("warning: "), std::string::npos);
+        EXPECT_NE(readFile(file("stderr")).find("warning: "), std::string::npos);
         EXPECT_EQ(import(house_)["counts"]["reidentified"], 1);
     }
 }
@@ -162,7 +162,6 @@ TEST_F(ImportExampleTest, modelsOfAFolderAreImportedEachForItself) {
     EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), 36);
     EXPECT_NE(list.find("2Q3D669m15Uwr_ACk1kweT  IFCFURNISHINGELEMENT  Bench\n"), std::string::npos) << list;
     expectFailure("--list models", 1, "models/objects.state: ", "No such file");
-    expectFailure("--list state house.ifc", 2, "without a model", "usage: ");
 }
 
 TEST_F(ImportExampleTest, badPluginsAndPlacesAreRefused) {
@@ -191,13 +190,6 @@ TEST_F(ImportExampleTest, badPluginsAndPlacesAreRefused) {
         expectFailure("--state state --picture /dev/full house.ifc", 1, "/dev/full: ", "No space left");
     }
 
-    expectFailure("", 2, "no model", "usage: ");
-    expectFailure("--colour house.ifc", 2, "--colour", "usage: ");
-    expectFailure("--report house.ifc house.ifc", 2, "house.ifc is the model itself", "usage: ");
-    expectFailure("house.ifc house.ifc", 2, "more than one model", "usage: ");
-    expectFailure("--report new.json --picture new.json house.ifc", 2, "same file", "usage: ");
-    expectFailure("--state state .", 2, "not with a folder", "usage: ");
-    expectFailure("--state state --report state/objects.state house.ifc", 2, "in the state folder", "usage: ");
     fs::create_hard_link(file("house.ifc"), file("new.json.new"));
     EXPECT_EQ(run("--state state --report new.json house.ifc").exitCode, 0);
     EXPECT_EQ(readFile(file("house.ifc")), house_);

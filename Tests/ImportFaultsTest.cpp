@@ -38,7 +38,7 @@ public:
         const std::vector<std::string>& arguments, const std::function<void()>& prepare = [] {}) {
         int ends[2];
         EXPECT_EQ(pipe(ends), 0);
-        std::vector<const char*> texts = {IMPORT_HOST, "--plugin", IFC_PLUGIN};
+        std::vector<const char*> texts = {IMPORT_HOST, "--quiet", "--plugin", IFC_PLUGIN};
         for (const std::string& argument : arguments) {
             texts.push_back(argument.c_str());
         }

@@ -93,11 +93,11 @@ unsigned int runImportCall(void* data, unsigned long) {
 }
 
 /** Calls the import function, and shows its progress until it returns. */
-int callImport(ImportModelFunction importModel, const ImportJob& job) {
+int callImport(ImportModelFunction importModel, const ImportJob& job, Progress& progress) {
     ImportCall call;
     call.importModel = importModel;
     ImportCall* const address = &call;
-    Progress progress(job.outputFolder + "/progress");
+    progress.follow(job.outputFolder + "/progress");
     const pthread_t thread = ThreadOperations::createThread(runImportCall, &address, sizeof address, false);
     if (thread == pthread_t{}) {
         throw Failure(job.plugin, "there is no thread for the import function");
@@ -127,7 +127,7 @@ std::string lastError(const std::string& outputFolder) {
 }
 
 /** The whole session, as a host that loads plug-ins into its own process would run it. */
-void runSession(const ImportJob& job) {
+void runSession(const ImportJob& job, Progress& progress) {
     OutputStreams streams(job.outputFolder);
     prepareEnvironment(job);
 
@@ -136,7 +136,7 @@ void runSession(const ImportJob& job) {
     if (importModel == nullptr) {
         throw Failure(job.plugin, std::string("not an import plug-in: it has no function ") + importModelName);
     }
-    const int result = callImport(importModel, job);
+    const int result = callImport(importModel, job, progress);
     plugin.reset(); // calls "PluginDeInit", which may still write to the streams
 
     streams.close();
@@ -156,5 +156,6 @@ void runSession(const ImportJob& job) {
 } // namespace
 
 void runImport(const ImportJob& job) {
-    runIsolated(job.model, [&job] { runSession(job); });
+    Progress progress(job.showsProgress); // before the session's error stream is captured
+    runIsolated(job.model, [&] { runSession(job, progress); });
 }

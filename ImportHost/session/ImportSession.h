@@ -11,6 +11,7 @@ struct ImportJob {
     std::string plugin;
     std::string outputFolder;
     int environmentVersion;
+    bool showsProgress; ///< on the standard error stream
 };
 
 /**

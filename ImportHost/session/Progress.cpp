@@ -1,6 +1,7 @@
 #include "session/Progress.h"
 
 #include <PluginKit/Text.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,21 +12,41 @@ namespace {
 
 constexpr int barWidth = 40;
 
+/** Back to the line's beginning, and nothing behind it. */
+constexpr const char* cleared = "\r\x1B[K";
+
 } // namespace
 
-Progress::Progress(const std::string& progressFile)
-    : file_(std::fopen(progressFile.c_str(), "rb")), onTerminal_(::isatty(STDOUT_FILENO) != 0) {
+Progress::Progress(bool visible) {
+    const int copy = visible ? ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0) : -1;
+    if (copy < 0) {
+        return;
+    }
+    shown_ = ::fdopen(copy, "w");
+    if (shown_ == nullptr) {
+        ::close(copy);
+        return;
+    }
+    onTerminal_ = ::isatty(copy) != 0;
 }
 
 Progress::~Progress() {
-    if (file_ == nullptr) {
-        return;
+    if (shown_ != nullptr) {
+        // Also when it was another process that showed something: one that has crashed clears nothing away.
+        if (onTerminal_) {
+            std::fputs(cleared, shown_);
+        }
+        std::fclose(shown_);
     }
-    std::fclose(file_);
-    if (onTerminal_ && shown_ >= 0) {
-        std::printf("\n");
+    if (file_ != nullptr) {
+        std::fclose(file_);
     }
-    std::fflush(stdout);
+}
+
+void Progress::follow(const std::string& progressFile) {
+    if (shown_ != nullptr && file_ == nullptr) {
+        file_ = std::fopen(progressFile.c_str(), "rb");
+    }
 }
 
 void Progress::update() {
@@ -53,17 +74,17 @@ void Progress::show(double part, const std::string& what) {
         return;
     }
     const int percent = static_cast<int>(std::min(part, 1.0) * 100.0);
-    if (percent <= shown_ || (!onTerminal_ && percent < 100 && percent / 10 == shown_ / 10 && shown_ >= 0)) {
+    if (percent <= percent_ || (!onTerminal_ && percent < 100 && percent / 10 == percent_ / 10 && percent_ >= 0)) {
         return;
     }
-    shown_ = percent;
+    percent_ = percent;
     if (onTerminal_) {
         const int filled = percent * barWidth / 100;
         const std::string bar = std::string(static_cast<std::size_t>(filled), '#') +
                                 std::string(static_cast<std::size_t>(barWidth - filled), '.');
-        std::printf("\r[%s] %3d %% %-12s", bar.c_str(), percent, what.c_str());
+        std::fprintf(shown_, "%s[%s] %3d %% %s", cleared, bar.c_str(), percent, what.c_str());
     } else {
-        std::printf("%3d %% %s\n", percent, what.c_str());
+        std::fprintf(shown_, "%3d %% %s\n", percent, what.c_str());
     }
-    std::fflush(stdout);
+    std::fflush(shown_);
 }

@@ -1,0 +1,15 @@
+/**
+ * @file Hints.h
+ * What to type next.
+ */
+#pragma once
+
+#include "command/Arguments.h"
+
+#include <string>
+
+/** After a first import: where the state is, and how a revision is compared with it. */
+std::string firstImportHint(const Arguments& arguments);
+
+/** The same for the models of a folder. */
+std::string folderHint();

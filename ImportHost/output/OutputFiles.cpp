@@ -1,0 +1,32 @@
+#include "output/OutputFiles.h"
+
+#include "Failure.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+void print(const std::string& text) {
+    const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+    if (std::fflush(stdout) != 0 || !written) {
+        throw Failure("standard output", std::strerror(errno));
+    }
+}
+
+void OutputFiles::add(const std::string& path, const std::function<std::string()>& content) {
+    if (path.empty()) {
+        return;
+    }
+    if (path == "-") {
+        standardOutput_ += content();
+    } else {
+        files_.emplace_back(path, content());
+    }
+}
+
+void OutputFiles::commit() {
+    print(standardOutput_);
+    for (PendingFile& file : files_) {
+        file.commit();
+    }
+}
