@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+namespace PluginKit {
+
 namespace {
 
 /** Looks at corners after which a polygon is fanned as it is: ear clipping takes their number to the third power. */
@@ -171,3 +173,5 @@ void triangulate(const std::vector<std::array<double, 3>>& vertices, const std::
         triangles.insert(triangles.end(), {corners[0], corners[i], corners[i + 1]});
     }
 }
+
+} // namespace PluginKit

@@ -1,10 +1,14 @@
+#include <PluginKit/Escapes.h>
+#include <PluginKit/Number.h>
 #include <PluginKit/Solids.h>
-#include <PluginKit/Text.h>
 
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <stdexcept>
 #include <string>
+
+namespace PluginKit {
 
 namespace {
 
@@ -50,11 +54,6 @@ void readSurface(Bytes& bytes, SolidSurface& surface) {
     surface.material = bytes.number();
     surface.vertices.resize(bytes.countOf(3 * sizeof(double)));
     bytes.copy(surface.vertices.data(), 3 * sizeof(double), surface.vertices.size());
-    for (const auto& vertex : surface.vertices) {
-        if (!std::isfinite(vertex[0]) || !std::isfinite(vertex[1]) || !std::isfinite(vertex[2])) {
-            throw std::runtime_error("a coordinate of a solid is not a number");
-        }
-    }
     surface.sizes.resize(bytes.countOf(sizeof(std::uint32_t)));
     surface.corners.clear();
     for (std::uint32_t& size : surface.sizes) {
@@ -63,11 +62,34 @@ void readSurface(Bytes& bytes, SolidSurface& surface) {
         surface.corners.resize(first + size);
         bytes.copy(surface.corners.data() + first, sizeof(std::uint32_t), size);
     }
-    for (const std::uint32_t corner : surface.corners) {
-        if (corner >= surface.vertices.size()) {
-            throw std::runtime_error("a polygon of a solid has a vertex that is not there");
-        }
+    const std::string fault = surface.fault();
+    if (!fault.empty()) {
+        throw std::runtime_error(fault);
     }
+}
+
+void readSurfaces(std::string_view content, std::vector<SolidSurface>& surfaces) {
+    Bytes bytes(content);
+    surfaces.resize(bytes.countOf(3 * sizeof(std::uint32_t)));
+    for (SolidSurface& surface : surfaces) {
+        readSurface(bytes, surface);
+    }
+    if (!bytes.isEmpty()) {
+        throw std::runtime_error("a solid has bytes behind its end");
+    }
+}
+
+template <typename Number>
+void append(std::string& bytes, const Number* numbers, std::size_t count) {
+    bytes.append(reinterpret_cast<const char*>(numbers), sizeof(Number) * count);
+}
+
+void appendCount(std::string& bytes, std::size_t count) {
+    if (count > std::numeric_limits<std::uint32_t>::max()) {
+        throw std::length_error("a solid of too many parts");
+    }
+    const auto number = static_cast<std::uint32_t>(count);
+    append(bytes, &number, 1);
 }
 
 std::size_t positive(std::string_view field, bool allowZero) {
@@ -79,6 +101,59 @@ std::size_t positive(std::string_view field, bool allowZero) {
 }
 
 } // namespace
+
+void SolidSurface::addPolygon(const std::vector<std::uint32_t>& polygon) {
+    if (polygon.empty()) {
+        return;
+    }
+    sizes.push_back(static_cast<std::uint32_t>(polygon.size()));
+    corners.insert(corners.end(), polygon.begin(), polygon.end());
+}
+
+std::string SolidSurface::fault() const {
+    for (const std::array<double, 3>& vertex : vertices) {
+        if (!std::isfinite(vertex[0]) || !std::isfinite(vertex[1]) || !std::isfinite(vertex[2])) {
+            return "a coordinate of a solid is not a number";
+        }
+    }
+    std::size_t count = 0;
+    for (const std::uint32_t size : sizes) {
+        count += size;
+    }
+    if (count != corners.size()) {
+        return "the polygons of a solid have another number of corners than there are";
+    }
+    for (const std::uint32_t corner : corners) {
+        if (corner >= vertices.size()) {
+            return "a polygon of a solid has a vertex that is not there";
+        }
+    }
+    return "";
+}
+
+std::string solidBytes(const std::vector<SolidSurface>& surfaces) {
+    std::string bytes;
+    appendCount(bytes, surfaces.size());
+    for (const SolidSurface& surface : surfaces) {
+        append(bytes, &surface.material, 1);
+        appendCount(bytes, surface.vertices.size());
+        append(bytes, surface.vertices.data(), surface.vertices.size());
+        appendCount(bytes, surface.sizes.size());
+        const std::uint32_t* corner = surface.corners.data();
+        for (const std::uint32_t size : surface.sizes) {
+            append(bytes, &size, 1);
+            append(bytes, corner, size);
+            corner += size;
+        }
+    }
+    return bytes;
+}
+
+std::vector<SolidSurface> surfacesOf(std::string_view bytes) {
+    std::vector<SolidSurface> surfaces;
+    readSurfaces(bytes, surfaces);
+    return surfaces;
+}
 
 bool SolidsReader::next(Solid& solid) {
     while (!rest_.empty()) {
@@ -94,19 +169,13 @@ bool SolidsReader::next(Solid& solid) {
             if (size >= rest_.size() || rest_[size] != '\n') {
                 throw std::runtime_error("a solid ends too early");
             }
-            Bytes bytes(rest_.substr(0, size));
+            const std::string_view bytes = rest_.substr(0, size);
             rest_.remove_prefix(size + 1);
             if (toLong(fields[1]) != boundaryRepresentation) {
                 continue;
             }
             solid.object = positive(fields[0], false);
-            solid.surfaces.resize(bytes.countOf(3 * sizeof(std::uint32_t)));
-            for (SolidSurface& surface : solid.surfaces) {
-                readSurface(bytes, surface);
-            }
-            if (!bytes.isEmpty()) {
-                throw std::runtime_error("a solid has bytes behind its end");
-            }
+            readSurfaces(bytes, solid.surfaces);
             return true;
         } catch (const std::runtime_error& e) {
             rest_ = {};
@@ -115,3 +184,5 @@ bool SolidsReader::next(Solid& solid) {
     }
     return false;
 }
+
+} // namespace PluginKit

@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+using namespace PluginKit;
+
 namespace {
 
 using Vertices = std::vector<std::array<double, 3>>;
@@ -27,8 +29,8 @@ void append(std::string& bytes, const Vertices& vertices) {
 }
 
 /** One surface of material 7 with a triangle and a square. */
-std::string solidBytes(const Vertices& vertices = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}},
-                       std::uint32_t lastCorner = 3) {
+std::string exampleBytes(const Vertices& vertices = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}},
+                         std::uint32_t lastCorner = 3) {
     std::string bytes;
     append(bytes, 1U);
     append(bytes, 7U);
@@ -84,7 +86,7 @@ Vertices tilted(const Vertices& flat) {
 
 TEST(SolidsTest, readsBoundaryRepresentationsAndPassesOverOthers) {
     const std::string stream =
-        record("1", "2", solidBytes()) + record("2", "1", "no faces") + record("2", "2", solidBytes());
+        record("1", "2", exampleBytes()) + record("2", "1", "no faces") + record("2", "2", exampleBytes());
     SolidsReader reader(stream);
     Solid solid;
     ASSERT_TRUE(reader.next(solid));
@@ -100,11 +102,11 @@ TEST(SolidsTest, readsBoundaryRepresentationsAndPassesOverOthers) {
 }
 
 TEST(SolidsTest, saysWhatIsWrongWithAStream) {
-    const std::string good = record("1", "2", solidBytes());
+    const std::string good = record("1", "2", exampleBytes());
     for (std::size_t size = 1; size < good.size(); ++size) {
         EXPECT_EQ(messageOf(good.substr(0, size)).compare(0, 18, "solids, number 1: "), 0) << size;
     }
-    const std::string bytes = solidBytes();
+    const std::string bytes = exampleBytes();
     for (std::size_t size = 0; size < bytes.size(); ++size) {
         EXPECT_EQ(messageOf(good + record("1", "2", bytes.substr(0, size))),
                   "solids, number 2: a solid ends too early");
@@ -112,9 +114,9 @@ TEST(SolidsTest, saysWhatIsWrongWithAStream) {
     EXPECT_EQ(messageOf(record("1", "2", bytes + "x")), "solids, number 1: a solid has bytes behind its end");
     EXPECT_EQ(messageOf(record("0", "2", bytes)),
               "solids, number 1: a solid has a wrong number of its object or bytes");
-    EXPECT_EQ(messageOf(record("1", "2", solidBytes({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, 4))),
+    EXPECT_EQ(messageOf(record("1", "2", exampleBytes({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, 4))),
               "solids, number 1: a polygon of a solid has a vertex that is not there");
-    EXPECT_EQ(messageOf(record("1", "2", solidBytes({{std::numeric_limits<double>::quiet_NaN(), 0, 0}}))),
+    EXPECT_EQ(messageOf(record("1", "2", exampleBytes({{std::numeric_limits<double>::quiet_NaN(), 0, 0}}))),
               "solids, number 1: a coordinate of a solid is not a number");
     std::string greedy;
     append(greedy, 0xFFFFFFFFU);

@@ -4,12 +4,12 @@ include(CMakePackageConfigHelpers)
 set(packageDir ${CMAKE_INSTALL_LIBDIR}/cmake/ImportCommon)
 set(pkgConfigDir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-# The library and its headers
-install(TARGETS import-common EXPORT ImportCommonTargets
+# The library, the kit for plug-ins, and their headers
+install(TARGETS import-common plugin-kit EXPORT ImportCommonTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime NAMELINK_COMPONENT Development
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Runtime
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Development)
-install(DIRECTORY ImportSDK/ImportCommon/Include/ImportCommon DbFast/Include/DbFast
+install(DIRECTORY ImportSDK/ImportCommon/Include/ImportCommon DbFast/Include/DbFast PluginKit/Include/PluginKit
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT Development FILES_MATCHING PATTERN "*.h")
 
 # find_package(ImportCommon)
@@ -26,7 +26,8 @@ string(REGEX REPLACE "/$" "" PC_PREFIX_FROM_FILE "${PC_PREFIX_FROM_FILE}")
 configure_file(cmake/import-common.pc.in ${PROJECT_BINARY_DIR}/import-common.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/import-common.pc DESTINATION ${pkgConfigDir} COMPONENT Development)
 
-# The examples, a project of their own once installed
-install(DIRECTORY Examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/import-common/examples COMPONENT Development
-    FILES_MATCHING PATTERN "*.h" PATTERN "*.cpp" PATTERN "*.md" PATTERN "*.ifc" PATTERN "*.toy" PATTERN "CMakeLists.txt"
-    PATTERN none EXCLUDE)
+# The examples, a project of their own once installed, with the host and its plug-ins
+set(examplesDir ${CMAKE_INSTALL_DATADIR}/import-common/examples)
+install(FILES cmake/InstalledExamples.cmake RENAME CMakeLists.txt DESTINATION ${examplesDir} COMPONENT Development)
+install(FILES PluginKit/FORMATS.md DESTINATION ${CMAKE_INSTALL_DATADIR}/import-common COMPONENT Development)
+install(DIRECTORY ImportHost IfcReader IfcPlugin Examples DESTINATION ${examplesDir} COMPONENT Development)

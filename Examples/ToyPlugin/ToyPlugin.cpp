@@ -1,7 +1,9 @@
 #include <ImportCommon/ImportCommon.h>
 
+#include <PluginKit/PluginKit.h>
+
+#include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -9,6 +11,7 @@
 #include <vector>
 
 using namespace ImportCommon;
+using namespace PluginKit;
 
 namespace {
 
@@ -24,14 +27,14 @@ Box boxFromLine(const std::string& line) {
     Box box;
     std::istringstream fields(line);
     fields >> box.id >> box.kind;
-    for (double& coordinate : box.corner) {
-        fields >> coordinate;
-    }
-    for (double& length : box.size) {
-        fields >> length;
+    std::string number;
+    for (double* const numbers : {box.corner, box.size}) {
+        for (int axis = 0; axis < 3 && fields >> number; ++axis) {
+            numbers[axis] = toDouble(number);
+        }
     }
     std::getline(fields >> std::ws, box.name);
-    if (!fields || box.id.size() > ExternalGUID::GlobalIdSize) {
+    if (!fields) {
         throw std::runtime_error("not a box: " + line);
     }
     return box;
@@ -55,18 +58,26 @@ std::vector<Box> readBoxes(const std::wstring& fileName) {
 
 namespace {
 
-ExternalGUID spatialHashOf(const Box& box) {
-    double vertices[8][3];
+SolidSurface surfaceOf(const Box& box) {
+    SolidSurface surface;
     for (unsigned int i = 0; i < 8; ++i) {
+        std::array<double, 3> vertex{};
         for (unsigned int axis = 0; axis < 3; ++axis) {
-            vertices[i][axis] = box.corner[axis] + ((i >> axis & 1) != 0 ? box.size[axis] : 0.0);
+            vertex[axis] = box.corner[axis] + ((i >> axis & 1) != 0 ? box.size[axis] : 0.0);
         }
+        surface.vertices.push_back(vertex);
     }
-    return ExternalGUID::spatialHashFromVertexes(8, vertices[0]);
+    const std::vector<std::uint32_t> sides[] = {{0, 2, 3, 1}, {4, 5, 7, 6}, {0, 1, 5, 4},
+                                                {2, 6, 7, 3}, {0, 4, 6, 2}, {1, 3, 7, 5}};
+    for (const std::vector<std::uint32_t>& side : sides) {
+        surface.addPolygon(side);
+    }
+    return surface;
 }
 
-ExternalGUID identityOf(const Box& box) {
-    return box.id == "-" ? spatialHashOf(box) : ExternalGUID::fromIFCGlobalID(box.id.c_str());
+ExternalGUID spatialHashOf(const SolidSurface& surface) {
+    return ExternalGUID::spatialHashFromVertexes(static_cast<unsigned int>(surface.vertices.size()),
+                                                 surface.vertices[0].data());
 }
 
 } // namespace
@@ -75,11 +86,8 @@ namespace {
 
 ExternalVersion versionOf(const Box& box) {
     const double* const size = box.size;
-    const double halfDiagonal = std::hypot(size[0], size[1], size[2]) / 2;
     double distances[8];
-    for (double& distance : distances) {
-        distance = halfDiagonal; // from the centre to each corner
-    }
+    std::fill(distances, distances + 8, std::hypot(size[0], size[1], size[2]) / 2); // from the centre to each corner
     double centre[3];
     for (unsigned int axis = 0; axis < 3; ++axis) {
         centre[axis] = box.corner[axis] + size[axis] / 2;
@@ -100,89 +108,35 @@ std::string classOf(const Box& box) {
 
 namespace {
 
-void writeLine(FILE* stream, const std::string& line) {
-    if (stream != nullptr) {
-        std::fprintf(stream, "%s\n", line.c_str());
-    }
-}
-
-std::string hex(const char* bytes, unsigned int size) {
-    std::string text;
-    char digits[3];
-    for (unsigned int i = 0; i < size; ++i) {
-        std::snprintf(digits, sizeof digits, "%02x", static_cast<unsigned int>(static_cast<unsigned char>(bytes[i])));
-        text += digits;
-    }
-    return text;
-}
-
-std::string hex(const ExternalGUID& identity) {
-    unsigned int size = 0;
-    const char* const bytes = identity.getBytes(&size);
-    return hex(bytes, size);
-}
-
-std::string hex(const ExternalVersion& version) {
-    char bytes[CExternalVersion::MaximumStreamSize];
-    return hex(bytes, version.toByteStream(sizeof bytes, bytes));
-}
-
-std::string escaped(const std::string& text) {
-    std::string result;
-    for (const char c : text) {
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F || c == '%') {
-            result += "%" + hex(&c, 1);
-        } else {
-            result += c;
-        }
-    }
-    return result;
-}
-
-} // namespace
-
-namespace {
-
-std::string positionOf(const Box& box) {
-    std::ostringstream text;
-    text.precision(17);
-    for (unsigned int axis = 0; axis < 3; ++axis) {
-        text << (axis == 0 ? "" : " ") << box.corner[axis] + box.size[axis] / 2;
-    }
-    return text.str();
-}
-
-void importBoxes(const ForeignObjectEnv_t& env) {
+void importBoxes(const ForeignObjectEnv_t& env, StreamWriter& writer) {
     const std::vector<Box> boxes = readBoxes(env.fileName);
+    writer.material({{0.7, 0.7, 0.7, 1.0}, "grey"});
     ExternalGUIDDatabase database;
     for (const Box& box : boxes) {
-        const ExternalGUID identity = identityOf(box);
-        const ExternalGUID spatialHash = spatialHashOf(box);
-        if (database.findGUID(identity) != ExternalGUIDRuntimeID_None) {
+        const bool hasId = box.id != "-";
+        const SolidSurface surface = surfaceOf(box);
+        ObjectLine object;
+        object.spatialHash = spatialHashOf(surface);
+        object.identity = hasId ? identityFromSourceId(box.id) : object.spatialHash;
+        object.sourceId = hasId ? box.id : "";
+        object.version = versionOf(box);
+        object.className = classOf(box);
+        object.name = box.name;
+        for (unsigned int axis = 0; axis < 3; ++axis) {
+            object.position[axis] = box.corner[axis] + box.size[axis] / 2;
+        }
+        if (database.findGUID(object.identity) != ExternalGUIDRuntimeID_None) {
             throw std::runtime_error("this box is there already: " + box.name);
         }
-        const int id = database.insertGUID(identity);
-        const int hashId = database.insertGUID(spatialHash);
-        writeLine(env.foreignObjects,
-                  std::to_string(id) + "\t" + std::to_string(hashId) + "\t" + identity.getIFCGlobalID());
-        writeLine(env.objects, hex(identity) + "\t" + hex(spatialHash) + "\t" + hex(versionOf(box)) + "\t" +
-                                   classOf(box) + "\t" + positionOf(box) + "\t" + escaped(box.name));
+        const int id = database.insertGUID(object.identity);
+        writer.object(object, {id, database.insertGUID(object.spatialHash), ""});
+        writer.shape({surface});
+        writer.progress(static_cast<double>(writer.objectCount()) / static_cast<double>(boxes.size()), "boxes");
     }
-    writeLine(env.objects, "end\t" + std::to_string(boxes.size()));
 }
 
 } // namespace
 
 extern "C" __attribute__((visibility("default"))) int ImportModel() {
-    ForeignObjectEnv_t env;
-    if (!foreignobject_env_deserialize(env)) {
-        return 2; // a version of the environment that is not known here
-    }
-    try {
-        importBoxes(env);
-        return 0;
-    } catch (const std::exception& e) {
-        writeLine(env.log, "error\t" + escaped(e.what()));
-        return 1;
-    }
+    return runImport(importBoxes);
 }

@@ -5,6 +5,8 @@
 #include <ImportCommon/EnvironmentVariables.h>
 #include <ImportCommon/StringOperations.h>
 
+#include <PluginKit/StreamNames.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -13,18 +15,9 @@ using ImportCommon::EnvironmentVariables;
 using ImportCommon::FileStream;
 using ImportCommon::StringOperations;
 
-namespace {
-
-/** Keys are made of these names and a prefix, and the files are called by them. */
-constexpr const char* streamNames[] = {"foreignobjects", "objects",   "materials",   "layers",  "tova", "polygons",
-                                       "attributes",     "solids",    "xrefs",       "log",     "info", "hierarchy",
-                                       "progress",       "instances", "definitions", "textures"};
-static_assert(sizeof streamNames / sizeof streamNames[0] == 16, "the import environment has sixteen streams");
-
-} // namespace
-
 OutputStreams::OutputStreams(const std::string& folder) {
-    for (const std::string name : streamNames) {
+    for (const PluginKit::StreamName& stream : PluginKit::streamNames) {
+        const std::string name = stream.name;
         const std::string fileName = std::string(folder).append("/").append(name);
         const std::wstring key = L"fo_handle_" + std::wstring(name.begin(), name.end());
         std::unique_ptr<FileStream> file(

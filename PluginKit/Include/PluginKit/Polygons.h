@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <vector>
 
+namespace PluginKit {
+
 /**
  * Twice the area of a polygon as a vector that stands on its front. Coordinates are taken relative to the first corner,
  * so nothing is lost far from the origin. Zero for fewer than three corners.
@@ -25,3 +27,5 @@ std::array<double, 3> areaVector(const std::vector<std::array<double, 3>>& verti
  */
 void triangulate(const std::vector<std::array<double, 3>>& vertices, const std::uint32_t* corners, std::size_t count,
                  std::vector<std::uint32_t>& triangles);
+
+} // namespace PluginKit

@@ -1,14 +1,18 @@
 /**
  * @file Solids.h
- * The shapes that a plug-in wrote to the solids stream.
+ * Shapes as surfaces, and as the bytes of the solids stream.
  */
 #pragma once
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
+#include <string>
 #include <string_view>
 #include <vector>
+
+namespace PluginKit {
 
 /** Polygons of one material over common vertices. */
 struct SolidSurface {
@@ -16,7 +20,21 @@ struct SolidSurface {
     std::vector<std::array<double, 3>> vertices; ///< in the world, in metres
     std::vector<std::uint32_t> sizes;            ///< of each polygon, the number of its corners
     std::vector<std::uint32_t> corners;          ///< of all polygons, one after the other, as indices of vertices
+
+    /** Adds a polygon, counter-clockwise seen from outside; one without corners is left out. */
+    void addPolygon(const std::vector<std::uint32_t>& polygon);
+
+    /** What is wrong - a coordinate that is not finite, a corner that is no vertex - or "". */
+    std::string fault() const;
 };
+
+/**
+ * The bytes of a boundary representation, as FORMATS.md describes them. Throws std::length_error for 2^32 parts or more.
+ */
+std::string solidBytes(const std::vector<SolidSurface>& surfaces);
+
+/** Reads the bytes of a boundary representation. Throws std::runtime_error with what is wrong with them. */
+std::vector<SolidSurface> surfacesOf(std::string_view bytes);
 
 /** A boundary representation. */
 struct Solid {
@@ -46,3 +64,5 @@ private:
     std::string_view rest_;
     std::size_t count_ = 0; ///< solids read so far, for messages
 };
+
+} // namespace PluginKit
