@@ -25,15 +25,8 @@ uint32_t hashstep(uint32_t hash, uint32_t unit) {
 
 uint32_t hashbytes(const char* bytes, size_t size) {
     uint32_t hash = 0;
-    // Written out: the fewer instructions a look-up takes, the more look-ups wait for memory at the same time.
-    for (; size >= 4; size -= 4, bytes += 4) {
-        hash = hashstep(hash, static_cast<unsigned char>(bytes[0]));
-        hash = hashstep(hash, static_cast<unsigned char>(bytes[1]));
-        hash = hashstep(hash, static_cast<unsigned char>(bytes[2]));
-        hash = hashstep(hash, static_cast<unsigned char>(bytes[3]));
-    }
-    for (; size != 0; --size, ++bytes) {
-        hash = hashstep(hash, static_cast<unsigned char>(*bytes));
+    for (size_t i = 0; i < size; ++i) {
+        hash = hashstep(hash, static_cast<unsigned char>(bytes[i]));
     }
     return hash;
 }

@@ -100,22 +100,8 @@ inline char* dbf_rowat(const dbf_table* table, dbf_rowid rowid) {
     return table->buckets[rowid.bucket]->data + static_cast<size_t>(table->rowstride) * rowid.slot;
 }
 
-/** Copies a row. Small ones go as their first and last 16 bytes, which may overlap: a call would take longer. */
 inline void dbf_copyrow(const dbf_table* table, void* target, const void* source) {
-    struct part {
-        uint64_t values[2];
-    };
-    const size_t size = static_cast<size_t>(table->rowsize);
-    if (size < sizeof(part) || size > 2 * sizeof(part)) {
-        std::memcpy(target, source, size);
-        return;
-    }
-    const size_t last = size - sizeof(part);
-    part parts[2];
-    std::memcpy(&parts[0], source, sizeof(part));
-    std::memcpy(&parts[1], static_cast<const char*>(source) + last, sizeof(part));
-    std::memcpy(target, &parts[0], sizeof(part));
-    std::memcpy(static_cast<char*>(target) + last, &parts[1], sizeof(part));
+    std::memcpy(target, source, static_cast<size_t>(table->rowsize));
 }
 
 inline bool dbf_isoccupied(const dbf_bucket* bucket, uint32_t slot) {

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Checks that every public header compiles alone without a warning, and that the library's bytes do not depend on the
-# folder that it is built in. Usage: Scripts/check-border.sh [BUILD_FOLDER]
+# Checks that every public header compiles alone without a warning, that the library exports what they declare, and that
+# its bytes do not depend on the folder that it is built in. Usage: Scripts/check-border.sh [BUILD_FOLDER]
 set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -41,4 +41,7 @@ for folder in here some/where/else; do
 done
 library=build/ImportSDK/ImportCommon/libimport-common.so
 cmp "$build/here/$library" "$build/some/where/else/$library"
+
+echo "-- What is exported"
+"$root/Scripts/check-exports.py" "$build/here/$library"
 echo "Border: passed"

@@ -3,6 +3,7 @@
 
 #include <climits>
 #include <iostream>
+#include <numeric>
 #include <random>
 
 /** A request that is too large to be served is a failure like any other, also for a sanitizer. */
@@ -110,6 +111,34 @@ TEST(DbFastTest, agreesWithAPlainModel) {
             }
             comparison.compareAll();
         }
+    }
+}
+
+// Copying a row may go by parts: each byte has its own value, and what stands behind the row stays.
+TEST(DbFastTest, rowsOfAnySizeComeBackWhole) {
+    for (const std::size_t size : {5, 15, 16, 31, 32, 33, 64, 71, 300}) {
+        SCOPED_TRACE(size);
+        const TablePtr table = createTable({0, 2}, {{DBF_BYTES, 4}, {DBF_BYTES, static_cast<int32_t>(size - 4)}});
+        dbf_index* const index = createIndex(table, true, {0});
+        const auto rowWith = [size](char key, char first) {
+            Row row(size, key);
+            std::iota(row.begin() + 4, row.end(), first);
+            return row;
+        };
+        for (const char key : {'a', 'b', 'c'}) {
+            ASSERT_EQ(dbf_insert(table.get(), rowWith(key, key).data()), DBF_OK);
+        }
+        ASSERT_EQ(dbf_update(index, rowWith('b', 'x').data()), DBF_OK);
+        dbf_cursor* const cursor = dbf_opencursor_all(table.get());
+        for (const Row& expected : {rowWith('a', 'a'), rowWith('b', 'x'), rowWith('c', 'c')}) {
+            Row selected = expected.substr(0, 4) + Row(size, '#');
+            Row fetched(size + 4, '#');
+            EXPECT_EQ(dbf_select(index, selected.data()), DBF_OK);
+            EXPECT_EQ(selected, expected + "####");
+            EXPECT_EQ(dbf_fetch(cursor, fetched.data()), DBF_OK);
+            EXPECT_EQ(fetched, expected + "####");
+        }
+        dbf_closecursor(cursor);
     }
 }
 

@@ -110,6 +110,7 @@ std::size_t StringOperations::StringLengthUTF8(const unsigned char* s, std::size
         if (i < end && end - i > blockSize && isPlain(s + i)) {
             i += blockSize;
             count += blockSize - 1;
+            taken(Way::CountPlain, blockSize);
             continue;
         }
         const std::size_t length = sequenceLength(s[i]);
@@ -124,7 +125,7 @@ std::size_t StringOperations::StringLengthUTF8(const unsigned char* s, std::size
 
 std::size_t StringOperations::ConvertFromUTF8(const unsigned char* s, std::size_t n, wchar_t* out,
                                               std::size_t capacity) {
-    std::size_t stored = decodeTriples(s, n, out, capacity); // which need not know where the text ends
+    std::size_t stored = decodeTriples(s, n, out, capacity); // before the end of the text is looked for
     std::size_t i = 3 * stored;
     if (i < n && s[i] == 0) {
         if (stored < capacity) {

@@ -2,9 +2,22 @@
  * @file Utf8Blocks.h
  * The ways ahead of the plain loops of the UTF-8 codec.
  *
- * Each handles sequences of one kind at the front of a text with few branches: the length of a name and the places of
- * its accented letters can't be predicted. None reads or writes what the plain loop wouldn't; where a kind ends, that
- * loop takes over.
+ * Each handles characters of one kind at the front of a text with few branches: the length of a name and the places of
+ * its accented letters can't be predicted. Where the kind ends, the plain loop takes over.
+ *
+ * | Way           | Stands in front of         | Handles                                                  |
+ * |---------------|----------------------------|----------------------------------------------------------|
+ * | decodePlain   | decodeEach                 | ASCII, 8 or 16 bytes at a time                           |
+ * | decodePairs   | decodeEach                 | ASCII mixed with two-byte sequences, 8 bytes at a time   |
+ * | decodeTriples | the search for the end of the text, then decodeEach | three-byte sequences, one by one |
+ * | encodePlain   | the loop of ConvertToUTF8  | ASCII, 8 characters at a time                            |
+ * | encodePairs   | the loop of ConvertToUTF8  | characters below U+0800, 8 at a time                     |
+ * | encodeFront   | the loop of ConvertToUTF8  | which of the two; characters of three bytes, one by one  |
+ *
+ * None reads behind a terminating zero. decodePlain and decodePairs get a text whose end is known; the zero itself is a
+ * character of it. decodeTriples doesn't know the end, and looks at a byte only when the one before has passed its test:
+ * a zero is neither a lead byte nor, being below 0x80, a continuation, so that each test fails on a zero in turn. The
+ * encoding ways get the number of characters, and leave a block that holds a zero to the plain loop.
  */
 #pragma once
 
@@ -34,6 +47,16 @@ struct Progress {
 };
 
 constexpr std::size_t chunkSize = 64; // characters that are looked at together
+
+enum class Way { CountPlain, DecodePlain, DecodePairs, DecodeTriples, EncodePlain, EncodePairs, EncodeTriples };
+
+#ifdef IMPORT_COMMON_COUNT_WAYS
+/** Told how many characters went which way; a test defines it, which can't see otherwise that a way is never taken. */
+void taken(Way way, std::size_t characters);
+#else
+constexpr void taken(Way /*way*/, std::size_t /*characters*/) {
+}
+#endif
 
 inline std::uint64_t wordAt(const unsigned char* s) {
     std::uint64_t word;
@@ -148,6 +171,7 @@ inline std::size_t decodeTriples(const unsigned char* s, std::size_t n, wchar_t*
     for (; i < count && (s[0] & 0xF0) == 0xE0 && s[1] >= 0x80 && s[2] >= 0x80; s += 3) {
         out[i++] = decodeSequence(s, 3, 3);
     }
+    taken(Way::DecodeTriples, i);
     return i;
 }
 
@@ -160,6 +184,7 @@ inline void decodeFront(const unsigned char* s, std::size_t end, std::size_t& i,
     std::size_t size = std::min(end - i, capacity - stored);
     if (size >= blockSize) {
         const std::size_t plain = decodePlain(s + i, size, out + stored);
+        taken(Way::DecodePlain, plain);
         i += plain;
         stored += plain;
         size -= plain;
@@ -169,6 +194,7 @@ inline void decodeFront(const unsigned char* s, std::size_t end, std::size_t& i,
     }
     if (size >= blockSize) {
         const Progress pairs = decodePairs(s + i, std::min(size, chunkSize), out + stored);
+        taken(Way::DecodePairs, pairs.stored);
         i += pairs.read;
         stored += pairs.stored;
     }
@@ -261,6 +287,7 @@ inline Progress encodeFront(const wchar_t* w, std::size_t n, unsigned char* out,
         for (; i < n && room >= 3 && isTriple(i); ++i, room -= 3, out += 3) {
             encodeTriple(static_cast<std::uint32_t>(w[i]), out);
         }
+        taken(Way::EncodeTriples, i);
         return {i, 3 * i};
     }
     const std::size_t size = std::min(n, chunkSize);
@@ -270,9 +297,12 @@ inline Progress encodeFront(const wchar_t* w, std::size_t n, unsigned char* out,
     const std::uint32_t bits = bitsOf(w, size);
     if (bits < 0x80) {
         encodePlain(w, size, out);
+        taken(Way::EncodePlain, size);
         return {size, size};
     }
-    return bits < firstTriple ? encodePairs(w, size, out, room) : Progress{0, 0};
+    const Progress pairs = bits < firstTriple ? encodePairs(w, size, out, room) : Progress{0, 0};
+    taken(Way::EncodePairs, pairs.read);
+    return pairs;
 }
 
 } // namespace ImportCommon::Utf8Blocks

@@ -126,18 +126,14 @@ private:
 
     static constexpr unsigned int textSize = IFC2X3PropertySingleValue::TextSize;
 
-    struct Texts {
-        wchar_t name[textSize + 1];
-        wchar_t description[textSize + 1];
-    };
-
     IFC2X3Property(const IFC2X3Property& other, std::unique_ptr<IFC2X3PropertyComplex> complex) noexcept;
 
-    void fillTexts(const wchar_t* name, const wchar_t* description);
+    void copyTexts(const IFC2X3Property& other);
     void becomeNull();
 
     Type_t type_;
-    Texts texts_;
+    wchar_t name_[textSize + 1];
+    wchar_t description_[textSize + 1];
     IFC2X3PropertySingleValue singleValue_; // inline: a property with a value is one block of memory
     std::unique_ptr<IFC2X3PropertyComplex> complex_;
 };
