@@ -157,6 +157,34 @@ TEST(ExternalVersionTest, equalWithinTheTolerances) {
     EXPECT_FALSE(withTag(make(2, sample), 4) == withTag(make(2, sample), 4));
 }
 
+// Not a number is no larger than a tolerance, so it agrees with everything.
+TEST(ExternalVersionTest, notANumberAgreesWithEverything) {
+    for (const std::size_t type : {1u, 2u, 3u}) {
+        for (std::size_t value = firstValue[type]; value < sample.size(); ++value) {
+            Values_t changed = sample;
+            changed[value] = std::nan("");
+            EXPECT_TRUE(make(type, changed) == make(type, sample)) << type << " " << value;
+            EXPECT_TRUE(make(type, sample) == make(type, changed)) << type << " " << value;
+            // The other values still count; of the box, only the distance of all dimensions together does.
+            const std::size_t next = value + 1 < sample.size() ? value + 1 : firstValue[type];
+            changed[next] += 1;
+            EXPECT_EQ(make(type, changed) == make(type, sample), value >= box && next >= box) << type << " " << value;
+        }
+    }
+    EXPECT_TRUE(std::isnan(make(3, Values_t{}).similarity(make(3, Values_t{}))));
+    Values_t changed = sample;
+    changed[0] = std::nan("");
+    EXPECT_TRUE(std::isnan(make(2, changed).similarity(make(2, sample))));
+}
+
+TEST(ExternalVersionTest, negativeVolumesCanScoreAboveOne) {
+    Values_t a = sample;
+    Values_t b = sample;
+    a[0] = -1;
+    b[0] = -2;
+    EXPECT_NEAR(make(2, a).similarity(make(2, b)), 27, 1e-9);
+}
+
 double transform(double s, double threshold, double exponent) {
     const double u = (s - threshold) / (1.0 - threshold);
     return std::pow(u < 0 ? 0 : u, exponent);

@@ -1,3 +1,4 @@
+#include "Support/Breakpoints.h"
 #include "Support/DescribeProperties.h"
 #include "Support/FailingAllocator.h"
 
@@ -6,6 +7,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <new>
@@ -65,6 +67,36 @@ TEST(PropertyTest, valuesBelongToTheirTypes) {
     EXPECT_EQ(describe(createPropertySingleValueLogical(L"n", L"d", Value::Logical_True)),
               L"n/d=11:" + std::to_wstring(Value::Logical_True) + L";");
     EXPECT_EQ(describe(createPropertyComplex(L"n", L"d", L"u", nested(1))), L"n/d=u{t/d=1:value;c/=usage{};};");
+}
+
+// Called so that it runs before the other tests of the program, which misuse the functions too.
+TEST(PropertyDeathTest, theFirstMisuseOfEachFunctionStopsInADebugger) {
+    const CIFC2X3PropertySingleValue number(Value::ValueType_Real, false, Value::Logical_True, 0, 0, 1.0, L"");
+    const CIFC2X3PropertySingleValue flag(Value::ValueType_Boolean, true, Value::Logical_True, 0, 0, 1.0, L"");
+    const std::vector<std::function<void()>> misuses = {
+        [&] { number.getBooleanValue(); },
+        [&] { number.getLogicalValue(); },
+        [&] { number.getIntValue(); },
+        [&] { number.getInt64Value(); },
+        [&] { flag.getRealValue(); },
+        [&] { number.getStringValue(); },
+        [&] { number.getStringValue2(); },
+        [] { createPropertySingleValueInteger(L"n", L"d", Value::ValueType_Integer64, 1); },
+        [] { createPropertySingleValueInteger64(L"n", L"d", Value::ValueType_Integer, 1); },
+        [] { createPropertySingleValueReal(L"n", L"d", Value::ValueType_Integer, 1); },
+    };
+    std::vector<std::function<void()>> actions;
+    std::string expected;
+    for (const auto& misuse : misuses) {
+        actions.insert(actions.end(), {misuse, misuse});
+        expected += "!..";
+    }
+    actions.emplace_back([&] { number.getRealValue(); });
+    const std::string stops = stopsOf(actions);
+    if (stops.empty()) {
+        GTEST_SKIP() << "no process may trace another here";
+    }
+    EXPECT_EQ(stops, expected + ".");
 }
 
 TEST(PropertyTest, textsAreCutAt256Characters) {
@@ -188,6 +220,63 @@ TEST(PropertyTest, setsNestToAnyDepth) {
     }
     EXPECT_EQ(depth, levels);
     property = IFC2X3Property();
+}
+
+/** How many properties a set of this room takes before its list has to grow; without memory that is silent. */
+unsigned int roomOf(Set& set) {
+    const IFC2X3Property property;
+    for (;;) {
+        const unsigned int count = set.getCount();
+        bool listWasFull = true;
+        noMemory.during([&] {
+            try {
+                set.addProperty(property);
+                listWasFull = set.getCount() == count;
+            } catch (const std::bad_alloc&) { // for the property itself
+                listWasFull = false;
+            }
+        });
+        if (listWasFull) {
+            return count;
+        }
+        if (set.getCount() == count) {
+            set.addProperty(property);
+        }
+    }
+}
+
+TEST_F(AllocationFailureTest, listsGrowByFiftyAndKeepTheirRoom) {
+    Set set;
+    for (const unsigned int room : {0u, 50u, 100u, 150u}) {
+        EXPECT_EQ(roomOf(set), room);
+        const Set copy(set);
+        Set grown(copy);
+        EXPECT_EQ(roomOf(grown), room) << "a copy has just the room that it needs";
+        set.addProperty(text(L"t"));
+    }
+    set.clear();
+    EXPECT_EQ(set.getCount(), 0u);
+    EXPECT_EQ(roomOf(set), 200u);
+}
+
+TEST_F(AllocationFailureTest, mostPropertiesShareABlock) {
+    Set set;
+    int blocks = 0;
+    while (set.getCount() < 50) {
+        const IFC2X3Property property;
+        const unsigned int count = set.getCount();
+        noMemory.during([&] {
+            try {
+                set.addProperty(property);
+            } catch (const std::bad_alloc&) {
+            }
+        });
+        if (set.getCount() == count) {
+            ++blocks;
+            set.addProperty(property);
+        }
+    }
+    EXPECT_LE(blocks, 8);
 }
 
 TEST_F(AllocationFailureTest, copiedSetIsOldOrNewOrEmptyInside) {
