@@ -1,0 +1,170 @@
+#include "geometry/ItemBuilder.h"
+
+#include "geometry/Cutting.h"
+#include "geometry/HalfSpaces.h"
+#include "geometry/Placements.h"
+#include "geometry/Primitives.h"
+#include "geometry/Shells.h"
+#include "geometry/SweptSolids.h"
+
+namespace IfcReader {
+
+namespace {
+
+/** Items that stand in a representation without being a body. */
+bool hasNoBody(const Item& item) {
+    const std::string_view keyword = item.keyword();
+    if (item.is("IFCSURFACECURVESWEPTAREASOLID")) {
+        return false;
+    }
+    return keyword.find("CURVE") != std::string_view::npos || item.is("IFCPOLYLINE") || item.is("IFCLINE") ||
+           item.is("IFCCIRCLE") || item.is("IFCELLIPSE") || item.is("IFCGEOMETRICSET") || item.is("IFCBOUNDINGBOX") ||
+           item.is("IFCCARTESIANPOINT") || item.is("IFCTEXTLITERAL") || item.is("IFCTEXTLITERALWITHEXTENT") ||
+           item.is("IFCANNOTATIONFILLAREA") || item.is("IFCLIGHTSOURCE") || item.is("IFCSTYLEDITEM");
+}
+
+Operation operationOf(const Item& item) {
+    const std::string_view word = item.word(0);
+    if (word != "DIFFERENCE" && word != "UNION" && word != "INTERSECTION") {
+        item.fail("no operation that is known");
+    }
+    return word == "UNION" ? Operation::unite : word == "INTERSECTION" ? Operation::intersect : Operation::difference;
+}
+
+} // namespace
+
+void ItemBuilder::append(std::uint64_t id) {
+    const std::size_t before = bodies.size();
+    try {
+        appendItem(items_.at(id));
+    } catch (const ItemError& error) {
+        bodies.resize(before);
+        doubts.push_back(error.what());
+    }
+    for (std::size_t i = before; i < bodies.size(); ++i) {
+        bodies[i].items.insert(bodies[i].items.begin(), id);
+    }
+}
+
+void ItemBuilder::appendRepresentation(const Item& representation) {
+    for (const std::uint64_t id : representation.references(3)) {
+        append(id);
+    }
+}
+
+void ItemBuilder::appendItem(const Item& item) {
+    const Work::Level level(items_.work());
+    if (item.is("IFCMAPPEDITEM")) {
+        appendMapped(item);
+    } else if (item.is("IFCFACEBASEDSURFACEMODEL") || item.is("IFCSHELLBASEDSURFACEMODEL")) {
+        for (Body& part : surfaceModelOf(item)) {
+            bodies.push_back(std::move(part));
+        }
+    } else if (!hasNoBody(item)) {
+        Body part = body(item);
+        part.items.erase(part.items.begin());
+        if (!part.faces.empty()) {
+            bodies.push_back(std::move(part));
+        }
+    }
+}
+
+/** A shape costs the same work whether it is made or was kept: see Work. */
+void ItemBuilder::appendMapped(const Item& item) {
+    const Item map = item.child(0);
+    const Affine target = operatorOf(item.child(1));
+    Work& work = items_.work();
+    MappedShapes::Pointer shape = mapped_.find(map.id());
+    if (shape) {
+        work.add(shape->work);
+        work.reach(shape->levels);
+    } else {
+        const Work::Span span(work);
+        ItemBuilder inner(items_, mapped_);
+        inner.appendRepresentation(map.child(1));
+        const Affine origin = placementOf(map.child(0));
+        if (!origin.isIdentity()) {
+            for (Body& part : inner.bodies) {
+                transform(part, origin);
+            }
+        }
+        MappedShape made;
+        made.bodies = std::move(inner.bodies);
+        made.doubts = std::move(inner.doubts);
+        made.work = span.amount();
+        made.levels = span.levels();
+        shape = std::make_shared<const MappedShape>(std::move(made));
+        mapped_.keep(map.id(), shape);
+    }
+    for (const Body& part : shape->bodies) {
+        work.add(countPoints(part.faces) + 1);
+        bodies.push_back(part);
+        transform(bodies.back(), target);
+    }
+    work.add(shape->doubts.size());
+    doubts.insert(doubts.end(), shape->doubts.begin(), shape->doubts.end());
+}
+
+/** The body of an item; its own number is the first of the body's items. */
+Body ItemBuilder::body(const Item& item) {
+    const Work::Level level(items_.work());
+    Body result = solidBody(item);
+    result.items.insert(result.items.begin(), item.id());
+    return result;
+}
+
+Body ItemBuilder::solidBody(const Item& item) {
+    if (isSweptSolid(item)) {
+        return sweptSolidOf(item);
+    }
+    if (item.is("IFCFACETEDBREP") || item.is("IFCFACETEDBREPWITHVOIDS")) {
+        Body brep = brepOf(item);
+        if (!brep.solid) {
+            doubts.push_back(std::string(item.keyword()) + ": it isn't closed");
+        }
+        return brep;
+    }
+    if (item.is("IFCBOOLEANRESULT") || item.is("IFCBOOLEANCLIPPINGRESULT")) {
+        return combined(item);
+    }
+    if (item.is("IFCCSGSOLID")) {
+        return body(item.child(0));
+    }
+    if (isPrimitive(item)) {
+        return primitiveOf(item);
+    }
+    item.fail("no shape that is known");
+}
+
+Body ItemBuilder::secondOperand(const Item& item, const Body& first) {
+    if (!isHalfSpace(item)) {
+        return body(item);
+    }
+    Box reach;
+    reach.add(first);
+    return reach.empty() ? Body() : halfSpaceOf(item, reach);
+}
+
+Body ItemBuilder::combined(const Item& item) {
+    const Operation operation = operationOf(item);
+    Item firstItem = item.child(1);
+    Item secondItem = item.child(2);
+    if (isHalfSpace(firstItem) && operation == Operation::intersect) {
+        std::swap(firstItem, secondItem);
+    }
+    Body first = body(firstItem);
+    try {
+        const Body second = secondOperand(secondItem, first);
+        CutResult result = combine(operation, first, second, items_.work());
+        if (first.solid && !result.closed) {
+            doubts.push_back(std::string(item.keyword()) + ": what is left isn't closed");
+            result.body.solid = false;
+        }
+        return std::move(result.body);
+    } catch (const ItemError& error) { // better uncut than not there
+        doubts.push_back(error.what());
+        return first;
+    }
+}
+
+} // namespace IfcReader

@@ -1,0 +1,46 @@
+/**
+ * @file ItemBuilder.h
+ * Makes bodies of representation items.
+ */
+#pragma once
+
+#include "geometry/Body.h"
+#include "geometry/Item.h"
+#include "geometry/MappedShapes.h"
+
+#include <string>
+#include <vector>
+
+namespace IfcReader {
+
+/** Collects the bodies of some items, and what could not be built of them. */
+class ItemBuilder {
+public:
+    /** @param mapped, items outlive this. */
+    ItemBuilder(const Items& items, MappedShapes& mapped) : items_(items), mapped_(mapped) {}
+
+    /**
+     * Appends the bodies of an item; curves, points, texts and boxes have none. What can't be built becomes a doubt.
+     * @throw LimitError
+     */
+    void append(std::uint64_t id);
+
+    /** The bodies of all items of a representation. @throw LimitError */
+    void appendRepresentation(const Item& representation);
+
+    std::vector<Body> bodies;
+    std::vector<std::string> doubts; ///< kind of item, and reason
+
+private:
+    void appendItem(const Item& item);
+    void appendMapped(const Item& item);
+    Body body(const Item& item);
+    Body solidBody(const Item& item);
+    Body combined(const Item& item);
+    Body secondOperand(const Item& item, const Body& first);
+
+    const Items& items_;
+    MappedShapes& mapped_;
+};
+
+} // namespace IfcReader

@@ -1,0 +1,201 @@
+#include "geometry/ShapeBuilder.h"
+
+#include "geometry/Cutting.h"
+#include "geometry/HalfSpaces.h"
+#include "geometry/Item.h"
+#include "geometry/ItemBuilder.h"
+#include "geometry/ShapeParts.h"
+
+#include <algorithm>
+
+namespace IfcReader {
+
+namespace {
+
+/** How many points of mapped shapes are kept: about as much memory as the file's text takes. */
+std::size_t roomForMapped(const StepFile& file) {
+    return file.textSize() / 64 + 100'000;
+}
+
+std::string identifierOf(const Item& representation) {
+    return representation.text(1);
+}
+
+/** The representations of a product that show its body: those named so, else all that can't be told to be something else. */
+std::vector<Item> bodyRepresentations(const Item& product) {
+    std::vector<Item> named;
+    std::vector<Item> others;
+    const auto shape = product.referenceIf(6);
+    if (!shape) {
+        return {};
+    }
+    for (const std::uint64_t id : product.items().at(*shape).references(2)) {
+        const Item representation = product.items().at(id);
+        const std::string name = identifierOf(representation);
+        if (name == "Body") {
+            named.push_back(representation);
+        } else if (name != "Axis" && name != "FootPrint" && name != "Box" && name != "Annotation" && name != "Plan") {
+            others.push_back(representation);
+        }
+    }
+    return named.empty() ? others : named;
+}
+
+void appendBodies(const Item& product, ItemBuilder& builder) {
+    try {
+        for (const Item& representation : bodyRepresentations(product)) {
+            builder.appendRepresentation(representation);
+        }
+    } catch (const ItemError& error) {
+        builder.doubts.push_back(error.what());
+    }
+}
+
+/** Puts bodies together that are apart from each other, so that they can be cut in one go. */
+std::vector<Body> grouped(std::vector<Body>&& bodies) {
+    constexpr double apart = 1e-3;
+    std::vector<Body> groups;
+    std::vector<std::vector<Box>> boxes;
+    for (Body& body : bodies) {
+        Box box;
+        box.add(body);
+        std::size_t g = 0;
+        const auto meets = [&](const Box& other) { return box.meets(other, apart); };
+        while (g < groups.size() && std::any_of(boxes[g].begin(), boxes[g].end(), meets)) {
+            ++g;
+        }
+        if (g == groups.size()) {
+            groups.emplace_back();
+            boxes.emplace_back();
+        }
+        std::move(body.faces.begin(), body.faces.end(), std::back_inserter(groups[g].faces));
+        boxes[g].push_back(box);
+    }
+    return groups;
+}
+
+/** The openings of one product as bodies in its coordinates. */
+class Cutters {
+public:
+    Cutters(const Items& items, MappedShapes& mapped, const ProductPlacements& placements)
+        : builder_(items, mapped), items_(items), placements_(placements) {}
+
+    void add(std::uint64_t opening, std::uint64_t placement) {
+        const std::size_t before = builder_.bodies.size();
+        try {
+            const Item item = items_.at(opening);
+            appendBodies(item, builder_);
+            const Affine map = placements_.between(placement, item.referenceIf(5).value_or(0), items_.work());
+            for (std::size_t i = before; i < builder_.bodies.size(); ++i) {
+                transform(builder_.bodies[i], map);
+            }
+        } catch (const ItemError& error) {
+            builder_.bodies.resize(before);
+            builder_.doubts.push_back(error.what());
+        }
+    }
+
+    /** Cuts the openings out of bodies. */
+    void cut(std::vector<Body>& bodies, std::vector<std::string>& doubts) {
+        for (const std::string& doubt : builder_.doubts) {
+            doubts.push_back("opening: " + doubt);
+        }
+        auto& cutters = builder_.bodies;
+        const auto firstOpen =
+            std::stable_partition(cutters.begin(), cutters.end(), [](const Body& b) { return b.solid; });
+        if (firstOpen != cutters.end()) {
+            doubts.push_back("opening: it isn't closed");
+            cutters.erase(firstOpen, cutters.end());
+        }
+        const std::vector<Body> groups = grouped(std::move(cutters));
+        for (Body& body : bodies) {
+            for (const Body& group : groups) {
+                CutResult result = combine(Operation::difference, body, group, items_.work());
+                if (body.solid && !result.closed) {
+                    doubts.push_back("opening: what is left isn't closed");
+                    result.body.solid = false;
+                }
+                body = std::move(result.body);
+            }
+        }
+    }
+
+private:
+    ItemBuilder builder_;
+    const Items& items_;
+    const ProductPlacements& placements_;
+};
+
+/** The bounding box that a product's representation gives. */
+std::vector<Body> boundingBoxes(const Item& product) {
+    std::vector<Body> boxes;
+    const auto shape = product.referenceIf(6);
+    if (!shape) {
+        return boxes;
+    }
+    for (const std::uint64_t id : product.items().at(*shape).references(2)) {
+        for (const std::uint64_t part : product.items().at(id).references(3)) {
+            const Item item = product.items().at(part);
+            if (item.is("IFCBOUNDINGBOX")) {
+                boxes.push_back(boundingBoxOf(item));
+                boxes.back().solid = false; // it stands for the body, but its volume doesn't
+                boxes.back().items.push_back(part);
+            }
+        }
+    }
+    return boxes;
+}
+
+} // namespace
+
+ShapeBuilder::ShapeBuilder(const StepFile& file, const Units& units)
+    : file_(file), units_(units), placements_(file, units), openings_(file), mapped_(roomForMapped(file)) {
+}
+
+void ShapeBuilder::build(std::uint64_t product, Work& work, Shape& shape) const {
+    const Items items(file_, units_, work);
+    const Item item = items.at(product);
+    const std::uint64_t placement = item.referenceIf(5).value_or(0);
+    Affine world;
+    try {
+        world = placement != 0 ? placements_.world(placement) : Affine{};
+    } catch (const ItemError& error) {
+        shape.doubts.push_back(error.what());
+    }
+    shape.origin = {world.origin.x, world.origin.y, world.origin.z};
+    ItemBuilder builder(items, mapped_);
+    try {
+        appendBodies(item, builder);
+        const std::vector<std::uint64_t> openings = openings_.openingsOf(product);
+        if (!builder.bodies.empty() && !openings.empty()) {
+            Cutters cutters(items, mapped_, placements_);
+            for (const std::uint64_t opening : openings) {
+                cutters.add(opening, placement);
+            }
+            cutters.cut(builder.bodies, builder.doubts);
+        }
+        appendParts(builder.bodies, world, shape);
+    } catch (const LimitError& error) {
+        shape.parts.clear();
+        builder.doubts.assign(1, error.what());
+    }
+    shape.doubts.insert(shape.doubts.end(), builder.doubts.begin(), builder.doubts.end());
+    if (shape.parts.empty() && !shape.doubts.empty()) {
+        Work little;
+        appendParts(boundingBoxes(Items(file_, units_, little).at(product)), world, shape);
+    }
+}
+
+Shape ShapeBuilder::build(std::uint64_t product) const {
+    Shape shape;
+    Work work;
+    try {
+        build(product, work, shape);
+    } catch (const std::runtime_error& error) {
+        shape.doubts.push_back(error.what());
+    }
+    work_ += work.used();
+    return shape;
+}
+
+} // namespace IfcReader

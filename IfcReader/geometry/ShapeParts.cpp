@@ -1,0 +1,96 @@
+#include "geometry/ShapeParts.h"
+
+#include "geometry/FlatPolygon.h"
+#include "geometry/PointMerger.h"
+#include "geometry/Triangulation.h"
+
+#include <algorithm>
+
+namespace IfcReader {
+
+namespace {
+
+constexpr double samePlace = 1e-5; ///< corners that are nearer are one vertex, in metres
+constexpr double flatEnough = 1e-5;
+
+/** Collects the polygons of one part. */
+class PartMaker {
+public:
+    PartMaker(ShapePart& part, std::size_t points) : part_(part), merger_(samePlace, points) {}
+
+    void add(const Face& face) {
+        const Vector normal = areaVector(face);
+        if (face.holes.empty()) {
+            if (face.outer.size() == 3 || (isFlat(face.outer) && isConvex(face.outer, normalized(normal)))) {
+                addLoop(face.outer);
+                return;
+            }
+        }
+        for (const Loop& triangle : trianglesOf(face, normal)) {
+            addLoop(triangle);
+        }
+    }
+
+    /** Turns the vertices into the world. */
+    void finish(const Affine& turn) {
+        part_.vertices.reserve(merger_.points().size());
+        for (const Vector& p : merger_.points()) {
+            const Vector v = turn.turn(p);
+            part_.vertices.push_back({v.x, v.y, v.z});
+        }
+    }
+
+private:
+    static bool isFlat(const Loop& loop) {
+        const Plane plane = planeOf(loop);
+        return std::all_of(loop.begin(), loop.end(), [&](const Vector& p) { return std::abs(plane(p)) <= flatEnough; });
+    }
+
+    void addLoop(const Loop& loop) {
+        std::vector<std::uint32_t> polygon;
+        for (const Vector& p : loop) {
+            const std::uint32_t number = merger_.numberOf(p);
+            if (polygon.empty() || polygon.back() != number) {
+                polygon.push_back(number);
+            }
+        }
+        while (polygon.size() > 1 && polygon.front() == polygon.back()) {
+            polygon.pop_back();
+        }
+        if (polygon.size() > 2) {
+            part_.polygons.push_back(std::move(polygon));
+        }
+    }
+
+    ShapePart& part_;
+    PointMerger merger_;
+};
+
+} // namespace
+
+void appendParts(const std::vector<Body>& bodies, const Affine& turn, Shape& shape) {
+    for (std::size_t begin = 0; begin < bodies.size();) {
+        std::size_t end = begin;
+        std::size_t points = 0;
+        while (end < bodies.size() && bodies[end].items == bodies[begin].items &&
+               bodies[end].solid == bodies[begin].solid) {
+            points += countPoints(bodies[end].faces);
+            ++end;
+        }
+        ShapePart part;
+        part.items = bodies[begin].items;
+        part.closed = bodies[begin].solid;
+        PartMaker maker(part, points);
+        for (; begin < end; ++begin) {
+            for (const Face& face : bodies[begin].faces) {
+                maker.add(face);
+            }
+        }
+        maker.finish(turn);
+        if (!part.polygons.empty()) {
+            shape.parts.push_back(std::move(part));
+        }
+    }
+}
+
+} // namespace IfcReader
