@@ -154,8 +154,8 @@ TEST_F(AllocationFailureTest, identityIsEmpty) {
 }
 
 TEST_F(AllocationFailureTest, treeKeepsItsNodes) {
-    // The next node is the first one, or needs a block and a larger table of cells.
-    for (const unsigned int before : {0U, 1024U}) {
+    // The next node is the first one, or needs a block, or ends skips of two levels.
+    for (const unsigned int before : {0U, 1024U, 256U}) {
         forEachFailure([before](const Failure& failure) {
             CDxKDTree tree(2);
             const auto insert = [&tree](unsigned int id) {

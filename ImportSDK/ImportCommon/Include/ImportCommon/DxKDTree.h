@@ -6,12 +6,7 @@
 
 #include <ImportCommon/Export.h>
 
-#include <cstdint>
-#include <memory>
-
 namespace ImportCommon {
-
-class CDxKDTreeCells;
 
 /**
  * Stores vectors of doubles and finds one that matches a given vector: the sum of absolute differences is below 0.01.
@@ -19,10 +14,6 @@ class CDxKDTreeCells;
  * A look-up is one descent without backtracking, so a match on the far side of a split is not found. Nodes are numbered
  * in the order of insertion, from 0, and are never removed. Vectors with a component that is not finite match nothing;
  * in a tree of dimension 0 everything matches. Not safe for use by several threads at a time.
- *
- * Insertions leave work for the first look-up of a vector that is close to a stored one without being equal, a descent
- * for each node: at a million nodes it may take seconds, and longer when their order makes the tree one long chain that
- * goes to and fro.
  */
 class IMPORT_COMMON_API CDxKDTree {
 public:
@@ -68,27 +59,26 @@ public:
     unsigned int getCount() const;
 
 private:
+    friend class CDxKDTreeProbe; // a test that looks at how a descent went
     struct Node_s;
     struct Block;
     struct Skip;
+    struct Query;
     struct Way;
+    class SkipBuilder;
 
     bool addBlock();
     Node_s& nodeAt(unsigned int id) const;
-    bool isFinite(const double* vector) const;
-    double distance(Node_s& node, const double* vector) const;
-    unsigned int recall(const double* vector, std::uint64_t cell) const;
-    void completeTree();
-    void addToTree(Node_s& node, const Way& way);
-    Way descend(const double* vector, bool mayMatch);
+    double* vectorAt(unsigned int id) const;
+    bool matches(unsigned int id, const Query& query) const;
+    template <typename Observer>
+    Way descend(const Query& query, Observer& observer) const;
 
     unsigned int count_ = 0;
     unsigned int dimension_;
     unsigned int blockCount_ = 0;
-    unsigned int inTree_ = 0; // nodes that descents meet
     Block* blocks_ = nullptr;
-    Skip* skips_ = nullptr;
-    std::unique_ptr<CDxKDTreeCells> cells_;
+    Skip* skips_ = nullptr; // the one that was allocated last
 };
 
 } // namespace ImportCommon
