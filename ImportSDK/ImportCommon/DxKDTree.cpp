@@ -55,7 +55,7 @@ unsigned int CDxKDTree::insert(const double* vector) {
     }
     node.split = stored[way.axis];
     *way.place = count_;
-    skips.finish(count_, way);
+    skips.finish(count_, query, way);
     return count_++;
 }
 

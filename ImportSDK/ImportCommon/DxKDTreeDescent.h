@@ -73,10 +73,17 @@ struct CDxKDTree::Query {
 };
 
 /**
- * A short cut from a node to one that is 16, 256, ... levels below it. What a vector must be like to go all the way is an
- * interval for each component, which stand behind the skip. Nodes neither move nor change sides, so a skip stays valid.
+ * A short cut from a node to one that is 16, 256, ... levels below it. The bounds, which stand behind it, tell which of
+ * the vectors that come to the node go all the way. Nodes neither move nor change sides, so a skip stays valid.
  */
 struct alignas(double) CDxKDTree::Skip {
+    /** The outermost of the nodes that split on one axis and that the way leaves on the same side. */
+    struct Bound {
+        double split;
+        unsigned int axis;
+        bool isHigh; // the side
+    };
+
     unsigned int target;
     unsigned int level; // it leads over 16 skips of the level below, at level 0 over 16 nodes
     unsigned int depth; // of the target
@@ -85,23 +92,18 @@ struct alignas(double) CDxKDTree::Skip {
     Skip* allocatedBefore;
     double nearestBelow; // projections of nodes on the way: none lies between these two
     double nearestAbove;
+    std::size_t boundCount;
 
-    /** The largest component, for each axis, of the nodes that the way leaves on their high side. */
-    double* highest() { return reinterpret_cast<double*>(this + 1); }
-    /** The smallest one of those that it leaves on their low side, which is further on in the same memory. */
-    double* lowest(unsigned int dimension) { return highest() + dimension; }
+    Bound* bounds() { return reinterpret_cast<Bound*>(this + 1); }
 
-    bool isFor(const Query& query, unsigned int dimension) {
+    bool isFor(const Query& query) {
         if (!(query.projection - nearestBelow >= query.reach && nearestAbove - query.projection >= query.reach)) {
             return false;
         }
-        for (unsigned int i = 0; i < dimension; ++i) {
-            // Subtraction is monotonic, rounded or not: the outermost node speaks for all.
-            if (!isHighSide(query.vector[i], highest()[i]) || isHighSide(query.vector[i], lowest(dimension)[i])) {
-                return false;
-            }
-        }
-        return true;
+        // Subtraction is monotonic, rounded or not: the outermost node speaks for all.
+        return std::all_of(bounds(), bounds() + boundCount, [&query](const Bound& bound) {
+            return isHighSide(query.vector[bound.axis], bound.split) == bound.isHigh;
+        });
     }
 };
 
@@ -143,7 +145,7 @@ CDxKDTree::Way CDxKDTree::descend(const Query& query, Observer& observer) const 
         Node_s& node = nodeAt(id);
         observer.onNode(id, way.depth);
         Skip* skip = node.skip;
-        while (skip != nullptr && !skip->isFor(query, dimension_)) {
+        while (skip != nullptr && !skip->isFor(query)) {
             skip = skip->shorter;
         }
         if (skip != nullptr) {

@@ -4,7 +4,8 @@
  *
  * Invariant: a skip of level n leads from a node whose depth is a multiple of 16^(n+1) to a node 16^(n+1) levels below
  * it, and a node has at most one skip of each level. It belongs to the first descent that got so deep; that is where long
- * chains grow, which sorted input makes.
+ * chains grow, which sorted input makes. A skip's bounds and those of all nodes above its start are together those of all
+ * nodes above its target; what is known at the start already is left out, for each vector that comes there has passed it.
  */
 #pragma once
 
@@ -24,8 +25,8 @@ public:
     }
     void onSkip(unsigned int) {}
 
-    /** Adds the skips to a node that has been linked at the end of the descent. */
-    void finish(unsigned int target, const Way& way);
+    /** Adds the skips to a node that has been linked where the descent ended. */
+    void finish(unsigned int target, const Query& query, const Way& way);
 
 private:
     static constexpr unsigned int levelBits = 4;
@@ -34,10 +35,10 @@ private:
 
     static unsigned int lengthOf(unsigned int level) { return 1U << levelBits * (level + 1); }
 
-    bool addSkip(unsigned int start, unsigned int target, unsigned int level, const Way& way);
-    bool coverNodes(Skip& skip, unsigned int start) const;
-    bool coverSkips(Skip& skip, unsigned int start) const;
-    bool keepApart(Skip& skip, double below, double above) const;
+    struct Cell;
+
+    bool addSkip(unsigned int start, const Query& query, const Skip& skip);
+    void walk(unsigned int start, unsigned int startDepth, const Query& query, unsigned int endDepth, Cell& cell) const;
 
     CDxKDTree& tree_;
     unsigned int starts_[levels] = {}; // for each level the last node of a descent where a skip can begin
