@@ -16,6 +16,7 @@
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <new>
 #include <optional>
 #include <set>
 #include <string>
@@ -153,9 +154,23 @@ TEST_F(AllocationFailureTest, identityIsEmpty) {
     }
 }
 
+TEST_F(AllocationFailureTest, treeWithoutNodesStaysEmpty) {
+    forEachFailure([](const Failure& failure) {
+        std::unique_ptr<CDxKDTree> tree;
+        const double vector = 1;
+        const bool failed = failure.during([&] { tree.reset(new (std::nothrow) CDxKDTree(1)); });
+        if (tree != nullptr) {
+            EXPECT_EQ(tree->insert(&vector), 0U);
+            EXPECT_EQ(tree->find(&vector), failed ? CDxKDTree::NotFound : 0);
+            EXPECT_EQ(tree->getVector(0) == nullptr, failed);
+        }
+        return failed;
+    });
+}
+
 TEST_F(AllocationFailureTest, treeKeepsItsNodes) {
-    // The next node is the first one, or needs a block, or ends skips of two levels.
-    for (const unsigned int before : {0U, 1024U, 256U}) {
+    // The next node ends skips of two levels, or needs a block besides.
+    for (const unsigned int before : {256U, 1024U}) {
         forEachFailure([before](const Failure& failure) {
             CDxKDTree tree(2);
             const auto insert = [&tree](unsigned int id) {
