@@ -10,8 +10,9 @@
  * out, one line on the standard error stream names the size and the purpose, and the operation reports failure;
  * whatever was stored before stays stored and can be found.
  *
- * The create calls answer null for a null argument, the drop calls accept null, and a null pointer in a field is a value
- * of its own. No other argument may be null.
+ * The create calls answer null for a null argument, the drop and close calls accept null, and a null pointer in a field
+ * is a value of its own. REQUIRES, everywhere else: no argument is null, and a row buffer has the layout of the table's
+ * fields.
  */
 #ifndef DBFAST_DBFAST_H
 #define DBFAST_DBFAST_H
@@ -72,7 +73,11 @@ typedef struct dbf_indexspec {
     int32_t unique; /**< not 0 when a key may occur just once */
 } dbf_indexspec;
 
-/** Where a row lives. A row keeps its location until it is deleted or its table is cleared. */
+/**
+ * Where a row lives. A row keeps its location until it is deleted or its table is cleared; then a later insert takes
+ * the place for another row, and the location means that one. To be safe, keep a key rather than a location across
+ * deletions.
+ */
 typedef struct dbf_rowid {
     uint16_t bucket; /**< number of the bucket, from 0 */
     uint16_t slot;   /**< number of the row in its bucket, from 0 */
@@ -149,7 +154,12 @@ DBFAST_API int dbf_delete(dbf_index* index, const void* row);
 
 /**
  * Creates a hash index over the fields numbered in @p keyfields (from 0, ended by a negative number, each at most once)
- * and enters the rows that the table already holds.
+ * and enters the rows that the table already holds, in the order of their locations: of rows with the same key, the one
+ * with the highest location comes first.
+ *
+ * Rows that are there already are not compared: a unique index over rows that hold a key twice is created all the same.
+ * dbf_select, dbf_update and dbf_delete then work on the first of them, and after a deletion on the next; new rows with
+ * the key are refused. Search for each key first where that matters.
  * @param table      the table
  * @param indexspec  kind and uniqueness; read during the call only
  * @param keyfields  numbers of the key fields; read during the call only
@@ -168,7 +178,8 @@ DBFAST_API int dbf_dropindex(dbf_index* index);
  * Finds the first row whose key fields equal those of @p keyrow, in a unique or other index.
  *
  * Rows with the same key come newest first. When the table grows, its indexes are made anew from the rows as they are
- * stored, so that the rows come in descending order of their location then.
+ * stored, so that those rows come in descending order of their location then, as they do in a new index; later ones
+ * come in front of them. Do not rely on the order of equal keys across inserts.
  *
  * @param index   the index
  * @param keyrow  a row buffer, of which the key fields are read
@@ -179,6 +190,10 @@ DBFAST_API const dbf_rowid* dbf_findhashmatch(dbf_index* index, const void* keyr
 
 /**
  * Finds the next row with the same key.
+ *
+ * REQUIRES: no insert, update, deletion or clearing since @p match was returned; after one the result may leave rows
+ * out, or be one that is gone.
+ *
  * @param index   the index
  * @param keyrow  a row buffer with the same key
  * @param match  what dbf_findhashmatch or this function returned for the same index and key
@@ -189,8 +204,12 @@ DBFAST_API const dbf_rowid* dbf_findhashmatch_next(dbf_index* index, const void*
 /**
  * Opens a cursor over all rows, in storage order: bucket by bucket, slot by slot.
  *
- * A cursor holds the locations of its rows as they were when it was opened. Rows inserted later are not seen. Close a
- * cursor before its table is dropped.
+ * A cursor holds the locations of its rows as they were when it was opened. Rows inserted later are not seen, with one
+ * exception: a row that took the place of one that was deleted since. The cursor fetches it as if it had been there,
+ * and dbf_updatecurrent and dbf_deletecurrent overwrite and delete it. To be safe, insert nothing into a table while a
+ * cursor is open that rows were deleted under, or compare the key of what was fetched.
+ *
+ * Close a cursor before its table is dropped.
  * @param table  the table
  * @return the cursor, owned by the caller until dbf_closecursor; null without memory
  */
@@ -221,7 +240,7 @@ DBFAST_API int dbf_fetch(dbf_cursor* cursor, void* row);
 DBFAST_API int dbf_getcursorrowcount(dbf_cursor* cursor);
 
 /**
- * Overwrites the row fetched last and moves it in every index whose key changes.
+ * Overwrites the row at the place of the one fetched last and moves it in every index whose key changes.
  * @param cursor  the cursor
  * @param row     the new row, in the layout of the table's fields
  * @return DBF_OK; DBF_NOTFOUND before the first fetch or when the row is gone; DBF_DUPLICATE when a unique index has
@@ -230,7 +249,7 @@ DBFAST_API int dbf_getcursorrowcount(dbf_cursor* cursor);
 DBFAST_API int dbf_updatecurrent(dbf_cursor* cursor, const void* row);
 
 /**
- * Deletes the row fetched last; the cursor goes on behind it.
+ * Deletes the row at the place of the one fetched last; the cursor goes on behind it.
  * @param cursor  the cursor
  * @return DBF_OK; DBF_NOTFOUND before the first fetch or when the row is gone
  */
@@ -238,7 +257,7 @@ DBFAST_API int dbf_deletecurrent(dbf_cursor* cursor);
 
 /**
  * Closes a cursor.
- * @param cursor  the cursor
+ * @param cursor  the cursor; may be null
  * @return DBF_OK
  */
 DBFAST_API int dbf_closecursor(dbf_cursor* cursor);

@@ -30,6 +30,10 @@ enum ExternalVersionType_e : unsigned int {
  *
  * A plain value. It is tested for equality within fixed tolerances, scored for similarity, and written to a byte stream
  * that is stored with the object until the next import.
+ *
+ * Numbers are taken as they come. A value that is not a number agrees with every value, since no difference from it is
+ * larger than a tolerance; keep such values out. Pointers must not be null. A getter that says something on the log
+ * also stops in a debugger that is attached, see KitDebugBreak.
  */
 class IMPORT_COMMON_API CExternalVersion {
 public:
@@ -49,6 +53,9 @@ public:
 
     /**
      * A geometry version; eight distances are copied.
+     *
+     * REQUIRES: @p distances points to eight doubles.
+     *
      * @param x          length of the box along x
      * @param y          length along y
      * @param z          length along z
@@ -58,6 +65,9 @@ public:
 
     /**
      * A solid version; eight distances and three coordinates of the centroid are copied.
+     *
+     * REQUIRES: @p distances points to eight doubles and @p centroid to three.
+     *
      * @param x          length of the box along x
      * @param y          length along y
      * @param z          length along z
@@ -76,7 +86,7 @@ public:
     /**
      * Whether both are of the same kind and every value that the kind carries agrees: volume within 1e-6, each centroid
      * coordinate, each distance, and the Euclidean distance of the box dimensions within 0.001. Two invalid versions
-     * are equal; a version of unknown kind equals nothing, not even itself.
+     * are equal; a version of unknown kind equals nothing, not even itself. NaN agrees with everything.
      * @param other  the version to compare with
      * @return whether they are equal
      */
@@ -85,8 +95,11 @@ public:
     /**
      * How alike two versions are, from 0 (different) to 1 (the same), scored by the kind of this object:
      * a.similarity(b) and b.similarity(a) differ between kinds. What the other does not carry counts as its zeros.
-     * Invalid and unknown kinds score 0. Differences are measured by the mean distance, so that two solids or geometries
-     * whose distances are all zero score NaN. Solids of negative volume can score above 1.
+     * Invalid and unknown kinds score 0. Differences are measured by the mean distance, so that two solids or
+     * geometries whose distances are all zero score NaN, and a NaN among the values can make any score one.
+     *
+     * The score is not bounded by 1: of two negative volumes the smaller one divided by the larger one is above 1, and
+     * so are negative distances whose mean is below zero. Only volumes and distances of 0 and above stay within 0 to 1.
      * @param other  the version to compare with
      * @return the score
      */
@@ -102,6 +115,9 @@ public:
 
     /**
      * Fills eight distances. A kind without them gives zeros and says so once on the log.
+     *
+     * REQUIRES: @p distances has room for eight doubles.
+     *
      * @param distances  receives eight doubles
      */
     void getDistances(double* distances) const;

@@ -11,8 +11,11 @@
 namespace ImportCommon {
 
 /**
- * A property that is filled at construction; otherwise just an IFC2X3Property. Texts must not be null; the first 256
- * characters of each are copied. Throws `std::bad_alloc` without memory, as do the functions below.
+ * A property that is filled at construction; otherwise just an IFC2X3Property. The first 256 characters of each text
+ * are copied. Only the constructor with a nested set, and createPropertyComplex, need memory, and throw
+ * `std::bad_alloc` without it.
+ *
+ * REQUIRES, here and below: no text is null, and each has 256 characters or a zero before.
  */
 class IMPORT_COMMON_API CIFC2X3Property : public IFC2X3Property {
 public:

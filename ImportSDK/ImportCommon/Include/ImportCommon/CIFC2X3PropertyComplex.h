@@ -12,7 +12,10 @@ namespace ImportCommon {
 class IMPORT_COMMON_API CIFC2X3PropertyComplex : public IFC2X3PropertyComplex {
 public:
     /**
-     * Copies the first 256 characters of @p usageName, which must not be null, and the set.
+     * Copies the first 256 characters of @p usageName, and the set. Throws `std::bad_alloc` without memory.
+     *
+     * REQUIRES: @p usageName is not null, and has 256 characters or a zero before.
+     *
      * @param usageName  what the set is used for
      * @param set        the nested set
      */

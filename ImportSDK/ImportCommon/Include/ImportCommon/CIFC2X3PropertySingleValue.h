@@ -12,7 +12,10 @@ namespace ImportCommon {
 class IMPORT_COMMON_API CIFC2X3PropertySingleValue : public IFC2X3PropertySingleValue {
 public:
     /**
-     * Stores every field as given; of @p text, which must not be null, the first 256 characters.
+     * Stores every field as given; of @p text the first 256 characters.
+     *
+     * REQUIRES: @p text is not null, and has 256 characters or a zero before.
+     *
      * @param type          says which of the values counts
      * @param boolValue     the flag
      * @param logicalValue  the three-state value

@@ -17,6 +17,10 @@ namespace ImportCommon {
  * exports "PluginDeInit" has that called just before it is unloaded. Results of both are ignored; neither has to exist.
  * An exception from "PluginInit" passes through, and the library stays loaded, since the exception may need its code.
  * Loading throws `std::bad_alloc` without memory for a path or message.
+ *
+ * The system looks for a symbol in the library and then in the libraries that it depends on. A library without entry
+ * points of its own thus has those of a dependency called, and the executable those of any library that it was linked
+ * with. A plug-in defines both, even if they do nothing.
  */
 class IMPORT_COMMON_API DynamicLibrary {
 public:
@@ -38,6 +42,9 @@ public:
 
     /**
      * Takes over a handle of the system's loader (null: not loaded) and calls "PluginInit" if the library has it.
+     *
+     * REQUIRES: null, or an open handle that nobody else closes; "PluginInit" takes no arguments.
+     *
      * @param handle  the handle, closed with this object; may be null
      */
     explicit DynamicLibrary(void* handle);
@@ -45,11 +52,14 @@ public:
     /** Calls "PluginDeInit" if the library has it, and unloads. An exception from there ends the process. */
     ~DynamicLibrary();
 
+    /** Not copied: one object unloads the library. */
     DynamicLibrary(const DynamicLibrary&) = delete;
+    /** Not copied: one object unloads the library. */
     DynamicLibrary& operator=(const DynamicLibrary&) = delete;
 
     /**
-     * Address of an exported symbol; null when there is none or nothing is loaded. Valid while this object lives.
+     * Address of a symbol that the library or one of its dependencies exports; null when there is none or nothing is
+     * loaded. Valid while this object lives.
      * @param name  the symbol's name, as the linker knows it
      * @return the address or null
      */

@@ -17,7 +17,7 @@ namespace ImportCommon {
  * Keys and values are wide text here and UTF-8 in the environment, converted as StringOperations does: at most 4095
  * bytes each, and at most 4095 characters of text read back. A stream travels as the decimal value of its `FILE*`,
  * which means something only inside the process that wrote it. The environment is not locked: set variables from one
- * thread before others read them. What returns text throws `std::bad_alloc` without memory.
+ * thread before others read them. What returns text throws `std::bad_alloc` without memory; nothing else throws.
  */
 class IMPORT_COMMON_API EnvironmentVariables {
 public:

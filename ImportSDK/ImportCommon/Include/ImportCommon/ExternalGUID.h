@@ -27,7 +27,8 @@ struct PXGUID_t {
  * |      8 |   88 | spatial hash: 11 doubles; GlobalId: 22 characters; PX: 16 bytes;         |
  * |        |      | Halvorne: signed 32-bit integer; the rest is zero                        |
  *
- * A value class: it owns one heap block, and copies are deep. Without memory for the block a value is empty; an empty
+ * A value class: it owns one heap block, and copies are deep. The first call of a getter for another kind in a process
+ * stops in an attached debugger. Without memory for the block a value is empty; an empty
  * value reads as an all-zero record of kind GUIDTypeNone and ignores what is assigned to it. Nothing throws.
  */
 class IMPORT_COMMON_API ExternalGUID {
@@ -68,11 +69,18 @@ public:
      * @return this identity
      */
     ExternalGUID& operator=(const ExternalGUID& other);
+    /** Releases the record. */
     ~ExternalGUID();
 
     /**
      * Identity from the first 22 characters of a GlobalId; of a shorter text the rest is zero. A null pointer gives no
      * identity.
+     *
+     * What follows the 22nd character is dropped: two ids that differ only there become one identity. Give longer ids
+     * of a source another form, such as a PX GUID made of a 128-bit hash of the id.
+     *
+     * REQUIRES: at least 22 characters, or a zero byte before.
+     *
      * @param globalId  the text; read during the call only
      * @return the identity
      */
@@ -94,6 +102,9 @@ public:
 
     /**
      * Identity from a stored record: takes the first 96 of @p size bytes; what a shorter stream lacks is zero.
+     *
+     * REQUIRES: @p bytes points to @p size bytes; it may be null with a size of 0.
+     *
      * @param size   number of bytes
      * @param bytes  the bytes; read during the call only
      * @return the identity
@@ -103,6 +114,8 @@ public:
     /**
      * Spatial hash of an object: centre x, y, z of the vertices' bounds, then the largest distance from the centre in
      * each octant (octant = 1 if x is above the centre, + 2 if y is, + 4 if z is).
+     *
+     * REQUIRES: @p xyz points to at least one vertex, or is null.
      *
      * The last vertex is not looked at, and a vertex with a new largest z makes its y the largest z. Stored hashes
      * depend on both, so they are meant to stay.
@@ -116,12 +129,15 @@ public:
 
     /**
      * Makes this identity a spatial hash of the given 11 doubles.
+     *
+     * REQUIRES: @p values points to SpatialHashSize doubles.
+     *
      * @param values  SpatialHashSize doubles; copied
      */
     void fromSpatialHash(const double* values);
 
     /**
-     * The record of 96 bytes, owned by this object; @p size receives 96.
+     * The record of 96 bytes, owned by this object; @p size, which must not be null, receives 96.
      * @param size  receives the number of bytes
      * @return the record
      */

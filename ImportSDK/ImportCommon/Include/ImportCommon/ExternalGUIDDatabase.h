@@ -20,9 +20,13 @@ enum ExternalGUIDRuntimeID_e : int {
  * Gives every external identity of an import a compact runtime id and turns an id back into its identity.
  *
  * GlobalIds, PX GUIDs and Halvorne ids get the ids -2, -3, -4 and so on in the order of their first insertion, whatever
- * their kind. Spatial hashes are kept in a k-d tree of their own and get its node numbers; hashes that differ by less
- * than 0.01 in the sum of their 11 values share an id. Nothing is ever removed. Not safe for use by several threads at
- * a time.
+ * their kind. Nothing is ever removed. Not safe for use by several threads at a time. Nothing throws.
+ *
+ * Spatial hashes are kept in a k-d tree of their own and get its node numbers. A hash gets the id of an earlier one
+ * when the absolute differences of their 11 values add up to less than 0.01, and the search comes by it: the search
+ * goes down one side of each split and never looks at the other. Two hashes that close to each other, but on different
+ * sides of the split of a third one, get different ids. Which of several that match is found depends on the order of
+ * insertion.
  */
 class IMPORT_COMMON_API ExternalGUIDDatabase {
 public:
@@ -31,9 +35,12 @@ public:
      * there was none for the database itself.
      */
     ExternalGUIDDatabase();
+    /** Forgets all identities; those that were handed out stay. */
     ~ExternalGUIDDatabase();
 
+    /** Not copied. */
     ExternalGUIDDatabase(const ExternalGUIDDatabase&) = delete;
+    /** Not copied. */
     ExternalGUIDDatabase& operator=(const ExternalGUIDDatabase&) = delete;
 
     /**

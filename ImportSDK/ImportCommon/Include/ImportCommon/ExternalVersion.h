@@ -16,7 +16,7 @@ namespace ImportCommon {
  */
 class IMPORT_COMMON_API ExternalVersion {
 public:
-    /** An invalid version. */
+    /** An invalid version. Throws `std::bad_alloc` without memory. */
     ExternalVersion();
 
     /**
@@ -27,9 +27,13 @@ public:
 
     /**
      * Adopts @p version, which this handle now owns and deletes.
+     *
+     * REQUIRES: nobody else owns it.
+     *
      * @param version  an object from `new`, or null
      */
     ExternalVersion(CExternalVersion* version);
+    /** Deletes the owned object. */
     ~ExternalVersion();
 
     /**
@@ -86,6 +90,9 @@ IMPORT_COMMON_API ExternalVersion createFromBoundingBox(double x, double y, doub
 
 /**
  * A geometry version from the box's dimensions and eight distances, which are copied.
+ *
+ * REQUIRES: @p distances points to eight doubles.
+ *
  * @param x          length of the box along x
  * @param y          length along y
  * @param z          length along z
@@ -96,6 +103,9 @@ IMPORT_COMMON_API ExternalVersion createFromGeometry(double x, double y, double 
 
 /**
  * A solid version from the box's dimensions, eight distances, volume and centroid (three coordinates), all copied.
+ *
+ * REQUIRES: @p distances points to eight doubles and @p centroid to three.
+ *
  * @param x          length of the box along x
  * @param y          length along y
  * @param z          length along z

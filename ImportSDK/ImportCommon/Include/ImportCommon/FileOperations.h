@@ -28,6 +28,9 @@ struct SystemTime_s {
  * Paths go to the system as StringOperations::ConvertToCurrentLocale makes them: characters beyond U+FFFF are dropped
  * and text beyond 65535 bytes is cut, so a path with either names another file. Paths from the system that are not
  * valid UTF-8 are reported once on the log, by the conversion.
+ *
+ * Whatever takes or returns text throws `std::bad_alloc` without memory. Pointers must not be null unless a function
+ * says that it doesn't look.
  */
 class IMPORT_COMMON_API FileOperations {
 public:
@@ -125,7 +128,10 @@ public:
     /**
      * The absolute path without links and dots. A path that begins with "/" is returned as it is. A bare name that
      * doesn't exist is put behind the current folder; of a longer path that doesn't exist comes back what the system
-     * could resolve. Empty when the result would be longer than the system's longest path.
+     * could resolve. An empty path gives the current folder with a slash at its end.
+     *
+     * Empty when the result would be longer than the system's longest path or isn't valid UTF-8, when the current
+     * folder can't be told, and when the system resolved nothing of a longer path.
      * @param path  the path
      * @return the absolute path
      */
@@ -146,8 +152,11 @@ public:
     static std::wstring GetFileWithoutExtenstion(const std::wstring& path);
 
     /**
-     * The folder of an existing file, absolute, without a slash at its end; empty on failure. A path that begins with
-     * "/" is returned whole, its file part included; that is meant.
+     * The folder of an existing file, absolute, without a slash at its end. A path that begins with "/" is returned
+     * whole, its file part included; that is meant.
+     *
+     * Empty when the path is empty or nothing is there, when the folder's name isn't valid UTF-8, and for what stands
+     * in the root folder, whose path ends with the slash.
      * @param path  the file
      * @return the folder
      */
@@ -162,7 +171,8 @@ public:
 
     /**
      * Whether a file name ends as one of the patterns in a list like `*.ifc|*.ifcxml` says, in either case of ASCII
-     * letters. An empty list matches everything; an empty pattern ends the list.
+     * letters. An empty list matches everything; an empty pattern ends the list. An empty name matches every pattern,
+     * but not a list that begins with "|".
      * @param file        the file name
      * @param extensions  patterns, separated by "|"
      * @return whether one matches
@@ -171,6 +181,9 @@ public:
 
     /**
      * Length of the first pattern of a list: up to "|" or the end.
+     *
+     * REQUIRES: a terminating zero.
+     *
      * @param extensions  zero-terminated list of patterns
      * @return the number of characters
      */
@@ -178,7 +191,11 @@ public:
 
     /**
      * Whether a file name ends as a pattern of @p length characters does. The first character of either is never
-     * looked at, and a name that is shorter than the pattern matches when all its characters do.
+     * looked at, and a name that is shorter than the pattern matches when all its characters do. An empty name or
+     * pattern matches.
+     *
+     * REQUIRES: @p pattern has @p length characters.
+     *
      * @param file     the file name
      * @param pattern  the pattern, such as `*.ifc`
      * @param length   its number of characters
@@ -195,7 +212,8 @@ public:
 
     /**
      * Paths of all entries of a folder that aren't folders, in the system's order; empty when the folder can't be read.
-     * Entries whose names aren't valid UTF-8 of the Basic Multilingual Plane are left out.
+     * Entries whose names aren't valid UTF-8 of the Basic Multilingual Plane are left out: nothing but the one report
+     * on the log tells of them.
      * @param directory  the folder
      * @return the paths
      */

@@ -23,17 +23,25 @@ public:
 
     /**
      * A stream on @p handle, which is closed with this object if @p owns says so.
+     *
+     * REQUIRES: an open stream, or null; with @p owns nobody else closes it.
+     *
      * @param handle  the stream; may be null
      * @param owns    whether to close it
      */
     FileStream(FILE* handle, bool owns);
+    /** Closes the stream if this object owns it; whether that writes the last bytes is not told. */
     ~FileStream();
 
+    /** Not copied: one object closes the stream. */
     FileStream(const FileStream&) = delete;
+    /** Not copied: one object closes the stream. */
     FileStream& operator=(const FileStream&) = delete;
 
     /**
-     * Creates and opens a new file "/tmp/QLM." with eight more characters. It is not removed when it is closed.
+     * Creates and opens a new file "/tmp/QLM." with eight more characters, for reading and writing. It is not removed
+     * when it is closed. Its mode is 0666 without the bits of the process's umask, so that with the usual one every
+     * user may read it; set a umask of 077 for what others mustn't see.
      * @return the stream or null
      */
     static FileStream* createTemporaryFile();
@@ -54,7 +62,7 @@ public:
 
     /**
      * A stream on a handle that stays open when the stream is deleted.
-     * @param handle  the open stream
+     * @param handle  the open stream; may be null
      * @return the stream or null
      */
     static FileStream* createFromHandle(FILE* handle);
@@ -77,10 +85,15 @@ public:
      */
     bool read(unsigned long size, std::vector<char>& out);
 
-    /** Writes @p size bytes. Between reading and writing there must be a seek.
+    /**
+     * Writes @p size bytes.
+     *
+     * REQUIRES: @p data points to as many bytes, or is null; a seek since the last read.
+     *
      * @param size  number of bytes to write
      * @param data  the bytes
-     * @return whether all were written; never for 2 GiB and more, though they are written
+     * @return whether all were written, or taken into the stream's buffer; false without a handle or @p data, and
+     *         always for 2 GiB and more, though they are written
      */
     bool write(unsigned long size, const char* data);
 

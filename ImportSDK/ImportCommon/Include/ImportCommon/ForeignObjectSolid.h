@@ -10,7 +10,8 @@
  * A typed block of bytes that holds one solid in a form that host and plug-in agree on; the bytes are not interpreted.
  *
  * A value class: it owns its bytes, and copies are deep. Without memory for the bytes an object is valid and empty, and
- * the first failure of each operation in a process is reported on the log; nothing throws.
+ * the first failure of each operation in a process is reported on the log and stops in an attached debugger; nothing
+ * throws.
  */
 class IMPORT_COMMON_API ForeignObjectSolid {
 public:
@@ -23,7 +24,10 @@ public:
     };
 
     /**
-     * Copies @p size bytes; with a size of 0 @p data is not read.
+     * Copies @p size bytes; with a size of 0 @p data is not read and may be null.
+     *
+     * REQUIRES: @p data points to @p size bytes.
+     *
      * @param type  the form of the bytes
      * @param size  their number
      * @param data  the bytes
@@ -43,6 +47,7 @@ public:
      * @return this object
      */
     ForeignObjectSolid& operator=(ForeignObjectSolid& other);
+    /** Releases the bytes. */
     ~ForeignObjectSolid();
 
     /**
@@ -52,7 +57,8 @@ public:
     Type_t getType() const;
 
     /**
-     * The bytes, owned by this object, and their number through @p size; null and 0 for an empty solid.
+     * The bytes, owned by this object, and their number through @p size, which must not be null; null and 0 for an
+     * empty solid.
      * @param size  receives the number of bytes
      * @return the bytes, or null
      */

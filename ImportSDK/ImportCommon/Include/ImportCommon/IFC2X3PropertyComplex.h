@@ -9,7 +9,10 @@
 
 namespace ImportCommon {
 
-/** A usage name and a nested set of properties. Copies are deep; values are only ever constructed, never assigned. */
+/**
+ * A usage name and a nested set of properties. Copies are deep, and throw `std::bad_alloc` without memory; values are
+ * only ever constructed, never assigned.
+ */
 class IMPORT_COMMON_API IFC2X3PropertyComplex {
 public:
     /** An empty usage name and an empty set. */
@@ -20,7 +23,9 @@ public:
      * @param other  what is copied
      */
     IFC2X3PropertyComplex(const IFC2X3PropertyComplex& other);
+    /** Not assigned. */
     IFC2X3PropertyComplex& operator=(const IFC2X3PropertyComplex&) = delete;
+    /** Destroys the nested set. */
     ~IFC2X3PropertyComplex();
 
     /**
@@ -41,6 +46,9 @@ public:
 protected:
     /**
      * Copies the first 256 characters of @p usageName, and the set.
+     *
+     * REQUIRES: @p usageName is not null, and has 256 characters or a zero before.
+     *
      * @param usageName  what the set is used for
      * @param set        the nested set
      */

@@ -50,6 +50,7 @@ public:
      * @return this set
      */
     IFC2X3PropertySet& operator=(IFC2X3PropertySet&& other) noexcept;
+    /** Destroys all properties, sets that nest in them to any depth included; needs no memory. */
     ~IFC2X3PropertySet();
 
     /**

@@ -12,7 +12,7 @@ namespace ImportCommon {
  * One typed value: a plain record, copied bit by bit.
  *
  * Each getter serves the types named at it. Called on another type it gives a neutral result and, the first time in a
- * process, stops in an attached debugger.
+ * process, stops in an attached debugger. Nothing here allocates or throws.
  */
 class IMPORT_COMMON_API IFC2X3PropertySingleValue {
 public:
@@ -84,6 +84,11 @@ public:
 
     /**
      * The zero-terminated text of a ValueType_String, owned by this object; empty for any other type.
+     *
+     * It is the first TextSize characters of what was given; nothing tells whether there were more. Characters beyond
+     * U+FFFF are kept here, and dropped when StringOperations::ConvertToUTF8 encodes the text: a value that was written
+     * as UTF-8 and read again may be shorter than this one. Compare values in the form in which both have been stored.
+     *
      * @return the text
      */
     const wchar_t* getStringValue() const;
@@ -103,6 +108,9 @@ public:
 protected:
     /**
      * All fields; at most TextSize characters of @p text are read and stored.
+     *
+     * REQUIRES: @p text is not null, and has TextSize characters or a zero before.
+     *
      * @param type          says which of the values counts
      * @param boolValue     the flag
      * @param logicalValue  the three-state value

@@ -54,6 +54,8 @@ struct IFC2X3_PSet_Custom_s {
      * @return this set
      */
     IMPORT_COMMON_API IFC2X3_PSet_Custom_s& operator=(IFC2X3_PSet_Custom_s&& other) noexcept;
+
+    /** Destroys the properties. */
     IMPORT_COMMON_API ~IFC2X3_PSet_Custom_s();
 };
 

@@ -23,8 +23,10 @@ enum KitLogLevel_e : int {
  * Nothing is added, not even a newline, and @p level is not looked at: every message is written. That is meant; who
  * wants lines writes the newline.
  *
+ * REQUIRES: @p format is not null, and the arguments are those that it asks for.
+ *
  * @param level   the severity
- * @param format  as for `printf`, with the arguments that it asks for
+ * @param format  as for `printf`
  */
 #if defined(__GNUC__)
 __attribute__((format(printf, 2, 3)))
@@ -47,12 +49,22 @@ IMPORT_COMMON_API long long KitGetTime();
 IMPORT_COMMON_API double KitTimeDeltaAsSeconds(long long start, long long end);
 
 /**
- * Whether a debugger traces this process; false when the system can't tell.
+ * Whether a debugger traces this process; false when the system can't tell. Any tracer counts, also one that only logs
+ * system calls or allocations.
  * @return whether one does
  */
 IMPORT_COMMON_API bool IsDebuggerPresent();
 
-/** Stops at a breakpoint when a debugger is attached, and does nothing otherwise. */
+/**
+ * Stops at a breakpoint when IsDebuggerPresent says so, and does nothing otherwise. A tracer that doesn't expect
+ * breakpoints ends the process with a signal.
+ *
+ * In the library the first misuse of each of these functions comes here: the getters of CExternalVersion, ExternalGUID
+ * and IFC2X3PropertySingleValue for a kind or type that they don't serve, and createPropertySingleValueInteger,
+ * createPropertySingleValueInteger64 and createPropertySingleValueReal for a type that they don't make; so does the
+ * first failure of each that writes a warning to the log: StringOperations for invalid UTF-8 (and with it whatever
+ * decodes text), ForeignObjectSolid without memory, and DynamicLibrary for a library that can't be loaded.
+ */
 IMPORT_COMMON_API void KitDebugBreak();
 
 } // namespace ImportCommon

@@ -10,7 +10,9 @@
 
 namespace ImportCommon {
 
-/** The bytes of one PNG file; they are not interpreted. A value class; copying throws `std::bad_alloc` without memory.
+/**
+ * The bytes of one PNG file; they are not interpreted. A value class; constructing it from bytes, copying and assigning
+ * throw `std::bad_alloc` without memory, and assignment changes nothing then.
  */
 class IMPORT_COMMON_API PngTexture {
 public:
@@ -35,6 +37,7 @@ public:
      * @return this object
      */
     PngTexture& operator=(const PngTexture& other);
+    /** Releases the bytes. */
     ~PngTexture();
 
     /**

@@ -15,10 +15,14 @@ namespace ImportCommon {
 /** An event that resets itself: each raise lets one wait pass, and a raise that nobody waits for is remembered once. */
 class IMPORT_COMMON_API Signal {
 public:
+    /** An event that is not raised. */
     Signal();
+    /** Waits for threads that are still inside of raise. REQUIRES: no thread waits, or will raise or wait. */
     ~Signal();
 
+    /** Not copied: others refer to it. */
     Signal(const Signal&) = delete;
+    /** Not copied: others refer to it. */
     Signal& operator=(const Signal&) = delete;
 
     /** Raises the event; nothing happens when it is raised already. */

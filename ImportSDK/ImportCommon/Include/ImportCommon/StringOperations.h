@@ -20,8 +20,11 @@ namespace ImportCommon {
  * and third byte of a sequence are taken as they come, and overlong forms are accepted. Stored data depends on these
  * rules, so they are kept as they are.
  *
- * Each function that meets invalid UTF-8 says so once per process on the log and gives the result named at it; nothing
- * here throws except for lack of memory where a string is returned.
+ * Each function that meets invalid UTF-8 says so once per process on the log, which stops in an attached debugger, and
+ * gives the result named at it. Functions that return or fill a string throw `std::bad_alloc` without memory, and so
+ * does the buffer form of ConvertToCurrentLocale; nothing else is ever thrown.
+ *
+ * A pointer to text or to a buffer may be null only where its size is 0 or the function says so.
  */
 class IMPORT_COMMON_API StringOperations {
 public:
@@ -43,6 +46,8 @@ public:
      *
      * A sequence that is cut off by the end of the text counts as one character.
      *
+     * REQUIRES: @p n bytes, or a zero byte before.
+     *
      * @param s  the text
      * @param n  number of bytes, or `SIZE_MAX` for text that ends with a zero byte
      * @return the number of characters; 0 when a lead byte is invalid
@@ -57,6 +62,8 @@ public:
      * terminated text the zero byte ends it, and it is stored with zero bits for what is missing. Once the buffer is
      * full, further one-byte characters are dropped while a longer sequence ends the conversion as invalid; that is
      * meant.
+     *
+     * REQUIRES: @p n bytes, or a zero byte before; room for @p capacity characters.
      *
      * @param s         the text
      * @param n         number of bytes, or `SIZE_MAX` for text that ends with a zero byte
@@ -86,7 +93,7 @@ public:
     static std::wstring ConvertFromUTF8(const unsigned char* s);
 
     /**
-     * Decodes zero-terminated UTF-8 text into an array; result as for the buffer form.
+     * Decodes zero-terminated UTF-8 text, which must not be null, into an array; result as for the buffer form.
      * @param s    the text
      * @param out  receives the characters
      * @return the number of characters stored
@@ -113,6 +120,8 @@ public:
      *
      * Stops behind a zero character. Characters outside the Basic Multilingual Plane are dropped. A character that does
      * not fit is skipped, and a later, shorter one that still fits is written; that is meant.
+     *
+     * REQUIRES: @p n characters; room for @p capacity bytes.
      *
      * @param w         the wide text
      * @param n         number of wide characters
@@ -149,7 +158,10 @@ public:
 
     /**
      * Converts @p n wide characters to the locale's narrow text, which is UTF-8 here, and fills the rest of @p out with
-     * zeros. Text that fills the buffer gets no terminator and may be cut within a character.
+     * zeros. Text that fills the buffer gets no terminator and may be cut within a character. A null pointer, and more
+     * characters than a string can have, count as no text.
+     *
+     * REQUIRES: @p n characters otherwise; room for @p capacity bytes.
      *
      * @param w         the wide text
      * @param n         number of wide characters

@@ -18,8 +18,10 @@ public:
      *
      * The copy is made on the new thread and this call doesn't wait for it: @p data must stay valid until
      * @p function has been called, which the function can tell by raising a Signal. The copy is released when the
-     * function returns or leaves by `pthread_exit`; it is null when there was no memory for it. A few dozen bytes per thread are kept until the
-     * process ends.
+     * function returns or leaves by `pthread_exit`; it is null when there was no memory for it. A few dozen bytes per
+     * thread are kept until the process ends.
+     *
+     * REQUIRES: @p function is not null and lets no exception out; @p data points to @p size bytes.
      *
      * @param function  what the thread does; its result is dropped
      * @param data      what is copied for it
