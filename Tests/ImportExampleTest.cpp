@@ -56,7 +56,7 @@ TEST_F(ImportExampleTest, everyEditGetsItsStatus) {
     const std::string picture = readFile(file("plan.svg"));
     for (const auto& [status, count] : report["counts"].items()) {
         std::size_t paths = 0;
-        for (std::size_t at = 0; (at = picture.find("<path class=\"" + status + '"', at)) != std::string::npos; ++at) {
+        for (std::size_t at = 0; (at = picture.find("<path class=\"" + status, at)) != std::string::npos; ++at) {
             ++paths;
         }
         EXPECT_EQ(paths, count) << status;

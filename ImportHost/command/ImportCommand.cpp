@@ -82,10 +82,10 @@ bool compareWithState(StateFolder& state, const Arguments& arguments) {
 
     // Everything is written before the first file takes its place, and the state comes last: whatever fails, the next
     // import still compares with what this one compared with.
-    const std::string title = fs::path(arguments.model).filename().string();
+    const PictureContent drawn = {model, previous, comparison};
     OutputFiles files;
     files.add(arguments.report, [&] { return reportText(model, previous, comparison); });
-    files.add(arguments.picture, [&] { return pictureText(title, comparison); });
+    files.add(arguments.picture, [&] { return pictureText(drawn, arguments.storey); });
     if (!arguments.dryRun) {
         state.prepare(model, objects);
     }

@@ -1,191 +1,269 @@
 #include "output/Picture.h"
 
+#include "Failure.h"
+#include "output/ChangeText.h"
+#include "output/StatusStyle.h"
+#include "output/plan/PlanDrawing.h"
+#include "output/plan/SvgText.h"
+
 #include <PluginKit/Text.h>
 
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
+#include <filesystem>
+#include <limits>
 
 namespace {
 
-// In pixels.
-constexpr double pictureWidth = 1200.0;
-constexpr double maxPlanHeight = 900.0;
-constexpr double margin = 30.0;
-constexpr double headHeight = 96.0;
-constexpr double footHeight = 56.0;
+// The sheet, in quarters of a millimetre: what A4 and letter both have room for within margins of a centimetre.
+constexpr double longSide = 1004.0;
+constexpr double shortSide = 728.0;
+constexpr double border = 16.0; ///< around that, for the screen
+constexpr double millimetres = 0.25;
 
-/** The drawing's own part of the picture, and how metres become pixels. */
-struct Plan {
-    double left = 0.0;
-    double top = 0.0;
-    double scale = 1.0;
-    double height = 0.0;
+constexpr double titleSize = 20.0;
+constexpr double textSize = 11.5;
+constexpr double lineHeight = 16.0;
+constexpr double swatch = 11.0;
+constexpr double gap = 18.0; ///< between two plans
+constexpr double headingHeight = 18.0;
 
-    explicit Plan(const std::vector<Change>& changes) {
-        bool empty = true;
-        double right = 0.0;
-        double bottom = 0.0;
-        for (const Change& change : changes) {
-            for (const auto& polygon : change.record().footprint) {
-                for (const Point& p : polygon) {
-                    left = empty ? p.x : std::min(left, p.x);
-                    right = empty ? p.x : std::max(right, p.x);
-                    bottom = empty ? p.y : std::min(bottom, p.y);
-                    top = empty ? p.y : std::max(top, p.y);
-                    empty = false;
-                }
-            }
-        }
-        const double width = std::max(right - left, 0.001);
-        const double depth = std::max(top - bottom, 0.001);
-        scale = std::min((pictureWidth - 2.0 * margin) / width, maxPlanHeight / depth);
-        height = depth * scale;
-        left -= ((pictureWidth - 2.0 * margin) / scale - width) / 2.0;
-    }
+/** Storeys are drawn to one scale unless that makes one of them smaller than it could be by this factor. */
+constexpr double maxScaleRatio = 2.0;
 
-    double x(const Point& p) const { return margin + (p.x - left) * scale; }
-    double y(const Point& p) const { return headHeight + (top - p.y) * scale; }
+struct Sheet {
+    double width;
+    double height;
 };
 
-std::string number(double value) {
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.1f", value);
-    return buffer;
-}
+/** How plans are spread over a sheet. */
+struct Grid {
+    std::size_t columns;
+    std::size_t rows;
+    double scale; ///< of the plan that is drawn smallest, for the choice between grids
+};
 
-std::string xmlText(std::string_view text) {
-    std::string result;
-    for (const char c : printable(text)) {
-        if (c == '&') {
-            result += "&amp;";
-        } else if (c == '<') {
-            result += "&lt;";
-        } else if (c == '>') {
-            result += "&gt;";
-        } else if (c == '"') {
-            result += "&quot;";
-        } else {
-            result += c;
+Grid bestGrid(const std::vector<Storey>& storeys, double width, double height) {
+    Grid best{1, storeys.size(), 0.0};
+    for (std::size_t columns = 1; columns <= storeys.size(); ++columns) {
+        const std::size_t rows = (storeys.size() + columns - 1) / columns;
+        const double cellWidth = (width + gap) / static_cast<double>(columns) - gap;
+        const double cellHeight = height / static_cast<double>(rows) - gap - headingHeight;
+        double sum = 0.0;
+        for (const Storey& storey : storeys) {
+            const double aspect = aspectOf(storey);
+            sum += std::min(cellWidth, cellHeight * aspect) * std::min(cellWidth / aspect, cellHeight);
+        }
+        if (cellWidth > 0.0 && cellHeight > 0.0 && sum > best.scale) {
+            best = {columns, rows, sum};
         }
     }
-    // The two characters that UTF-8 has and XML forbids.
-    for (const std::string_view forbidden : {"\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {
-        for (std::size_t at = result.find(forbidden); at != std::string::npos; at = result.find(forbidden)) {
-            result.replace(at, forbidden.size(), "?");
-        }
-    }
-    return result;
+    return best;
 }
 
-double boxArea(const Footprint& footprint) {
-    if (footprint.empty()) {
-        return 0.0;
-    }
-    Point low = footprint.front().front();
-    Point high = low;
-    for (const auto& polygon : footprint) {
-        for (const Point& p : polygon) {
-            low = {std::min(low.x, p.x), std::min(low.y, p.y)};
-            high = {std::max(high.x, p.x), std::max(high.y, p.y)};
-        }
-    }
-    return (high.x - low.x) * (high.y - low.y);
+std::string shortTime(const std::string& time) {
+    const bool isComplete = time.size() >= 16 && time[10] == 'T';
+    return isComplete ? time.substr(0, 10) + ' ' + time.substr(11, 5) : time;
 }
 
-std::string objectPath(const Plan& plan, const Change& change) {
-    const ObjectRecord& record = change.record();
-    std::string text = "<path class=\"" + std::string(statusName(change.status())) + "\" d=\"";
-    for (const auto& polygon : record.footprint) {
-        char command = 'M';
-        for (const Point& p : polygon) {
-            text += command + number(plan.x(p)) + ' ' + number(plan.y(p));
-            command = 'L';
-        }
-        text += 'Z';
-    }
-    return text + "\"><title>" + xmlText(record.className) + ' ' + xmlText(record.name) + " (" +
-           statusName(change.status()) + ')' +
-           xmlText((change.properties.empty() ? "" : " ") + shortText(change.properties)) + "</title></path>\n";
+std::string nameAndTime(const ImportedModel& model) {
+    const std::string name = std::filesystem::path(model.name).filename().string();
+    return (name.empty() ? "an earlier import" : name) +
+           (model.time.empty() ? "" : " (imported " + shortTime(model.time) + " UTC)");
 }
 
-/** Unchanged objects below changed ones, and large ones below small ones. */
-std::string objectPaths(const Plan& plan, const std::vector<Change>& changes) {
-    struct Drawn {
-        const Change* change;
-        bool changed;
-        double area;
-    };
-    std::vector<Drawn> drawn;
-    for (const Change& change : changes) {
-        if (!change.record().footprint.empty()) {
-            drawn.push_back({&change, change.status() != Status::Unchanged, boxArea(change.record().footprint)});
-        }
-    }
-    std::stable_sort(drawn.begin(), drawn.end(), [](const Drawn& a, const Drawn& b) {
-        return a.changed != b.changed ? b.changed : a.area > b.area;
-    });
-    std::string text;
-    for (const Drawn& object : drawn) {
-        text += objectPath(plan, *object.change);
-    }
-    return text;
+/** How many of the objects have a status, without spaces. */
+std::size_t countOf(const Comparison& comparison, Status status) {
+    return static_cast<std::size_t>(
+        std::count_if(comparison.changes.begin(), comparison.changes.end(),
+                      [&](const Change& change) { return change.status() == status && !isSpace(change.record()); }));
 }
 
-std::string legend(const Comparison& comparison) {
-    std::string text;
-    double x = margin;
+/** Texts side by side, with something drawn before each, on as many lines as they need. */
+class Row {
+public:
+    Row(double width, double y) : width_(width), y_(y) {}
+
+    /** @p drawn  gets the place for what is drawn, of the size of a swatch */
+    template <typename Function>
+    void add(const std::string& label, const Function& drawn) {
+        const double needed = swatch + 5.0 + textWidth(label, textSize) + 16.0;
+        if (x_ > 0.0 && x_ + needed > width_) {
+            x_ = 0.0;
+            y_ += lineHeight + 2.0;
+        }
+        text_ += drawn(x_, y_ - swatch + 2.0) + svgLine(x_ + swatch + 5.0, y_, label, "");
+        x_ += needed;
+    }
+
+    const std::string& text() const { return text_; }
+    double bottom() const { return y_; }
+
+private:
+    double width_;
+    double x_ = 0.0;
+    double y_;
+    std::string text_;
+};
+
+std::string swatchText(Status status, double x, double y) {
+    const std::string rect = "<rect class=\"" + std::string(statusName(status)) + "\" x=\"" + svgNumber(x) + "\" y=\"" +
+                             svgNumber(y) + "\" width=\"" + svgNumber(swatch) + "\" height=\"" + svgNumber(swatch) +
+                             "\"/>";
+    const double middle = x + swatch / 2.0;
+    return rect + svgLine(middle, y + swatch - 2.5, statusStyle(status).mark, "key", "middle");
+}
+
+/** The legend from some height on; @p y becomes the height of its last line. */
+std::string legendText(const Comparison& comparison, double width, double& y) {
+    Row row(width, y);
     for (const Status status : allStatuses) {
-        text += "<rect class=\"" + std::string(statusName(status)) + "\" x=\"" + number(x) +
-                "\" y=\"56\" width=\"18\" height=\"18\"/><text x=\"" + number(x + 23.0) + "\" y=\"70\">" +
-                statusName(status) + ' ' + std::to_string(comparison.count(status)) + "</text>\n";
-        x += (pictureWidth - 2.0 * margin) / static_cast<double>(std::size(allStatuses));
+        row.add(std::string(statusName(status)) + ' ' + std::to_string(countOf(comparison, status)),
+                [&](double x, double top) { return swatchText(status, x, top); });
     }
-    return text;
+    row.add("before", [](double x, double top) {
+        return "<rect class=\"old\" x=\"" + svgNumber(x) + "\" y=\"" + svgNumber(top) + "\" width=\"" +
+               svgNumber(swatch) + "\" height=\"" + svgNumber(swatch) + "\"/>";
+    });
+    y = row.bottom();
+    return row.text();
 }
 
-/** A bar of a round number of metres, about a sixth of the picture long. */
-std::string scaleBar(const Plan& plan) {
-    const double wanted = pictureWidth / 6.0 / plan.scale;
-    const double power = std::pow(10.0, std::floor(std::log10(wanted)));
-    const double metres = wanted >= 5.0 * power ? 5.0 * power : wanted >= 2.0 * power ? 2.0 * power : power;
-    const double y = headHeight + plan.height + footHeight - 20.0;
-    char label[64];
-    std::snprintf(label, sizeof label, "%g m", metres);
-    return "<path class=\"scale\" d=\"M" + number(margin) + ' ' + number(y - 6.0) + 'V' + number(y) + 'H' +
-           number(margin + metres * plan.scale) + 'V' + number(y - 6.0) + "\"/><text x=\"" +
-           number(margin + metres * plan.scale + 10.0) + "\" y=\"" + number(y) + "\">" + label + "</text>\n";
+/** Title and legend; @p height becomes what they take up. */
+std::string headText(const PictureContent& content, double width, double& height) {
+    const auto line = [&](const std::string& text, const char* className, double size) {
+        height += size + 4.0;
+        return svgLine(0.0, height, fittingText(printable(text), width, size), className);
+    };
+    const std::string name = std::filesystem::path(content.model.name).filename().string();
+    std::string text = line(name, "title", titleSize);
+    if (!content.previous) {
+        text += line("imported " + shortTime(content.model.time) +
+                         " UTC for the first time: there is nothing to compare with",
+                     "", textSize);
+        return text;
+    }
+    text += line("compared with " + nameAndTime(*content.previous), "", textSize);
+    if (content.comparison.displacement) {
+        text += line(displacementText(content.comparison), "", textSize);
+    }
+    height += lineHeight + 6.0;
+    return text + legendText(content.comparison, width, height);
+}
+
+std::string headingText(const Storey& storey, bool isOnly, bool marked) {
+    std::string text = storey.name.empty() ? (isOnly ? "All objects" : "Without a storey") : storey.name;
+    std::size_t changed = 0;
+    for (const PlanObject& object : storey.objects) {
+        changed += object.change->status() != Status::Unchanged ? 1 : 0;
+    }
+    if (marked) {
+        text += changed == 0 ? ": nothing changed" : ": " + std::to_string(changed) + " changed";
+    }
+    return printable(text);
 }
 
 // Strokes are painted below fills: of polygons that overlap, only the outline of what they cover together shows.
-constexpr const char* style = R"(<style>
-text { font: 13px sans-serif; fill: #222; }
-.title { font-size: 22px; font-weight: bold; }
-.scale { fill: none; stroke: #222; stroke-width: 1.5; }
-path { stroke-linejoin: round; stroke-width: 2; paint-order: stroke; opacity: 0.85; }
-.unchanged { fill: #e9e9e9; stroke: #8f8f8f; stroke-width: 1.2; }
-.properties { fill: #f4a3c8; stroke: #a3286b; }
-.moved { fill: #5b9bea; stroke: #1d4f9e; }
-.reshaped { fill: #ffb547; stroke: #a86400; }
-.reclassed { fill: #c08be6; stroke: #6a2c9c; }
-.reidentified { fill: #4fd0c8; stroke: #0c6f69; }
-.added { fill: #7ccf6a; stroke: #22701a; }
-.removed { fill: #fbe3e1; stroke: #d0211c; stroke-dasharray: 5 3; }
-</style>
-)";
+std::string styleText(const Sheet& sheet) {
+    std::string text = "<style>\n@page { size: " + std::string(sheet.width > sheet.height ? "landscape" : "portrait") +
+                       "; margin: 10mm; }\n"
+                       "text { font: 11.5px sans-serif; fill: #222; }\n"
+                       "text.title { font-size: 20px; font-weight: bold; }\n"
+                       "text.heading { font-size: 13px; font-weight: bold; }\n"
+                       "text.small { font-size: 10px; }\n"
+                       "text.sign { font-size: 9px; font-weight: bold; fill: #fff; pointer-events: none; }\n"
+                       "text.key { font-size: 9px; font-weight: bold; }\n"
+                       "path { stroke-linejoin: round; stroke-width: 1.6; paint-order: stroke; fill-opacity: 0.85; }\n"
+                       ".unchanged { stroke-width: 1; }\n"
+                       ".large { fill-opacity: 0.3; }\n";
+    for (const StatusStyle& style : statusStyles) {
+        const std::string name = statusName(style.status);
+        text += '.' + name + " { fill: " + style.fill + "; stroke: " + style.stroke + "; }\n";
+        text += "circle." + name + " { fill: " + style.stroke + "; stroke: #fff; }\n";
+    }
+    return text + ".removed { stroke-dasharray: 4 2; }\n"
+                  "circle.mark { stroke-width: 1; stroke-dasharray: none; pointer-events: none; }\n"
+                  ".old { fill: none; stroke: #555; stroke-dasharray: 3 2; stroke-width: 1.2; }\n"
+                  ".arrow { fill: none; stroke: #1d1d1d; stroke-width: 1.5; }\n"
+                  ".scale { fill: none; stroke: #222; stroke-width: 1.2; }\n</style>\n";
+}
+
+/** Everything on one sheet, upright or across, whichever shows more. */
+std::string sheetText(const PictureContent& content, const std::vector<Storey>& storeys, bool areAll) {
+    Sheet sheet{longSide, shortSide};
+    double headHeight = 0.0;
+    std::string head = headText(content, sheet.width, headHeight);
+    double uprightHeight = 0.0;
+    const std::string uprightHead = headText(content, shortSide, uprightHeight);
+    Grid grid = bestGrid(storeys, longSide, shortSide - headHeight);
+    const Grid upright = bestGrid(storeys, shortSide, longSide - uprightHeight);
+    if (upright.scale > grid.scale) {
+        sheet = {shortSide, longSide};
+        grid = upright;
+        head = uprightHead;
+        headHeight = uprightHeight;
+    }
+
+    const std::string width = svgNumber(sheet.width + 2.0 * border);
+    const std::string height = svgNumber(sheet.height + 2.0 * border);
+    const std::string corner = svgNumber(-border);
+    std::string text =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"" + corner +
+        ' ' + corner + ' ' + width + ' ' + height + "\" width=\"" +
+        svgNumber((sheet.width + 2.0 * border) * millimetres) + "mm\" height=\"" +
+        svgNumber((sheet.height + 2.0 * border) * millimetres) + "mm\">\n" + styleText(sheet) + "<rect x=\"" + corner +
+        "\" y=\"" + corner + "\" width=\"" + width + "\" height=\"" + height + "\" fill=\"#fff\"/>\n" + head;
+    const double cellWidth = (sheet.width + gap) / static_cast<double>(grid.columns);
+    const double cellHeight = (sheet.height - headHeight) / static_cast<double>(std::max<std::size_t>(grid.rows, 1));
+    std::vector<SheetBox> boxes;
+    double commonScale = std::numeric_limits<double>::infinity();
+    for (std::size_t i = 0; i < storeys.size(); ++i) {
+        boxes.push_back({static_cast<double>(i % grid.columns) * cellWidth,
+                         headHeight + gap + headingHeight + static_cast<double>(i / grid.columns) * cellHeight,
+                         cellWidth - gap, cellHeight - gap - headingHeight});
+        commonScale = std::min(commonScale, largestScale(storeys[i], boxes[i]));
+    }
+    for (std::size_t i = 0; i < storeys.size(); ++i) {
+        const SheetBox& box = boxes[i];
+        const std::string heading =
+            headingText(storeys[i], areAll && storeys.size() == 1, content.previous.has_value());
+        text += svgLine(box.x, box.y - 6.0, fittingText(heading, box.width, 13.0), "heading");
+        const double scale = largestScale(storeys[i], box);
+        text += planText(storeys[i], box, scale < commonScale * maxScaleRatio ? commonScale : scale,
+                         content.previous.has_value());
+    }
+    return text + "</svg>\n";
+}
+
+std::string namesOf(const std::vector<Storey>& storeys) {
+    std::string names;
+    for (const Storey& storey : storeys) {
+        if (!storey.name.empty()) {
+            names += (names.empty() ? "" : ", ") + storey.name;
+        }
+    }
+    return names.empty() ? "the model has none" : "there are " + names;
+}
 
 } // namespace
 
-std::string pictureText(const std::string& title, const Comparison& comparison) {
-    const Plan plan(comparison.changes);
-    const std::string width = number(pictureWidth);
-    const std::string height = number(headHeight + plan.height + footHeight);
+std::string pictureText(const PictureContent& content, const std::string& storey) {
+    std::vector<Storey> storeys = storeysOf(content.comparison);
+    if (storey.empty()) {
+        return sheetText(content, storeys, true);
+    }
+    const auto found =
+        std::find_if(storeys.begin(), storeys.end(), [&](const Storey& candidate) { return candidate.name == storey; });
+    if (found == storeys.end()) {
+        throw Failure(content.model.name, "no storey " + storey + " with objects; " + namesOf(storeys));
+    }
+    return sheetText(content, {*found}, false);
+}
 
-    std::string text =
-        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " + width +
-        ' ' + height + "\" width=\"" + width + "\" height=\"" + height + "\">\n" + style +
-        "<rect width=\"100%\" height=\"100%\" fill=\"#fff\"/>\n<text class=\"title\" x=\"" + number(margin) +
-        "\" y=\"36\">" + xmlText(title) + "</text>\n" + legend(comparison);
-    text += objectPaths(plan, comparison.changes);
-    return text + scaleBar(plan) + "</svg>\n";
+std::vector<StoreyPlan> storeyPlans(const PictureContent& content) {
+    std::vector<StoreyPlan> plans;
+    const std::vector<Storey> storeys = storeysOf(content.comparison);
+    for (const Storey& storey : storeys) {
+        plans.push_back({storey.name, sheetText(content, {storey}, storeys.size() == 1)});
+    }
+    return plans;
 }

@@ -1,5 +1,8 @@
 #include "output/Table.h"
 
+#include "output/ChangeText.h"
+#include "output/TextWidth.h"
+
 #include <PluginKit/Text.h>
 
 #include <algorithm>
@@ -11,53 +14,22 @@ namespace {
 
 using Row = std::array<std::string, 7>;
 
-/** Characters that UTF-8 text takes on the screen. */
-std::size_t width(const std::string& text) {
-    return static_cast<std::size_t>(
-        std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
-
 std::string fixed(double value, int digits, const char* unit) {
-    if (std::isnan(value)) {
-        return "-";
-    }
-    char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%.*f%s", digits, value, unit);
-    return buffer;
-}
-
-std::string whatHappened(const Change& change) {
-    std::string text = change.changes.empty() ? statusName(Status::Unchanged) : "";
-    for (const Status status : change.changes) {
-        text += (text.empty() ? "" : ", ") + std::string(statusName(status));
-        if (status == Status::Reclassed) {
-            text += " (was " + printable(change.before->className) + ')';
-        } else if (status == Status::Reidentified) {
-            text += " (was " + printable(identityText(*change.before)) + ')';
-        }
-    }
-    if (change.perhaps) {
-        text += std::string(change.now != nullptr ? ", perhaps was " : ", perhaps is ") +
-                printable(identityText(*change.perhaps->object));
-    }
-    for (const std::string& note : change.notes) {
-        text += ", " + printable(note);
-    }
-    return text;
+    return std::isnan(value) ? "-" : fixedText(value, digits) + unit;
 }
 
 std::string alignedText(const std::vector<Row>& rows) {
     std::array<std::size_t, std::tuple_size<Row>::value> widths{};
     for (const Row& row : rows) {
         for (std::size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], width(row[i]));
+            widths[i] = std::max(widths[i], columnsOf(row[i]));
         }
     }
     std::string text;
     for (const Row& row : rows) {
         std::string line;
         for (std::size_t i = 0; i < row.size(); ++i) {
-            line += row[i] + std::string(widths[i] - width(row[i]) + 2, ' ');
+            line += row[i] + std::string(widths[i] - columnsOf(row[i]) + 2, ' ');
         }
         text += line.substr(0, line.find_last_not_of(' ') + 1) + '\n';
     }
@@ -74,7 +46,7 @@ std::string tableText(const Comparison& comparison, bool firstImport) {
             const ObjectRecord& record = change.record();
             if (change.status() == status && status != Status::Unchanged) {
                 rows.push_back({printable(record.className), printable(record.name), printable(identityText(record)),
-                                whatHappened(change), fixed(change.similarity, 3, ""), fixed(change.distance, 3, " m"),
+                                changeText(change), fixed(change.similarity, 3, ""), fixed(change.distance, 3, " m"),
                                 shortText(change.properties)});
             }
         }
@@ -84,6 +56,9 @@ std::string tableText(const Comparison& comparison, bool firstImport) {
     }
     if (firstImport) {
         return text + "first import: there is nothing to compare with\n";
+    }
+    if (comparison.displacement) {
+        text += '\n' + displacementText(comparison) + '\n';
     }
     return rows.size() == 1 ? text : text + '\n' + alignedText(rows);
 }
