@@ -1,27 +1,27 @@
+#include "Models/IdentityModel.h"
+
 #include <ImportCommon/ExternalGUIDDatabase.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <climits>
-#include <cmath>
 #include <cstring>
 #include <iostream>
-#include <map>
 #include <random>
 #include <string>
 #include <vector>
 
+using IdentityModel::Hash_t;
+using IdentityModel::record;
+using IdentityModel::recordOfStream;
+using IdentityModel::recordSize;
 using ImportCommon::ExternalGUID;
 using ImportCommon::ExternalGUIDDatabase;
 using ImportCommon::ExternalGUIDRuntimeID_e;
 using ImportCommon::PXGUID_t;
 
 namespace {
-
-constexpr unsigned int recordSize = 96;
-using Hash_t = std::array<double, 11>;
 
 const char* const globalId = "2O2Fr$t4X7Zf8NOew3FLOH";
 const PXGUID_t pxGuid = {{0xFF, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 0, 0x80}};
@@ -34,15 +34,7 @@ std::string bytesOf(const ExternalGUID& guid) {
     return std::string(bytes, size);
 }
 
-/** The record that the given kind and payload amount to. */
-std::string record(char kind, const void* payload, std::size_t size) {
-    std::string bytes(recordSize, '\0');
-    bytes[0] = kind;
-    bytes.replace(8, size, static_cast<const char*>(payload), size);
-    return bytes;
-}
-
-ExternalGUID spatialHash(const Hash_t& values) {
+ExternalGUID guidOfHash(const Hash_t& values) {
     ExternalGUID guid = ExternalGUID::fromIFCGlobalID(globalId);
     guid.fromSpatialHash(values.data());
     return guid;
@@ -63,7 +55,7 @@ TEST(ExternalGUIDTest, everyKindByteByByte) {
     const int obi = -2;
     const std::pair<ExternalGUID, std::string> cases[] = {
         {ExternalGUID(), record(0, "", 0)},
-        {spatialHash(hashValues), record(1, hashValues.data(), sizeof hashValues)},
+        {guidOfHash(hashValues), record(1, hashValues.data(), sizeof hashValues)},
         {ExternalGUID::fromIFCGlobalID((std::string(globalId) + "more").c_str()), record(2, globalId, 22)},
         {ExternalGUID::fromPX(pxGuid), record(3, &pxGuid, sizeof pxGuid)},
         {ExternalGUID::fromHalvorneObi(obi), record(4, &obi, sizeof obi)},
@@ -82,8 +74,7 @@ TEST(ExternalGUIDTest, inputsOfAnyLength) {
     std::generate(stream.begin(), stream.end(), [next = 'A']() mutable { return next++; });
     for (unsigned int size = 0; size <= 200; ++size) {
         const std::vector<char> exact(stream.begin(), stream.begin() + size);
-        std::string expected = stream.substr(0, std::min(size, recordSize));
-        expected.resize(recordSize, '\0');
+        const std::string expected = recordOfStream(stream.substr(0, size));
         ASSERT_EQ(bytesOf(ExternalGUID::fromByteStream(size, exact.data())), expected) << size;
     }
     const auto shortGuid = ExternalGUID::fromIFCGlobalID(std::vector<char>{'0', 'a', 'b', '\0'}.data());
@@ -105,33 +96,6 @@ TEST(ExternalGUIDTest, copiesAreDeep) {
     EXPECT_EQ(bytesOf(assigned), record(2, globalId, 22));
 }
 
-Hash_t modelSpatialHash(const std::vector<double>& xyz) {
-    std::array<double, 3> low{xyz[0], xyz[1], xyz[2]};
-    std::array<double, 3> high = low;
-    const std::size_t visited = xyz.size() / 3 - 1; // the last vertex is left out
-    for (std::size_t v = 0; v < visited; ++v) {
-        const double* const p = &xyz[3 * v];
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-            low[axis] = low[axis] > p[axis] ? p[axis] : low[axis];
-        }
-        high[0] = p[0] > high[0] ? p[0] : high[0];
-        high[1] = p[1] > high[1] ? p[1] : high[1];
-        high[2] = p[2] > high[2] ? p[1] : high[2]; // y, not z
-    }
-    Hash_t hash{};
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-        hash[axis] = (low[axis] + high[axis]) / 2.0;
-    }
-    for (std::size_t v = 0; v < visited; ++v) {
-        const double dx = xyz[3 * v] - hash[0];
-        const double dy = xyz[3 * v + 1] - hash[1];
-        const double dz = xyz[3 * v + 2] - hash[2];
-        double& radius = hash[3 + (dx > 0 ? 1u : 0u) + (dy > 0 ? 2u : 0u) + (dz > 0 ? 4u : 0u)];
-        radius = std::max(radius, std::sqrt(dx * dx + dy * dy + dz * dz));
-    }
-    return hash;
-}
-
 TEST(ExternalGUIDTest, spatialHashAgreesWithThePlainModel) {
     constexpr unsigned int seed = 4711;
     std::cout << "seed " << seed << std::endl;
@@ -144,7 +108,7 @@ TEST(ExternalGUIDTest, spatialHashAgreesWithThePlainModel) {
         const auto count = static_cast<unsigned int>(xyz.size() / 3);
         const ExternalGUID guid = ExternalGUID::spatialHashFromVertexes(count, xyz.data());
         ASSERT_EQ(guid.getType(), ExternalGUID::GUIDTypeSpatialHash);
-        const Hash_t expected = modelSpatialHash(xyz);
+        const Hash_t expected = IdentityModel::spatialHash(xyz);
         for (std::size_t i = 0; i < expected.size(); ++i) {
             EXPECT_DOUBLE_EQ(guid.getSpatialHash()[i], expected[i]) << "value " << i << ", round " << round;
         }
@@ -179,9 +143,7 @@ TEST(ExternalGUIDDatabaseTest, agreesWithAMap) {
     std::cout << "seed " << seed << "\n";
     std::mt19937 random(seed);
     ExternalGUIDDatabase database;
-    std::map<std::string, int> model;
-    int nextKey = -2;
-    int nextHash = 0;
+    IdentityModel::Database model;
     for (int call = 0; call < 60000; ++call) {
         ExternalGUID guid = randomKey(random);
         std::string key = bytesOf(guid);
@@ -190,31 +152,29 @@ TEST(ExternalGUIDDatabaseTest, agreesWithAMap) {
             for (double& value : values) {
                 value = static_cast<double>(random() % 2) * 3;
             }
-            key = bytesOf(spatialHash(values));
+            key = bytesOf(guidOfHash(values));
             for (double& value : values) {
                 value += static_cast<double>(random() % 9) * 0.0001;
             }
-            guid = spatialHash(values);
+            guid = guidOfHash(values);
         }
-        const auto known = model.find(key);
-        ASSERT_EQ(database.findGUID(guid), known == model.end() ? -1 : known->second) << call;
+        const int known = model.find(key);
+        ASSERT_EQ(database.findGUID(guid), known) << call;
         if (random() % 2 == 0) {
-            const bool isHash = guid.getType() == ExternalGUID::GUIDTypeSpatialHash;
-            const int expected = known != model.end() ? known->second : isHash ? nextHash++ : nextKey--;
-            ASSERT_EQ(database.insertGUID(guid), expected) << call;
-            if (known == model.end()) {
-                model[key] = expected;
-                ASSERT_EQ(bytesFor(database, expected), bytesOf(guid)) << "the first of near-equal hashes is kept";
-            }
+            const int id = model.insert(key);
+            ASSERT_EQ(database.insertGUID(guid), id) << call;
+            ASSERT_TRUE(known != -1 || bytesFor(database, id) == bytesOf(guid))
+                << "the first of near-equal hashes is kept";
         }
     }
-    EXPECT_GT(nextHash, 1024);
-    EXPECT_LT(nextKey, -6000);
-    for (const auto& [bytes, id] : model) {
+    EXPECT_GT(model.nextHash, 1024);
+    EXPECT_LT(model.nextKey, -6000);
+    for (const auto& [bytes, id] : model.all()) {
         ASSERT_EQ(database.findGUID(fromBytes(bytes)), id);
         ASSERT_TRUE(id >= 0 || bytesFor(database, id) == bytes) << id;
     }
-    for (const int id : {-1, nextKey, nextKey - 1, INT_MIN, nextHash, nextHash + 1, 2047, 2048, INT_MAX}) {
+    for (const int id :
+         {-1, model.nextKey, model.nextKey - 1, INT_MIN, model.nextHash, model.nextHash + 1, 2047, 2048, INT_MAX}) {
         EXPECT_EQ(bytesFor(database, id), std::string(96, '\0')) << id;
     }
 }

@@ -1,28 +1,22 @@
+#include "Models/VersionModel.h"
 #include "Support/Stderr.h"
 
 #include <ImportCommon/ExternalVersion.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <iostream>
-#include <numeric>
 #include <random>
 #include <string>
 #include <vector>
 
 using namespace ImportCommon;
+using namespace VersionModel;
 using namespace std::string_literals;
 
 namespace {
 
-/** All that a version can hold, in the order of its stream: volume, centroid, distances, box. */
-using Values_t = std::array<double, 15>;
-constexpr std::size_t centroid = 1, distances = 4, box = 12;
-/** The first value that each kind carries; it carries all from there on. */
-constexpr std::size_t firstValue[] = {15, box, 0, distances};
 constexpr unsigned int largest = 124;
 
 const Values_t sample{42.5, -0.0, 1e-300, 1000.125, 1.25, 2, 3, 4, 5, 6, 7, -8, 3, 4, 12};
@@ -60,10 +54,6 @@ Values_t stored(const ExternalVersion& version) {
     return visible(withTag(version, 7));
 }
 
-std::string stream(const std::string& tag, std::size_t first, const Values_t& v) {
-    return tag + std::string(reinterpret_cast<const char*>(&v[0] + first), (v.size() - first) * sizeof(double));
-}
-
 std::string tagOf(std::size_t type) {
     return static_cast<char>(type) + "\0\0\0"s;
 }
@@ -91,31 +81,6 @@ TEST(ExternalVersionTest, everyKindByteByByte) {
     EXPECT_EQ(withTag(make(2, sample), 4).toByteStream(largest, buffer), 4u);
 }
 
-/** Reads the stream form as far as it goes, and returns the kind. */
-std::uint32_t modelRead(Values_t& v, const std::string& bytes) {
-    if (bytes.size() < 4) {
-        return 0;
-    }
-    // Meant: the first three bytes are signed.
-    const auto type = static_cast<std::uint32_t>(
-        static_cast<signed char>(bytes[0]) + static_cast<signed char>(bytes[1]) * 256 +
-        static_cast<signed char>(bytes[2]) * 65536 + static_cast<unsigned char>(bytes[3]) * std::int64_t{16777216});
-    std::size_t at = 4;
-    const std::size_t blockEnds[] = {distances, box, v.size()};
-    for (std::size_t value = type <= 3 ? firstValue[type] : v.size(); value < v.size();) {
-        const std::size_t end = *std::upper_bound(std::begin(blockEnds), std::end(blockEnds), value);
-        const std::size_t size = (end - value) * sizeof(double);
-        const std::size_t remaining = bytes.size() - at;
-        if (value == box ? remaining != size : remaining < size) {
-            break;
-        }
-        std::memcpy(&v[value], &bytes[at], size);
-        at += size;
-        value = end;
-    }
-    return type;
-}
-
 TEST(ExternalVersionTest, streamsOfAnyLengthAndKind) {
     const std::string tags[] = {tagOf(0),      tagOf(1),      tagOf(2),      tagOf(3),     tagOf(4),
                                 "\x80\1\0\0"s, "\2\x80\0\0"s, "\3\0\xFF\1"s, "\1\0\0\x80"s};
@@ -126,7 +91,7 @@ TEST(ExternalVersionTest, streamsOfAnyLengthAndKind) {
             ExternalVersion version = make(2, other);
             version.fromByteStream(size, exact.data());
             Values_t expected = other;
-            EXPECT_EQ(version.getType(), modelRead(expected, full.substr(0, size))) << size;
+            EXPECT_EQ(version.getType(), VersionModel::read(expected, full.substr(0, size))) << size;
             EXPECT_EQ(stored(version), expected) << "tag " << static_cast<int>(tag[0]) << ", " << size << " bytes";
         }
     }
@@ -185,36 +150,6 @@ TEST(ExternalVersionTest, negativeVolumesCanScoreAboveOne) {
     EXPECT_NEAR(make(2, a).similarity(make(2, b)), 27, 1e-9);
 }
 
-double transform(double s, double threshold, double exponent) {
-    const double u = (s - threshold) / (1.0 - threshold);
-    return std::pow(u < 0 ? 0 : u, exponent);
-}
-
-double offsetSimilarity(const double* a, const double* b, double scale) {
-    const double r =
-        1 - std::sqrt(std::pow(a[0] - b[0], 2) + std::pow(a[1] - b[1], 2) + std::pow(a[2] - b[2], 2)) / scale;
-    return r < 0 ? 0 : r;
-}
-
-double modelSimilarity(std::size_t type, const Values_t& a, const Values_t& b) {
-    if (type <= 1) {
-        return type == 0 ? 0 : transform(offsetSimilarity(&a[box], &b[box], 1.0), 0.7, 3);
-    }
-    const double scale = std::max(std::accumulate(&a[distances], &a[box], 0.0) / 8.0,
-                                  std::accumulate(&b[distances], &b[box], 0.0) / 8.0);
-    double orientation = 0;
-    for (std::size_t i = distances; i < box; ++i) {
-        orientation += (1 - std::abs(b[i] - a[i]) / scale) / 8;
-    }
-    double score = transform(offsetSimilarity(&a[centroid], &b[centroid], scale), 0.7, 3) *
-                   transform(orientation, 0.8, 4) * transform(offsetSimilarity(&a[box], &b[box], scale), 0.7, 3);
-    if (type == 2) {
-        const auto [small, big] = std::minmax(a[0], b[0]);
-        score *= transform(std::abs(big) > 1e-20 ? small / big : 1.0, 0.5, 3);
-    }
-    return score;
-}
-
 TEST(ExternalVersionTest, similarityAgreesWithTheFormulas) {
     constexpr unsigned int seed = 99;
     std::cout << "seed " << seed << std::endl;
@@ -232,7 +167,7 @@ TEST(ExternalVersionTest, similarityAgreesWithTheFormulas) {
         const std::size_t typeB = random() % 3 ? typeA : random() % 4;
         const ExternalVersion versionA = make(typeA, a);
         const ExternalVersion versionB = make(typeB, b);
-        const double expected = modelSimilarity(typeA, stored(versionA), stored(versionB));
+        const double expected = VersionModel::similarity(typeA, stored(versionA), stored(versionB));
         EXPECT_NEAR(versionA.similarity(versionB), expected, 1e-12 * std::max(1.0, expected)) << "round " << round;
         inBetween += expected > 0.05 && expected < 0.95;
     }
