@@ -6,7 +6,7 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-$root/build/package}
 consumer=$root/Tests/Package
-packages=(libimport-common0 libimport-common-dev)
+packages=(libimport-common0.1 libimport-common-dev)
 warnings=(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 
 step() { printf -- '-- %s\n' "$*"; }

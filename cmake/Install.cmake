@@ -15,7 +15,8 @@ install(DIRECTORY ImportSDK/ImportCommon/Include/ImportCommon DbFast/Include/DbF
 # find_package(ImportCommon)
 configure_package_config_file(cmake/ImportCommonConfig.cmake.in ${PROJECT_BINARY_DIR}/ImportCommonConfig.cmake
     INSTALL_DESTINATION ${packageDir} NO_SET_AND_CHECK_MACRO)
-write_basic_package_version_file(${PROJECT_BINARY_DIR}/ImportCommonConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/ImportCommonConfigVersion.cmake
+    COMPATIBILITY ${IMPORTCOMMON_COMPATIBILITY})
 install(EXPORT ImportCommonTargets NAMESPACE ImportCommon:: DESTINATION ${packageDir} COMPONENT Development)
 install(FILES ${PROJECT_BINARY_DIR}/ImportCommonConfig.cmake ${PROJECT_BINARY_DIR}/ImportCommonConfigVersion.cmake
     DESTINATION ${packageDir} COMPONENT Development)

@@ -23,6 +23,11 @@ void require(bool condition, const char* what) {
 
 int main(int count, char** arguments) {
     require(count == 2, "number of arguments");
+    const int headers[] = {IMPORT_COMMON_VERSION_MAJOR, IMPORT_COMMON_VERSION_MINOR};
+    int library[2] = {-1, -1};
+    require(std::sscanf(getVersion(), "%d.%d.", &library[0], &library[1]) == 2 && library[0] == headers[0] &&
+                library[1] == headers[1],
+            "version of the library");
     const std::unique_ptr<FILE, int (*)(FILE*)> stream(std::tmpfile(), std::fclose);
     require(stream != nullptr, "temporary file");
     EnvironmentVariables::SetInt(L"fo_handle_version", 1);

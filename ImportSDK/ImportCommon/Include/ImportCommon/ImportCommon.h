@@ -46,3 +46,4 @@
 #include <ImportCommon/Signal.h>
 #include <ImportCommon/StringOperations.h>
 #include <ImportCommon/ThreadOperations.h>
+#include <ImportCommon/Version.h>
