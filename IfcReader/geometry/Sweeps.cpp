@@ -132,33 +132,23 @@ Body revolution(const std::vector<Face>& areas, const Vector& origin, const Vect
     return loft(sections, whole);
 }
 
-Body alongPath(const std::vector<Face>& areas, const Loop& path, const Affine& start) {
+Body alongPath(const std::vector<Face>& areas, const BentPath& path) {
     constexpr double sharpestBend = 0.05;
-    const bool closed = isClosed(path);
-    const std::size_t size = path.size();
-    const auto direction = [&](std::size_t edge) { return normalized(path[edge + 1] - path[edge]); };
+    Affine start;
+    start.z = path.after(0);
+    start.x = perpendicular(start.z);
+    start.y = cross(start.z, start.x);
+    start.origin = path[0];
     Section section = moved(areas, start);
-    if (closed) { // the first plane halves the bend between the last edge and the first
-        const Vector here = direction(0);
-        const Vector normal = normalized(here + direction(size - 2));
-        section = moved(section, [&](const Vector& p) {
-            return p + here * (dot(path[0] - p, normal) / std::max(sharpestBend, dot(here, normal)));
-        });
-    }
-    std::vector<Section> sections{section};
-    for (std::size_t i = 1; i < size; ++i) {
-        const Vector here = direction(i - 1);
-        const Vector next = i + 1 < size ? direction(i) : (closed ? direction(0) : here);
-        const Vector normal = normalized(here + next);
-        section = moved(section, [&](const Vector& p) {
-            return p + here * (dot(path[i] - p, normal) / std::max(sharpestBend, dot(here, normal)));
-        });
+    std::vector<Section> sections;
+    for (std::size_t i = 0; i + (path.closed() ? 1 : 0) < path.size(); ++i) {
+        const Vector here = i == 0 ? path.after(0) : path.before(i);
+        const Vector normal = path.normal(i);
+        const double slope = std::max(sharpestBend, dot(here, normal));
+        section = moved(section, [&](const Vector& p) { return p + here * (dot(path[i] - p, normal) / slope); });
         sections.push_back(section);
     }
-    if (closed) {
-        sections.pop_back();
-    }
-    return loft(sections, closed);
+    return loft(sections, path.closed());
 }
 
 } // namespace IfcReader

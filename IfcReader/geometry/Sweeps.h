@@ -4,6 +4,7 @@
  */
 #pragma once
 
+#include "geometry/BentPath.h"
 #include "geometry/Body.h"
 
 namespace IfcReader {
@@ -29,9 +30,8 @@ Body revolution(const std::vector<Face>& areas, const Vector& origin, const Vect
 /**
  * Sections along a path: each goes from the place of the one before it, along the path, up to the plane that halves
  * the bend.
- * @param areas around the origin in the plane z = 0
- * @param start where they stand at the path's first point: its z axis is the path's direction there
+ * @param areas around the origin in the plane z = 0, which is put at a right angle to the path
  */
-Body alongPath(const std::vector<Face>& areas, const Loop& path, const Affine& start);
+Body alongPath(const std::vector<Face>& areas, const BentPath& path);
 
 } // namespace IfcReader

@@ -62,41 +62,19 @@ Body sweptDisk(const Item& item) {
         const Loop hole = Curves::ellipse(inner, inner);
         ring.holes.emplace_back(hole.rbegin(), hole.rend());
     }
-    Affine start;
-    start.z = normalized(path[1] - path[0]);
-    start.x = perpendicular(start.z);
-    start.y = cross(start.z, start.x);
-    start.origin = path[0];
-    return alongPath({ring}, path, start);
+    return alongPath({ring}, BentPath(path));
 }
 
-/** A path with the directions of its edges around each corner; a closed path goes on at its start. */
-struct BentPath {
-    explicit BentPath(Loop corners) : path(std::move(corners)), closed(isClosed(path)) {}
-
-    Vector before(std::size_t i) const {
-        const std::size_t edge = i > 0 ? i - 1 : (closed ? path.size() - 2 : 0);
-        return normalized(path[edge + 1] - path[edge]);
-    }
-    Vector after(std::size_t i) const {
-        const std::size_t edge = i + 1 < path.size() ? i : (closed ? 0 : path.size() - 2);
-        return normalized(path[edge + 1] - path[edge]);
-    }
-
-    Loop path;
-    bool closed;
-};
-
 /** Where a section stands in the plane that halves a bend; it is stretched across the bend. */
-Affine sectionPlace(const BentPath& bent, std::size_t i, const Vector& normal) {
+Affine sectionPlace(const BentPath& path, std::size_t i, const Vector& normal) {
     constexpr double sharpestBend = 0.05;
-    const Vector before = bent.before(i);
-    const Vector after = bent.after(i);
+    const Vector before = path.before(i);
+    const Vector after = path.after(i);
     Affine place;
     place.z = normalized(before + after);
     place.x = normalized(normal - place.z * dot(normal, place.z));
     place.y = cross(place.z, place.x);
-    place.origin = bent.path[i];
+    place.origin = path[i];
     const Vector outwards = normalized(after - before);
     const double stretch = 1.0 / std::max(sharpestBend, length(before + after) / 2.0) - 1.0;
     place.x += outwards * (dot(place.x, outwards) * stretch);
@@ -109,10 +87,10 @@ Body sweptOnSurface(const Item& item) {
     const BentPath bent(directrix(item, 2, 3));
     const Item surface = item.child(5);
     const std::vector<Face> areas = profileAreas(item.child(0));
-    item.items().work().add(countPoints(areas) * bent.path.size());
+    item.items().work().add(countPoints(areas) * bent.size());
     std::vector<std::vector<Face>> sections;
-    for (std::size_t i = 0; i + (bent.closed ? 1 : 0) < bent.path.size(); ++i) {
-        const Affine place = sectionPlace(bent, i, surfaceNormal(surface, bent.path[i]));
+    for (std::size_t i = 0; i + (bent.closed() ? 1 : 0) < bent.size(); ++i) {
+        const Affine place = sectionPlace(bent, i, surfaceNormal(surface, bent[i]));
         if (!(length(place.x) > 0.5)) {
             item.fail("its path leaves the surface");
         }
@@ -121,7 +99,7 @@ Body sweptOnSurface(const Item& item) {
             transform(face, place);
         }
     }
-    return loft(sections, bent.closed);
+    return loft(sections, bent.closed());
 }
 
 bool haveSameCorners(const std::vector<Face>& a, const std::vector<Face>& b) {
