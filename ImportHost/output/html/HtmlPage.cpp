@@ -1,0 +1,81 @@
+#include "output/html/HtmlPage.h"
+
+#include "output/StatusStyle.h"
+#include "output/html/Base64.h"
+#include "output/html/PageTemplate.h"
+
+#include <PluginKit/Text.h>
+
+namespace {
+
+std::string jsonString(const std::string& text) {
+    std::string result = "\"";
+    for (const char c : validUtf8(text)) {
+        if (c == '"' || c == '\\') {
+            result += std::string("\\") + c;
+        } else if (static_cast<unsigned char>(c) < 0x20) {
+            result += "\\u00" + toHex(&c, 1);
+        } else {
+            result += c;
+        }
+    }
+    return result + '"';
+}
+
+/**
+ * A block of data. JSON has the character that begins markup only inside strings, where it can be written as an escape;
+ * then nothing in the block can end it or begin a comment.
+ */
+void appendJson(std::string& page, const char* id, const std::string& json) {
+    page += std::string("<script type=\"application/json\" id=\"") + id + "\">";
+    for (const char c : json) {
+        if (c == '<') {
+            page += "\\u003c";
+        } else {
+            page += c;
+        }
+    }
+    page += "</script>\n";
+}
+
+std::string plansJson(const std::vector<PagePlan>& plans) {
+    std::string text = "[";
+    for (const PagePlan& plan : plans) {
+        text += (text.size() == 1 ? "{\"storey\": " : ",\n{\"storey\": ") + jsonString(plan.storey) +
+                ", \"svg\": " + jsonString(plan.svg) + '}';
+    }
+    return text + ']';
+}
+
+std::string statusesJson() {
+    std::string text = "[";
+    for (const StatusStyle& style : statusStyles) {
+        text += (text.size() == 1 ? "{\"name\": " : ",\n{\"name\": ") + jsonString(statusName(style.status)) +
+                ", \"fill\": " + jsonString(style.fill) + ", \"stroke\": " + jsonString(style.stroke) +
+                ", \"mark\": " + jsonString(style.mark) + '}';
+    }
+    return text + ']';
+}
+
+} // namespace
+
+bool htmlPageAvailable() {
+    return !pageTemplate().empty();
+}
+
+std::string htmlPageText(const std::string& report, const std::string& shapes, const std::vector<PagePlan>& plans) {
+    const std::string_view parts = pageTemplate();
+    const std::size_t data = parts.find(pageDataMark);
+    if (data == std::string_view::npos) {
+        return {};
+    }
+    std::string page;
+    page.reserve(parts.size() + report.size() + report.size() / 16 + shapes.size() / 3 * 4 + 4096);
+    page += parts.substr(0, data);
+    appendJson(page, "report-data", report);
+    appendJson(page, "status-data", statusesJson());
+    appendJson(page, "plan-data", plansJson(plans));
+    page += "<script type=\"text/plain\" id=\"shape-data\">" + base64(shapes) + "</script>\n";
+    page += parts.substr(data + pageDataMark.size());
+    return page;
+}

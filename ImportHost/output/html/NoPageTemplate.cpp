@@ -1,0 +1,5 @@
+#include "output/html/PageTemplate.h"
+
+std::string_view pageTemplate() {
+    return {};
+}

@@ -1,0 +1,174 @@
+/** Bytes from their text in base 64. */
+function decodeBase64(text) {
+    if (Uint8Array.fromBase64) {
+        return Uint8Array.fromBase64(text);
+    }
+    const characters = atob(text);
+    const bytes = new Uint8Array(characters.length);
+    for (let i = 0; i < bytes.length; ++i) {
+        bytes[i] = characters.charCodeAt(i);
+    }
+    return bytes;
+}
+
+const roleNow = 0;
+const roleBefore = 1;
+
+const boxTriangles = [0, 2, 1, 1, 2, 3, 4, 5, 6, 5, 7, 6, 0, 1, 4, 1, 5, 4, 2, 6, 3, 3, 6, 7, 0, 4, 2, 2, 4, 6, 1, 3, 5,
+    3, 7, 5];
+const boxEdges = [0, 1, 2, 3, 4, 5, 6, 7, 0, 2, 1, 3, 4, 6, 5, 7, 0, 4, 1, 5, 2, 6, 3, 7];
+
+/** The heads of all pieces, and where their numbers lie in the bytes. */
+function readPieces(bytes) {
+    const pieces = [];
+    const view = new DataView(bytes.buffer, bytes.byteOffset, bytes.byteLength);
+    if (bytes.length < 8 || String.fromCharCode(...bytes.subarray(0, 4)) !== 'IHS1') {
+        return pieces;
+    }
+    const count = view.getUint32(4, true);
+    let data = 8 + 64 * count;
+    for (let i = 0; i < count; ++i) {
+        const at = 8 + 64 * i;
+        const piece = {
+            low: [0, 1, 2].map((axis) => view.getFloat64(at + 8 * axis, true)),
+            step: [0, 1, 2].map((axis) => view.getFloat32(at + 24 + 4 * axis, true)),
+            object: view.getUint32(at + 36, true),
+            role: view.getUint32(at + 40, true),
+            points: view.getUint32(at + 44, true),
+            triangles: view.getUint32(at + 48, true),
+            edges: view.getUint32(at + 52, true),
+            data,
+        };
+        data += 6 * piece.points + 6 * piece.triangles + 4 * piece.edges;
+        pieces.push(piece);
+    }
+    return pieces;
+}
+
+/** A box in place of a shape that is not there. */
+function boxPiece(object, role, box) {
+    return {
+        low: box[0], step: [0, 1, 2].map((axis) => box[1][axis] - box[0][axis]), object, role,
+        points: 8, triangles: 12, edges: 12, data: -1,
+    };
+}
+
+function middle(values) {
+    const sorted = Float64Array.from(values).sort();
+    return sorted.length ? sorted[sorted.length >> 1] : 0;
+}
+
+/**
+ * All shapes in a few long arrays, relative to an origin in their midst: what is drawn has seven digits, which are not
+ * enough for coordinates of a whole country.
+ */
+class Shapes {
+    constructor(bytes, objects) {
+        this.objects = objects;
+        this.pieces = readPieces(bytes).filter((piece) => piece.object < objects.length);
+        this.addBoxes();
+        this.firstOf = new Int32Array(objects.length).fill(-1); // chains of the pieces of each object
+        this.pieces.forEach((piece, index) => {
+            piece.index = index;
+            piece.next = this.firstOf[piece.object];
+            this.firstOf[piece.object] = index;
+        });
+        this.origin = [0, 1, 2].map((axis) => middle(this.pieces.map((piece) => piece.low[axis])));
+        this.allocate();
+        const words = new Uint16Array(bytes.buffer, bytes.byteOffset, bytes.length >> 1);
+        for (const piece of this.pieces) {
+            this.place(piece, words);
+        }
+    }
+
+    addBoxes() {
+        const roles = new Uint8Array(this.objects.length);
+        for (const piece of this.pieces) {
+            roles[piece.object] |= 1 << piece.role;
+        }
+        for (const object of this.objects) {
+            const isGone = object.status === 'removed';
+            if (object.box && !(roles[object.index] & (isGone ? 2 : 1))) {
+                this.pieces.push(boxPiece(object.index, isGone ? roleBefore : roleNow, object.box));
+            }
+            if (!isGone && object.before && object.before.box && !(roles[object.index] & 2)) {
+                this.pieces.push(boxPiece(object.index, roleBefore, object.before.box));
+            }
+        }
+    }
+
+    allocate() {
+        let points = 0;
+        let triangles = 0;
+        let edges = 0;
+        for (const piece of this.pieces) {
+            piece.firstPoint = points;
+            piece.firstTriangle = triangles;
+            piece.firstEdge = edges;
+            points += piece.points;
+            triangles += piece.triangles;
+            edges += piece.edges;
+        }
+        this.positions = new Float32Array(3 * points);
+        this.owners = new Uint8Array(4 * points); // the object's number from 1, for finding what was clicked
+        this.triangles = new Uint32Array(3 * triangles);
+        this.edges = new Uint32Array(2 * edges);
+    }
+
+    /** Copies the numbers of one piece. */
+    place(piece, words) {
+        const [x, y, z] = [0, 1, 2].map((axis) => piece.low[axis] - this.origin[axis]);
+        const [sx, sy, sz] = piece.step;
+        const isBox = piece.data < 0;
+        const positions = this.positions;
+        let at = isBox ? 0 : piece.data >> 1;
+        for (let i = 0, p = 3 * piece.firstPoint; i < piece.points; ++i, p += 3, at += 3) {
+            positions[p] = x + sx * (isBox ? i & 1 : words[at]);
+            positions[p + 1] = y + sy * (isBox ? (i >> 1) & 1 : words[at + 1]);
+            positions[p + 2] = z + sz * (isBox ? i >> 2 : words[at + 2]);
+        }
+        const number = piece.object + 1;
+        const owner = [number & 255, (number >> 8) & 255, (number >> 16) & 255, 255];
+        for (let p = 4 * piece.firstPoint, end = p + 4 * piece.points; p < end; p += 4) {
+            this.owners.set(owner, p);
+        }
+        const triangles = 3 * piece.triangles;
+        for (let i = 0, t = 3 * piece.firstTriangle; i < triangles; ++i, ++t) {
+            this.triangles[t] = piece.firstPoint + (isBox ? boxTriangles[i] : words[at + i]);
+        }
+        at += triangles;
+        for (let i = 0, e = 2 * piece.firstEdge; i < 2 * piece.edges; ++i, ++e) {
+            this.edges[e] = piece.firstPoint + (isBox ? boxEdges[i] : words[at + i]);
+        }
+    }
+
+    /** Low and high corner of a piece as it is drawn. */
+    boxOf(piece) {
+        const steps = piece.data < 0 ? 1 : 65535;
+        const low = piece.low.map((value, axis) => value - this.origin[axis]);
+        return [low, low.map((value, axis) => value + steps * piece.step[axis])];
+    }
+
+    /** The pieces of an object in a role. */
+    *piecesOf(object, role) {
+        for (let index = this.firstOf[object]; index >= 0; index = this.pieces[index].next) {
+            if (this.pieces[index].role === role) {
+                yield this.pieces[index];
+            }
+        }
+    }
+
+    /** The middle of an object's box in a role; null where it has none. */
+    centreOf(object, role) {
+        const low = [Infinity, Infinity, Infinity];
+        const high = [-Infinity, -Infinity, -Infinity];
+        for (const piece of this.piecesOf(object, role)) {
+            const box = this.boxOf(piece);
+            for (let axis = 0; axis < 3; ++axis) {
+                low[axis] = Math.min(low[axis], box[0][axis]);
+                high[axis] = Math.max(high[axis], box[1][axis]);
+            }
+        }
+        return low[0] > high[0] ? null : low.map((value, axis) => (value + high[axis]) / 2);
+    }
+}

@@ -1,0 +1,358 @@
+const surfaceVertexShader = `
+attribute vec4 fill;
+varying vec3 place;
+varying vec4 colour;
+void main() {
+    place = position;
+    colour = fill;
+    gl_Position = projectionMatrix * modelViewMatrix * vec4(position, 1.0);
+}`;
+
+// Back sides are seen only where something is cut: they show what is cut as a darker surface.
+const surfaceFragmentShader = `
+uniform float cut;
+uniform bool isCut;
+uniform vec4 oneColour;
+varying vec3 place;
+varying vec4 colour;
+void main() {
+    if (place.z > cut) { discard; }
+    vec4 base = oneColour.a > 0.0 ? oneColour : colour;
+    vec3 normal = normalize(cross(dFdx(place), dFdy(place)));
+    float light = 0.70 + 0.30 * dot(normal, normalize(vec3(-0.35, -0.6, 0.85)));
+    if (isCut && !gl_FrontFacing) { light = 0.55; }
+    gl_FragColor = vec4(base.rgb * light, base.a);
+}`;
+
+const lineFragmentShader = `
+uniform float cut;
+uniform vec4 oneColour;
+varying vec3 place;
+varying vec4 colour;
+void main() {
+    if (place.z > cut) { discard; }
+    gl_FragColor = oneColour.a > 0.0 ? oneColour : vec4(colour.rgb, 1.0);
+}`;
+
+const pickVertexShader = `
+attribute vec4 owner;
+varying vec3 place;
+varying vec4 colour;
+void main() {
+    place = position;
+    colour = owner;
+    gl_Position = projectionMatrix * modelViewMatrix * vec4(position, 1.0);
+}`;
+
+const pickFragmentShader = `
+uniform float cut;
+varying vec3 place;
+varying vec4 colour;
+void main() {
+    if (place.z > cut) { discard; }
+    gl_FragColor = colour;
+}`;
+
+/** How a piece is drawn. */
+const hidden = 0;
+const solid = 1;
+const ghost = 2;
+const context = 3;
+const chosen = 4;
+
+/** The part of a picked neighbourhood that is looked at, in pixels from its middle. */
+const pickReach = 3;
+
+function bytesOfColour(hex) {
+    const value = parseInt(hex.slice(1), 16);
+    return [value >> 16, (value >> 8) & 255, value & 255];
+}
+
+/** The objects in three dimensions: a few large meshes that share their points, one for each way of drawing. */
+class Scene {
+    constructor(frame, shapes, report, statuses) {
+        this.frame = frame;
+        this.shapes = shapes;
+        this.report = report;
+        this.statuses = statuses;
+        this.afterDrawing = () => {};
+        this.renderer = new THREE.WebGLRenderer({ antialias: true, preserveDrawingBuffer: false });
+        this.renderer.setPixelRatio(Math.min(window.devicePixelRatio || 1, 2));
+        this.renderer.sortObjects = true;
+        this.canvas = this.renderer.domElement;
+        frame.prepend(this.canvas);
+        this.scene = new THREE.Scene();
+        this.uniforms = { cut: { value: 1e30 }, isCut: { value: false } };
+        this.states = new Uint8Array(shapes.pieces.length);
+        this.addAttributes();
+        this.addMeshes();
+        this.pickTarget = new THREE.WebGLRenderTarget(2 * pickReach + 1, 2 * pickReach + 1);
+        this.pickMaterial = this.material(pickVertexShader, pickFragmentShader, {});
+        this.camera = new Camera(this.canvas, () => this.moved());
+        this.camera.setExtent(this.boxOfPieces(() => true));
+        new ResizeObserver(() => this.resize()).observe(frame);
+        this.resize();
+    }
+
+    addAttributes() {
+        const points = this.shapes.positions.length / 3;
+        const fills = new Uint8Array(4 * points);
+        const strokes = new Uint8Array(4 * points);
+        for (const piece of this.shapes.pieces) {
+            const status = this.statuses.of(this.report.objects[piece.object].status);
+            const isBefore = piece.role === roleBefore;
+            const stroke = bytesOfColour(this.report.isFirst ? '#59636e' : status.stroke);
+            const fill = isBefore ? stroke : bytesOfColour(this.report.isFirst ? '#d8dde3' : status.fill);
+            // What is gone is more than a place that something left.
+            const opacity = !isBefore ? 255 : status.name === 'removed' ? 105 : 30;
+            const end = 4 * (piece.firstPoint + piece.points);
+            for (let at = 4 * piece.firstPoint; at < end; at += 4) {
+                fills.set(fill, at);
+                fills[at + 3] = opacity;
+                strokes.set(stroke, at);
+                strokes[at + 3] = 255;
+            }
+        }
+        this.position = new THREE.BufferAttribute(this.shapes.positions, 3);
+        this.fills = new THREE.BufferAttribute(fills, 4, true);
+        this.strokes = new THREE.BufferAttribute(strokes, 4, true);
+        this.owners = new THREE.BufferAttribute(this.shapes.owners, 4, true);
+    }
+
+    material(vertexShader, fragmentShader, options) {
+        return new THREE.ShaderMaterial({
+            vertexShader, fragmentShader, side: THREE.DoubleSide, extensions: { derivatives: true },
+            uniforms: { ...this.uniforms, oneColour: { value: new THREE.Vector4(0, 0, 0, 0) } }, ...options,
+        });
+    }
+
+    addMeshes() {
+        const surface = (options) => this.material(surfaceVertexShader, surfaceFragmentShader,
+            { polygonOffset: true, polygonOffsetFactor: 1, polygonOffsetUnits: 1, ...options });
+        const line = (options) => this.material(surfaceVertexShader, lineFragmentShader, options);
+        const through = { transparent: true, depthWrite: false };
+        const above = { ...through, depthTest: false };
+        // What stayed is drawn twice, first its depth alone: then only its nearest surface covers what lies behind.
+        this.layers = [
+            { state: solid, mesh: this.addMesh(surface({}), 0) },
+            { state: solid, lines: true, mesh: this.addMesh(line({}), 1) },
+            { state: ghost, mesh: this.addMesh(surface(through), 2) },
+            { state: ghost, lines: true, mesh: this.addMesh(line(through), 3) },
+            { state: context, depthOnly: true, mesh: this.addMesh(surface({ transparent: true, colorWrite: false }), 4) },
+            { state: context, mesh: this.addMesh(surface(through), 5) },
+            { state: context, lines: true, mesh: this.addMesh(line(through), 6) },
+            { state: chosen, mesh: this.addMesh(surface(above), 7) },
+            { state: chosen, lines: true, mesh: this.addMesh(line(above), 8) },
+        ];
+    }
+
+    addMesh(material, order) {
+        const geometry = new THREE.BufferGeometry();
+        geometry.setAttribute('position', this.position);
+        geometry.setAttribute('owner', this.owners);
+        const isLine = material.fragmentShader === lineFragmentShader;
+        geometry.setAttribute('fill', isLine ? this.strokes : this.fills);
+        const mesh = isLine ? new THREE.LineSegments(geometry, material) : new THREE.Mesh(geometry, material);
+        mesh.renderOrder = order;
+        mesh.frustumCulled = false;
+        mesh.visible = false;
+        this.scene.add(mesh);
+        return mesh;
+    }
+
+    setTheme(colours) {
+        this.background = colours.background;
+        this.renderer.setClearColor(this.background, 1);
+        const set = (state, lines, colour, opacity) => {
+            for (const layer of this.layers) {
+                if (layer.state === state && Boolean(layer.lines) === lines) {
+                    const [r, g, b] = bytesOfColour(colour);
+                    layer.mesh.material.uniforms.oneColour.value.set(r / 255, g / 255, b / 255, opacity);
+                }
+            }
+        };
+        set(context, false, colours.context, 0.3);
+        set(context, true, colours.contextLine, 0.35);
+        set(chosen, false, colours.chosen, 0.35);
+        set(chosen, true, colours.chosenLine, 1);
+        this.draw();
+    }
+
+    /** Draws every piece as @p stateOf says, and the chosen object once more above the others. */
+    show(stateOf, selected) {
+        this.shapes.pieces.forEach((piece, index) => {
+            this.states[index] = stateOf(piece);
+        });
+        for (const layer of this.layers) {
+            if (layer.state !== chosen) {
+                this.fill(layer, (piece, index) => this.states[index] === layer.state);
+            }
+        }
+        this.select(selected);
+    }
+
+    select(selected) {
+        for (const layer of this.layers) {
+            if (layer.state === chosen) {
+                this.fill(layer, (piece) => piece.object === selected &&
+                    (piece.role === roleNow || this.report.objects[selected].status === 'removed'));
+            }
+        }
+        this.draw();
+    }
+
+    /** The numbers of those points that a layer draws. */
+    fill(layer, isDrawn) {
+        const geometry = layer.mesh.geometry;
+        const source = layer.lines ? this.shapes.edges : this.shapes.triangles;
+        const range = (piece) => layer.lines ? [2 * piece.firstEdge, 2 * piece.edges]
+            : [3 * piece.firstTriangle, 3 * piece.triangles];
+        let size = 0;
+        const drawn = this.shapes.pieces.filter((piece, index) => isDrawn(piece, index));
+        for (const piece of drawn) {
+            size += range(piece)[1];
+        }
+        const numbers = new Uint32Array(size);
+        let at = 0;
+        for (const piece of drawn) {
+            const [first, count] = range(piece);
+            numbers.set(source.subarray(first, first + count), at);
+            at += count;
+        }
+        geometry.setIndex(new THREE.BufferAttribute(numbers, 1));
+        layer.mesh.visible = size > 0;
+        layer.isUsed = size > 0;
+    }
+
+    /** Cuts off what is above a height in the model; null for nothing. */
+    setCut(height) {
+        this.uniforms.isCut.value = height !== null;
+        this.uniforms.cut.value = height === null ? 1e30 : height - this.shapes.origin[2];
+        this.draw();
+    }
+
+    /** The box of pieces; single ones that lie far away from most others are left out of it. */
+    boxOfPieces(isMeant) {
+        const boxes = this.shapes.pieces.filter(isMeant).map((piece) => this.shapes.boxOf(piece));
+        const box = new THREE.Box3();
+        const limits = [0, 1, 2].map((axis) => {
+            const lows = Float64Array.from(boxes, (each) => each[0][axis]).sort();
+            const part = (share) => lows[Math.floor(share * (lows.length - 1))];
+            const spread = Math.max(part(0.95) - part(0.05), 10);
+            return [part(0.05) - 5 * spread, part(0.95) + 5 * spread];
+        });
+        for (const [low, high] of boxes) {
+            if (limits.every(([least, most], axis) => low[axis] >= least && low[axis] <= most)) {
+                box.expandByPoint(new THREE.Vector3(...low)).expandByPoint(new THREE.Vector3(...high));
+            }
+        }
+        return box;
+    }
+
+    /** Everything that is drawn, from a direction or as it is looked at now. */
+    fit(direction) {
+        const drawn = this.boxOfPieces((piece) => this.states[piece.index] !== hidden);
+        this.camera.fit(drawn.isEmpty() ? this.boxOfPieces(() => true) : drawn, direction);
+    }
+
+    fitObject(object) {
+        const box = this.boxOfPieces((piece) => piece.object === object);
+        if (!box.isEmpty()) {
+            this.camera.fit(box.expandByScalar(0.75 * box.getSize(new THREE.Vector3()).length() + 0.5));
+        }
+    }
+
+    resize() {
+        const width = Math.max(this.frame.clientWidth, 1);
+        const height = Math.max(this.frame.clientHeight, 1);
+        this.renderer.setSize(width, height);
+        this.camera.resize(width, height);
+        this.draw();
+    }
+
+    /** The view is turned: on a slow machine without lines until it stands still. */
+    moved() {
+        const now = performance.now();
+        this.isSlow = this.lastFrame !== undefined && this.isMoving && now - this.lastFrame > 70;
+        this.lastFrame = now;
+        this.isMoving = true;
+        clearTimeout(this.rest);
+        this.rest = setTimeout(() => {
+            this.isMoving = false;
+            this.draw();
+        }, 180);
+        this.draw();
+    }
+
+    draw() {
+        if (!this.isWaiting) {
+            this.isWaiting = true;
+            requestAnimationFrame(() => {
+                this.isWaiting = false;
+                this.drawNow();
+            });
+        }
+    }
+
+    drawNow() {
+        const plain = this.isMoving && this.isSlow;
+        for (const layer of this.layers) {
+            layer.mesh.visible = layer.isUsed && !(plain && (layer.lines || layer.depthOnly));
+        }
+        this.camera.update();
+        this.renderer.render(this.scene, this.camera.camera);
+        this.afterDrawing();
+    }
+
+    /** The index of the object at a place of the canvas, those that are coloured before those that stayed; or -1. */
+    pick(x, y) {
+        const coloured = this.pickAmong(x, y, (layer) => layer.state === solid || layer.state === ghost);
+        return coloured >= 0 ? coloured : this.pickAmong(x, y, (layer) => layer.state === context);
+    }
+
+    pickAmong(x, y, isMeant) {
+        const size = 2 * pickReach + 1;
+        const camera = this.camera.camera;
+        for (const layer of this.layers) {
+            layer.mesh.visible = layer.isUsed && !layer.lines && !layer.depthOnly && isMeant(layer);
+        }
+        camera.setViewOffset(this.frame.clientWidth, this.frame.clientHeight, x - pickReach, y - pickReach, size, size);
+        this.scene.overrideMaterial = this.pickMaterial;
+        this.renderer.setRenderTarget(this.pickTarget);
+        this.renderer.setClearColor(0x000000, 0);
+        this.renderer.clear();
+        this.renderer.render(this.scene, camera);
+        const pixels = new Uint8Array(4 * size * size);
+        this.renderer.readRenderTargetPixels(this.pickTarget, 0, 0, size, size, pixels);
+        this.renderer.setRenderTarget(null);
+        this.renderer.setClearColor(this.background, 1);
+        this.scene.overrideMaterial = null;
+        camera.clearViewOffset();
+        return this.nearest(pixels, size);
+    }
+
+    /** The object whose pixel is closest to the middle. */
+    nearest(pixels, size) {
+        let best = -1;
+        let least = Infinity;
+        for (let i = 0; i < size * size; ++i) {
+            const number = pixels[4 * i] + 256 * pixels[4 * i + 1] + 65536 * pixels[4 * i + 2];
+            const distance = Math.hypot((i % size) - pickReach, Math.floor(i / size) - pickReach);
+            if (number > 0 && distance < least) {
+                least = distance;
+                best = number - 1;
+            }
+        }
+        return best;
+    }
+
+    /** Where a point of the model is on the canvas; null when it is behind the viewer or cut off. */
+    project(point) {
+        if (point[2] > this.uniforms.cut.value) {
+            return null;
+        }
+        const place = new THREE.Vector3(...point).project(this.camera.camera);
+        return place.z > 1 ? null
+            : [(place.x + 1) / 2 * this.frame.clientWidth, (1 - place.y) / 2 * this.frame.clientHeight];
+    }
+}
