@@ -10,6 +10,7 @@
 #include "output/Picture.h"
 #include "output/Report.h"
 #include "output/Table.h"
+#include "output/html/ComparisonPage.h"
 #include "session/ImportSession.h"
 #include "state/ObjectStreams.h"
 #include "state/StateFolder.h"
@@ -86,6 +87,9 @@ bool compareWithState(StateFolder& state, const Arguments& arguments) {
     OutputFiles files;
     files.add(arguments.report, [&] { return reportText(model, previous, comparison); });
     files.add(arguments.picture, [&] { return pictureText(drawn, arguments.storey); });
+    files.add(arguments.html, [&] {
+        return comparisonPageText(drawn, {objects, state.objects(), state.outputFolder(), state.lastOutputFolder()});
+    });
     if (!arguments.dryRun) {
         state.prepare(model, objects);
     }

@@ -62,6 +62,9 @@ public:
     /** A fresh folder for the streams of the import that begins now. */
     const std::string& outputFolder() const { return outputFolder_; }
 
+    /** The folder with the streams of the last import, where there was one and they were kept. */
+    std::string lastOutputFolder() const { return path_ + "/output"; }
+
     /** Writes these objects down as the next state. Throws Failure. */
     void prepare(const ImportedModel& model, const std::vector<ObjectRecord>& objects);
 

@@ -63,19 +63,20 @@ bool htmlPageAvailable() {
     return !pageTemplate().empty();
 }
 
-std::string htmlPageText(const std::string& report, const std::string& shapes, const std::vector<PagePlan>& plans) {
+std::string htmlPageText(const PageContent& content) {
     const std::string_view parts = pageTemplate();
     const std::size_t data = parts.find(pageDataMark);
     if (data == std::string_view::npos) {
         return {};
     }
     std::string page;
-    page.reserve(parts.size() + report.size() + report.size() / 16 + shapes.size() / 3 * 4 + 4096);
+    page.reserve(parts.size() + content.report.size() / 16 * 17 + content.shapes.size() / 3 * 4 + 4096);
     page += parts.substr(0, data);
-    appendJson(page, "report-data", report);
+    appendJson(page, "report-data", content.report);
+    appendJson(page, "time-data", jsonString(content.time));
     appendJson(page, "status-data", statusesJson());
-    appendJson(page, "plan-data", plansJson(plans));
-    page += "<script type=\"text/plain\" id=\"shape-data\">" + base64(shapes) + "</script>\n";
+    appendJson(page, "plan-data", plansJson(content.plans));
+    page += "<script type=\"text/plain\" id=\"shape-data\">" + base64(content.shapes) + "</script>\n";
     page += parts.substr(data + pageDataMark.size());
     return page;
 }

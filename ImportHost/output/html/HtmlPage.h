@@ -16,11 +16,16 @@ struct PagePlan {
 /** Whether this program was built with the library that draws in the page. */
 bool htmlPageAvailable();
 
+/** What a page is made of. */
+struct PageContent {
+    std::string report;          ///< JSON of format 2
+    std::string time;            ///< of the import, as 2026-05-31T12:00:00Z
+    std::string shapes;          ///< the bytes of a ShapeBlock
+    std::vector<PagePlan> plans; ///< in the order in which they are shown and printed
+};
+
 /**
- * HTML with everything inside; it loads nothing when it is opened, and no name in the model becomes markup.
- * @param report  the report, JSON of format 2
- * @param shapes  the bytes of a ShapeBlock; objects without a shape in it are drawn as their boxes
- * @param plans   in the order in which they are shown and printed
- * @return the page; empty without htmlPageAvailable()
+ * HTML with everything inside; it loads nothing when it is opened, and no name in the model becomes markup. Empty
+ * without htmlPageAvailable().
  */
-std::string htmlPageText(const std::string& report, const std::string& shapes, const std::vector<PagePlan>& plans);
+std::string htmlPageText(const PageContent& content);

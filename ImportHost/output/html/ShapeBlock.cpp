@@ -8,6 +8,12 @@
 #include <cstring>
 #include <unordered_map>
 
+using PluginKit::areaVector;
+using PluginKit::Solid;
+using PluginKit::SolidsReader;
+using PluginKit::SolidSurface;
+using PluginKit::triangulate;
+
 namespace {
 
 constexpr double steps = 65535.0;
@@ -21,7 +27,7 @@ void appendNumber(std::string& bytes, Number number) {
     bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
 }
 
-double dot(const ShapeBlock::Vector& a, const ShapeBlock::Vector& b) {
+double dot(const Vector3& a, const Vector3& b) {
     return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
 }
 
@@ -30,22 +36,24 @@ double dot(const ShapeBlock::Vector& a, const ShapeBlock::Vector& b) {
 /** Points on the grid of one box, and what they are the corners of. */
 class ShapeBlock::Piece {
 public:
+    static constexpr std::size_t mostPoints = 65536; ///< that 16 bits can tell apart
+
     struct Edge {
-        Vector normal;    ///< of the first polygon along it
+        Vector3 normal;   ///< of the first polygon along it
         std::size_t uses; ///< polygons along it
         bool isSharp;     ///< two of them meet at an angle
     };
 
-    Piece(const Vector& low, const Vector& high) : low_(low) {
+    Piece(const Vector3& low, const Vector3& high) : low_(low) {
         for (std::size_t k = 0; k < 3; ++k) {
             step_[k] = static_cast<float>((high[k] - low[k]) / steps);
         }
     }
 
     /** Whether so many more points surely fit. */
-    bool hasRoom(std::size_t corners) const { return points_.size() / 3 + corners <= 65536; }
+    bool hasRoom(std::size_t corners) const { return points_.size() / 3 + corners <= mostPoints; }
 
-    void addPolygon(const std::vector<Vector>& vertices, const std::uint32_t* corners, std::size_t count) {
+    void addPolygon(const std::vector<Vector3>& vertices, const std::uint32_t* corners, std::size_t count) {
         triangles_.clear();
         triangulate(vertices, corners, count, triangles_);
         for (std::size_t i = 0; i + 2 < triangles_.size(); i += 3) {
@@ -56,7 +64,7 @@ public:
                 indices_.insert(indices_.end(), {a, b, c});
             }
         }
-        Vector normal = areaVector(vertices, corners, count);
+        Vector3 normal = areaVector(vertices, corners, count);
         const double length = std::sqrt(dot(normal, normal));
         for (double& component : normal) {
             component = length > 0.0 ? component / length : 0.0;
@@ -70,7 +78,7 @@ private:
     friend class ShapeBlock;
 
     /** The number of the point on the grid that is next to a vertex. */
-    std::uint16_t point(const Vector& vertex) {
+    std::uint16_t point(const Vector3& vertex) {
         std::array<std::uint16_t, 3> grid{};
         for (std::size_t k = 0; k < 3; ++k) {
             const double at = step_[k] > 0.0F ? (vertex[k] - low_[k]) / static_cast<double>(step_[k]) : 0.0;
@@ -84,7 +92,7 @@ private:
         return found.first->second;
     }
 
-    void addEdge(std::uint16_t a, std::uint16_t b, const Vector& normal) {
+    void addEdge(std::uint16_t a, std::uint16_t b, const Vector3& normal) {
         if (a == b) {
             return;
         }
@@ -114,7 +122,7 @@ private:
         return ends;
     }
 
-    Vector low_;
+    Vector3 low_;
     std::array<float, 3> step_{};
     std::vector<std::uint16_t> points_;
     std::vector<std::uint16_t> indices_;
@@ -128,38 +136,60 @@ void ShapeBlock::add(std::string_view solidsStream, const std::vector<std::size_
     SolidsReader reader(solidsStream);
     for (Solid solid; reader.next(solid);) {
         const std::size_t object = solid.object <= objects.size() ? objects[solid.object - 1] : none;
-        if (object == none) {
-            continue;
+        if (object != none) {
+            addSurfaces(solid.surfaces, object, role, mapping);
         }
-        Vector low{};
-        Vector high{};
-        bool isEmpty = true;
-        for (SolidSurface& surface : solid.surfaces) {
-            for (Vector& vertex : surface.vertices) {
-                vertex = mapping ? mapping(vertex) : vertex;
-                for (std::size_t k = 0; k < 3; ++k) {
-                    low[k] = isEmpty ? vertex[k] : std::min(low[k], vertex[k]);
-                    high[k] = isEmpty ? vertex[k] : std::max(high[k], vertex[k]);
-                }
-                isEmpty = false;
+    }
+}
+
+void ShapeBlock::addBox(const Box& box, std::size_t object, Role role, const Mapping& mapping) {
+    SolidSurface surface;
+    for (std::size_t corner = 0; corner < 8; ++corner) {
+        surface.vertices.push_back({(corner & 1U) != 0 ? box.high[0] : box.low[0],
+                                    (corner & 2U) != 0 ? box.high[1] : box.low[1],
+                                    (corner & 4U) != 0 ? box.high[2] : box.low[2]});
+    }
+    surface.sizes.assign(6, 4);
+    surface.corners = {0, 2, 3, 1, 4, 5, 7, 6, 0, 1, 5, 4, 2, 6, 7, 3, 0, 4, 6, 2, 1, 3, 7, 5};
+    std::vector<SolidSurface> surfaces = {surface};
+    addSurfaces(surfaces, object, role, mapping);
+}
+
+void ShapeBlock::addSurfaces(std::vector<SolidSurface>& surfaces, std::size_t object, Role role,
+                             const Mapping& mapping) {
+    Vector3 low{};
+    Vector3 high{};
+    bool isEmpty = true;
+    for (SolidSurface& surface : surfaces) {
+        for (Vector3& vertex : surface.vertices) {
+            vertex = mapping ? mapping(vertex) : vertex;
+            for (std::size_t k = 0; k < 3; ++k) {
+                low[k] = isEmpty ? vertex[k] : std::min(low[k], vertex[k]);
+                high[k] = isEmpty ? vertex[k] : std::max(high[k], vertex[k]);
             }
+            isEmpty = false;
         }
-        Piece piece(low, high);
-        for (const SolidSurface& surface : solid.surfaces) {
-            std::size_t first = 0;
-            for (const std::uint32_t size : surface.sizes) {
-                if (size <= 65536 && !piece.hasRoom(size)) {
+    }
+    Piece piece(low, high);
+    for (const SolidSurface& surface : surfaces) {
+        std::size_t first = 0;
+        for (const std::uint32_t size : surface.sizes) {
+            if (size <= Piece::mostPoints) { // no piece has room for a larger polygon
+                if (!piece.hasRoom(size)) {
                     append(piece, object, role);
                     piece = Piece(low, high);
                 }
-                if (size <= 65536) {
-                    piece.addPolygon(surface.vertices, surface.corners.data() + first, size);
-                }
-                first += size;
+                piece.addPolygon(surface.vertices, surface.corners.data() + first, size);
             }
+            first += size;
         }
-        append(piece, object, role);
     }
+    append(piece, object, role);
+}
+
+bool ShapeBlock::has(std::size_t object, Role role) const {
+    const auto& known = known_[static_cast<std::size_t>(role)];
+    return object < known.size() && known[object];
 }
 
 void ShapeBlock::append(const Piece& piece, std::size_t object, Role role) {
@@ -184,6 +214,9 @@ void ShapeBlock::append(const Piece& piece, std::size_t object, Role role) {
         data_.append(reinterpret_cast<const char*>(numbers->data()), numbers->size() * sizeof(std::uint16_t));
     }
     ++count_;
+    auto& known = known_[static_cast<std::size_t>(role)];
+    known.resize(std::max(known.size(), object + 1));
+    known[object] = true;
 }
 
 std::string ShapeBlock::bytes() const {

@@ -4,6 +4,10 @@
  */
 #pragma once
 
+#include "state/Box.h"
+
+#include <PluginKit/Solids.h>
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -36,26 +40,34 @@ public:
     /** In place of an index: an object that is not drawn. */
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
 
-    using Vector = std::array<double, 3>;
-    using Mapping = std::function<Vector(const Vector&)>;
+    /** Takes a point to its place in the picture; may be empty. */
+    using Mapping = std::function<Vector3(const Vector3&)>;
 
     /**
      * Adds the shapes of a solids stream. Throws std::runtime_error when the stream is damaged; the shapes in front of
      * the damage are kept.
      * @param objects  for each object of the stream, its index in the report or none
-     * @param mapping  takes each point to its place in the picture; may be empty
      */
     void add(std::string_view solidsStream, const std::vector<std::size_t>& objects, Role role,
              const Mapping& mapping = {});
+
+    /** A box in place of a shape that is not known. */
+    void addBox(const Box& box, std::size_t object, Role role, const Mapping& mapping = {});
+
+    /** Whether an object has something to draw in a role. */
+    bool has(std::size_t object, Role role) const;
 
     std::string bytes() const;
 
 private:
     class Piece;
 
+    void addSurfaces(std::vector<PluginKit::SolidSurface>& surfaces, std::size_t object, Role role,
+                     const Mapping& mapping);
     void append(const Piece& piece, std::size_t object, Role role);
 
     std::uint32_t count_ = 0;
+    std::array<std::vector<bool>, 2> known_; ///< by role, whether an object has a piece
     std::string pieces_;
     std::string data_;
 };

@@ -17,43 +17,66 @@ class Camera {
     }
 
     /** What near and far planes must leave between them. */
-    setExtent(box) {
-        box.getCenter(this.middle);
-        this.radius = Math.max(box.getSize(new THREE.Vector3()).length() / 2, 0.5);
+    setExtent(boxes) {
+        const box = new THREE.Box3();
+        for (const [low, high] of boxes) {
+            box.expandByPoint(new THREE.Vector3(...low)).expandByPoint(new THREE.Vector3(...high));
+        }
+        if (!box.isEmpty()) {
+            box.getCenter(this.middle);
+            this.radius = Math.max(box.getSize(new THREE.Vector3()).length() / 2, 0.5);
+        }
     }
 
-    /** Looks at a box so that it fills the view, from a direction or the one of now. */
-    fit(box, direction) {
-        if (box.isEmpty()) {
+    /** Looks at boxes so that they fill the view, from a direction or the one of now. */
+    fit(boxes, direction) {
+        if (boxes.length === 0) {
             return;
         }
-        const target = box.getCenter(new THREE.Vector3());
         const towards = direction ? new THREE.Vector3(...direction)
             : this.camera.position.clone().sub(this.controls.target);
         if (towards.lengthSq() === 0) {
             towards.set(...viewDirections.corner);
         }
-        const distance = this.distanceFor(box, target, towards.normalize());
-        this.controls.target.copy(target);
-        this.camera.position.copy(target).addScaledVector(towards, distance);
+        towards.normalize();
+        const up = Math.abs(towards.z) > 0.999 ? new THREE.Vector3(0, 1, 0) : new THREE.Vector3(0, 0, 1);
+        const right = up.clone().cross(towards).normalize();
+        up.crossVectors(towards, right);
+        const { x, y, z, distance } = this.frameOf(boxes, right, up, towards);
+        this.controls.target.set(0, 0, 0).addScaledVector(right, x).addScaledVector(up, y).addScaledVector(towards, z);
+        this.camera.position.copy(this.controls.target).addScaledVector(towards, distance);
         this.controls.update();
     }
 
-    /** How far away the eight corners of a box are inside the view. */
-    distanceFor(box, target, towards) {
-        const up = Math.abs(towards.z) > 0.99 ? new THREE.Vector3(0, 1, 0) : new THREE.Vector3(0, 0, 1);
-        const right = up.clone().cross(towards).normalize();
-        up.crossVectors(towards, right);
-        const tangent = Math.tan(this.camera.fov * Math.PI / 360);
-        let distance = 1;
-        for (let corner = 0; corner < 8; ++corner) {
-            const point = new THREE.Vector3(corner & 1 ? box.max.x : box.min.x, corner & 2 ? box.max.y : box.min.y,
-                corner & 4 ? box.max.z : box.min.z).sub(target);
-            const side = Math.max(Math.abs(point.dot(up)) / tangent,
-                Math.abs(point.dot(right)) / (tangent * this.camera.aspect));
-            distance = Math.max(distance, point.dot(towards) + side);
+    /** The point to look at, along three axes, and the distance from which all corners of the boxes are in view. */
+    frameOf(boxes, right, up, towards) {
+        const points = [];
+        for (const [low, high] of boxes) {
+            for (let corner = 0; corner < 8; ++corner) {
+                const point = new THREE.Vector3(corner & 1 ? high[0] : low[0], corner & 2 ? high[1] : low[1],
+                    corner & 4 ? high[2] : low[2]);
+                points.push([point.dot(right), point.dot(up), point.dot(towards)]);
+            }
         }
-        return 1.08 * distance;
+        const between = (values) => {
+            let [least, most] = [Infinity, -Infinity];
+            for (const value of values) {
+                least = Math.min(least, value);
+                most = Math.max(most, value);
+            }
+            return (least + most) / 2;
+        };
+        let [x, y, z] = [0, 1, 2].map((axis) => between(points.map((point) => point[axis])));
+        const tangent = Math.tan(this.camera.fov * Math.PI / 360);
+        const distanceOf = () => points.reduce((most, point) => Math.max(most, point[2] - z +
+            Math.max(Math.abs(point[1] - y) / tangent, Math.abs(point[0] - x) / (tangent * this.camera.aspect))), 0.5);
+        let distance = distanceOf();
+        for (let step = 0; step < 3; ++step) { // what is near takes more of the view than what is far
+            x += distance * between(points.map((point) => (point[0] - x) / (distance - point[2] + z)));
+            y += distance * between(points.map((point) => (point[1] - y) / (distance - point[2] + z)));
+            distance = distanceOf();
+        }
+        return { x, y, z, distance: 1.06 * distance };
     }
 
     resize(width, height) {

@@ -23,15 +23,10 @@ function fileName(path) {
     return path.split(/[/\\]/).pop() || path;
 }
 
-/** A model and the time of its import, which the report gives as an object or, without a time, as a text. */
-function modelOf(entry) {
-    if (!entry) {
-        return null;
-    }
-    const parts = typeof entry === 'string' ? { model: entry } : entry;
-    const path = String(parts.model || parts.name || parts.file || '');
-    const time = new Date(parts.time);
-    return { path, name: fileName(path), time: parts.time && !isNaN(time) ? time.toLocaleString() : '' };
+/** A model and the time of its import; either may be unknown. */
+function modelOf(path, time) {
+    const date = new Date(time || NaN);
+    return { name: path ? fileName(path) : 'a model', time: isNaN(date) ? '' : date.toLocaleString() };
 }
 
 function displacementText(displacement) {
@@ -76,13 +71,17 @@ function summaryOf(object) {
         const more = properties.length > 1 ? `, ${properties.length - 1} more` : '';
         parts.push(`${first.name}: ${valueText(first.old)} → ${valueText(first.new)}${more}`);
     }
-    if (object.perhaps.length) {
-        parts.push(`perhaps was ${object.perhaps.map((hint) => hint.identity).join(', ')}`);
+    if (object.perhaps) {
+        parts.push(perhapsText(object));
     }
-    if (object.notes.length) {
-        parts.push(object.notes.join('; '));
-    }
-    return parts.join('; ');
+    return [...parts, ...object.notes].join('; ');
+}
+
+/** A hint: which object it may be the other side of. */
+function perhapsText(object) {
+    const { identity, class: className, name, confidence } = object.perhaps;
+    return `perhaps ${object.status === 'removed' ? 'became' : 'was'} ${className} ${name} (${identity}, ` +
+        `${Math.round(100 * confidence)} %)`;
 }
 
 function moveText(object) {
@@ -92,28 +91,15 @@ function moveText(object) {
     return `${short(length)} m${move.angle ? `, turned ${short(move.angle)}°` : ''}`;
 }
 
-/** A list of texts or objects, whatever form a hint has in the report. */
-function hintsOf(entry) {
-    const list = entry === null || entry === undefined ? [] : Array.isArray(entry) ? entry : [entry];
-    return list.map((hint) => typeof hint === 'string' ? { identity: hint } : hint).filter((hint) => hint.identity);
-}
-
-function notesOf(entry) {
-    const list = entry === null || entry === undefined ? [] : Array.isArray(entry) ? entry : [entry];
-    return list.map((note) => typeof note === 'string' ? note : JSON.stringify(note));
-}
-
 /** The report with what the page derives from it. */
 class Report {
-    constructor(report) {
-        this.raw = report;
-        this.model = modelOf(report.model) || { path: '', name: '', time: '' };
-        this.previous = modelOf(report.previous);
+    constructor(report, time) {
+        this.model = modelOf(report.model, time);
+        this.previous = report.previous ? modelOf(report.previous.model, report.previous.time) : null;
         this.displacement = displacementText(report.displacement);
         this.counts = report.counts || {};
         this.objects = report.objects || [];
-        // Reports of a first import say so by having nothing to compare with.
-        this.isFirst = !this.previous && this.objects.every((object) => object.status === 'added');
+        this.isFirst = !this.previous; // all objects are new then, which is nothing to show in colours
         this.objects.forEach((object, index) => this.prepare(object, index));
         this.storeys = this.storeysByHeight();
         this.classes = [...new Set(this.objects.map((object) => object.class))].sort();
@@ -121,10 +107,8 @@ class Report {
 
     prepare(object, index) {
         object.index = index;
-        object.changes = object.changes || [object.status];
         object.properties = object.properties || [];
-        object.perhaps = hintsOf(object.perhaps);
-        object.notes = notesOf(object.notes === undefined ? object.note : object.notes);
+        object.notes = object.notes || [];
         object.storey = object.storey || noStorey;
         object.name = object.name || '';
         object.tag = object.tag || '';

@@ -120,9 +120,8 @@ class Details {
         if (typeof object.confidence === 'number') {
             add('Confidence', `${short(100 * object.confidence, 1)} %`);
         }
-        for (const hint of object.perhaps) {
-            const sure = typeof hint.confidence === 'number' ? ` (${short(100 * hint.confidence, 1)} %)` : '';
-            add('Perhaps was', `${hint.identity}${hint.name ? ` ${hint.name}` : ''}${sure}`);
+        if (object.perhaps) {
+            add('Hint', perhapsText(object));
         }
         object.notes.forEach((note) => add('Note', note));
         return list;

@@ -23,7 +23,7 @@ const themes = {
 /** Puts the parts of the page together. */
 class Page {
     constructor() {
-        this.report = new Report(JSON.parse(takeBlock('report-data')));
+        this.report = new Report(JSON.parse(takeBlock('report-data')), JSON.parse(takeBlock('time-data')));
         this.statuses = new Statuses(JSON.parse(takeBlock('status-data')));
         this.selected = -1;
         const actions = { select: (index) => this.select(index), zoom: (index) => this.zoom(index) };
@@ -35,9 +35,6 @@ class Page {
         this.filters = new Filters(this.report, this.statuses, () => this.update());
         this.update();
         this.setTheme(window.matchMedia('(prefers-color-scheme: dark)').matches ? 'dark' : 'light');
-        if (this.scene) {
-            this.fitChanges();
-        }
     }
 
     showHead() {
@@ -279,13 +276,9 @@ class Page {
         return this.hideContext.checked ? hidden : context;
     }
 
-    /** The corner from which the whole is seen at first. */
-    fitChanges() {
-        this.scene.fit(viewDirections.corner);
-    }
-
     view(name) {
         if (this.scene) {
+            this.scene.isTouched = true;
             this.scene.fit(viewDirections[name]);
         }
     }
@@ -317,6 +310,7 @@ class Page {
     zoom(index) {
         this.select(index);
         if (this.scene && index >= 0) {
+            this.scene.isTouched = true;
             this.scene.fitObject(index);
         }
     }
@@ -353,6 +347,7 @@ class Page {
             return false;
         }
         const camera = this.scene.camera;
+        this.scene.isTouched = true;
         const arrows = { ArrowLeft: [-1, 0], ArrowRight: [1, 0], ArrowUp: [0, 1], ArrowDown: [0, -1] };
         if (event.key in arrows) {
             const [x, y] = arrows[event.key];

@@ -14,10 +14,6 @@ function decodeBase64(text) {
 const roleNow = 0;
 const roleBefore = 1;
 
-const boxTriangles = [0, 2, 1, 1, 2, 3, 4, 5, 6, 5, 7, 6, 0, 1, 4, 1, 5, 4, 2, 6, 3, 3, 6, 7, 0, 4, 2, 2, 4, 6, 1, 3, 5,
-    3, 7, 5];
-const boxEdges = [0, 1, 2, 3, 4, 5, 6, 7, 0, 2, 1, 3, 4, 6, 5, 7, 0, 4, 1, 5, 2, 6, 3, 7];
-
 /** The heads of all pieces, and where their numbers lie in the bytes. */
 function readPieces(bytes) {
     const pieces = [];
@@ -45,14 +41,6 @@ function readPieces(bytes) {
     return pieces;
 }
 
-/** A box in place of a shape that is not there. */
-function boxPiece(object, role, box) {
-    return {
-        low: box[0], step: [0, 1, 2].map((axis) => box[1][axis] - box[0][axis]), object, role,
-        points: 8, triangles: 12, edges: 12, data: -1,
-    };
-}
-
 function middle(values) {
     const sorted = Float64Array.from(values).sort();
     return sorted.length ? sorted[sorted.length >> 1] : 0;
@@ -66,7 +54,6 @@ class Shapes {
     constructor(bytes, objects) {
         this.objects = objects;
         this.pieces = readPieces(bytes).filter((piece) => piece.object < objects.length);
-        this.addBoxes();
         this.firstOf = new Int32Array(objects.length).fill(-1); // chains of the pieces of each object
         this.pieces.forEach((piece, index) => {
             piece.index = index;
@@ -78,22 +65,6 @@ class Shapes {
         const words = new Uint16Array(bytes.buffer, bytes.byteOffset, bytes.length >> 1);
         for (const piece of this.pieces) {
             this.place(piece, words);
-        }
-    }
-
-    addBoxes() {
-        const roles = new Uint8Array(this.objects.length);
-        for (const piece of this.pieces) {
-            roles[piece.object] |= 1 << piece.role;
-        }
-        for (const object of this.objects) {
-            const isGone = object.status === 'removed';
-            if (object.box && !(roles[object.index] & (isGone ? 2 : 1))) {
-                this.pieces.push(boxPiece(object.index, isGone ? roleBefore : roleNow, object.box));
-            }
-            if (!isGone && object.before && object.before.box && !(roles[object.index] & 2)) {
-                this.pieces.push(boxPiece(object.index, roleBefore, object.before.box));
-            }
         }
     }
 
@@ -119,13 +90,12 @@ class Shapes {
     place(piece, words) {
         const [x, y, z] = [0, 1, 2].map((axis) => piece.low[axis] - this.origin[axis]);
         const [sx, sy, sz] = piece.step;
-        const isBox = piece.data < 0;
         const positions = this.positions;
-        let at = isBox ? 0 : piece.data >> 1;
+        let at = piece.data >> 1;
         for (let i = 0, p = 3 * piece.firstPoint; i < piece.points; ++i, p += 3, at += 3) {
-            positions[p] = x + sx * (isBox ? i & 1 : words[at]);
-            positions[p + 1] = y + sy * (isBox ? (i >> 1) & 1 : words[at + 1]);
-            positions[p + 2] = z + sz * (isBox ? i >> 2 : words[at + 2]);
+            positions[p] = x + sx * words[at];
+            positions[p + 1] = y + sy * words[at + 1];
+            positions[p + 2] = z + sz * words[at + 2];
         }
         const number = piece.object + 1;
         const owner = [number & 255, (number >> 8) & 255, (number >> 16) & 255, 255];
@@ -134,19 +104,18 @@ class Shapes {
         }
         const triangles = 3 * piece.triangles;
         for (let i = 0, t = 3 * piece.firstTriangle; i < triangles; ++i, ++t) {
-            this.triangles[t] = piece.firstPoint + (isBox ? boxTriangles[i] : words[at + i]);
+            this.triangles[t] = piece.firstPoint + words[at + i];
         }
         at += triangles;
         for (let i = 0, e = 2 * piece.firstEdge; i < 2 * piece.edges; ++i, ++e) {
-            this.edges[e] = piece.firstPoint + (isBox ? boxEdges[i] : words[at + i]);
+            this.edges[e] = piece.firstPoint + words[at + i];
         }
     }
 
     /** Low and high corner of a piece as it is drawn. */
     boxOf(piece) {
-        const steps = piece.data < 0 ? 1 : 65535;
         const low = piece.low.map((value, axis) => value - this.origin[axis]);
-        return [low, low.map((value, axis) => value + steps * piece.step[axis])];
+        return [low, low.map((value, axis) => value + 65535 * piece.step[axis])];
     }
 
     /** The pieces of an object in a role. */

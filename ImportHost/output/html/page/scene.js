@@ -89,9 +89,12 @@ class Scene {
         this.pickTarget = new THREE.WebGLRenderTarget(2 * pickReach + 1, 2 * pickReach + 1);
         this.pickMaterial = this.material(pickVertexShader, pickFragmentShader, {});
         this.camera = new Camera(this.canvas, () => this.moved());
-        this.camera.setExtent(this.boxOfPieces(() => true));
-        new ResizeObserver(() => this.resize()).observe(frame);
+        this.camera.setExtent(this.boxesOf(() => true));
+        this.camera.controls.addEventListener('start', () => {
+            this.isTouched = true;
+        });
         this.resize();
+        new ResizeObserver(() => this.resize()).observe(frame);
     }
 
     addAttributes() {
@@ -231,43 +234,43 @@ class Scene {
         this.draw();
     }
 
-    /** The box of pieces; single ones that lie far away from most others are left out of it. */
-    boxOfPieces(isMeant) {
+    /** The boxes of pieces, but for single ones that lie far away from most others. */
+    boxesOf(isMeant) {
         const boxes = this.shapes.pieces.filter(isMeant).map((piece) => this.shapes.boxOf(piece));
-        const box = new THREE.Box3();
         const limits = [0, 1, 2].map((axis) => {
-            const lows = Float64Array.from(boxes, (each) => each[0][axis]).sort();
+            const lows = Float64Array.from(boxes, (box) => box[0][axis]).sort();
             const part = (share) => lows[Math.floor(share * (lows.length - 1))];
             const spread = Math.max(part(0.95) - part(0.05), 10);
             return [part(0.05) - 5 * spread, part(0.95) + 5 * spread];
         });
-        for (const [low, high] of boxes) {
-            if (limits.every(([least, most], axis) => low[axis] >= least && low[axis] <= most)) {
-                box.expandByPoint(new THREE.Vector3(...low)).expandByPoint(new THREE.Vector3(...high));
-            }
-        }
-        return box;
+        return boxes.filter(([low]) =>
+            limits.every(([least, most], axis) => low[axis] >= least && low[axis] <= most));
     }
 
     /** Everything that is drawn, from a direction or as it is looked at now. */
     fit(direction) {
-        const drawn = this.boxOfPieces((piece) => this.states[piece.index] !== hidden);
-        this.camera.fit(drawn.isEmpty() ? this.boxOfPieces(() => true) : drawn, direction);
+        const drawn = this.boxesOf((piece) => this.states[piece.index] !== hidden);
+        this.camera.fit(drawn.length ? drawn : this.boxesOf(() => true), direction);
     }
 
     fitObject(object) {
-        const box = this.boxOfPieces((piece) => piece.object === object);
-        if (!box.isEmpty()) {
-            this.camera.fit(box.expandByScalar(0.75 * box.getSize(new THREE.Vector3()).length() + 0.5));
-        }
+        this.camera.fit(this.shapes.pieces.filter((piece) => piece.object === object).map((piece) => {
+            const [low, high] = this.shapes.boxOf(piece);
+            const room = 0.3 * Math.hypot(...high.map((value, axis) => value - low[axis])) + 0.3;
+            return [low.map((value) => value - room), high.map((value) => value + room)];
+        }));
     }
 
+    /** The first look stays on the whole model, whatever happens to the window, until someone turns it. */
     resize() {
         const width = Math.max(this.frame.clientWidth, 1);
         const height = Math.max(this.frame.clientHeight, 1);
         this.renderer.setSize(width, height);
         this.camera.resize(width, height);
-        this.draw();
+        if (!this.isTouched) {
+            this.fit(viewDirections.corner);
+        }
+        this.drawNow();
     }
 
     /** The view is turned: on a slow machine without lines until it stands still. */
