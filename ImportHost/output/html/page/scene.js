@@ -176,7 +176,7 @@ class Scene {
         };
         set(context, false, colours.context, 0.3);
         set(context, true, colours.contextLine, 0.35);
-        set(chosen, false, colours.chosen, 0.35);
+        set(chosen, false, colours.chosen, 0.18);
         set(chosen, true, colours.chosenLine, 1);
         this.draw();
     }
