@@ -1,30 +1,12 @@
 #include "output/html/ComparisonPage.h"
 
 #include "Failure.h"
+#include "comparison/Displaced.h"
 #include "output/Report.h"
 #include "output/html/HtmlPage.h"
 #include "output/html/ShapeBlock.h"
 
-#include <cmath>
-
 namespace {
-
-constexpr double degree = 3.14159265358979323846 / 180.0;
-
-/** Where the displacement takes a point. */
-Vector3 displaced(const Displacement& displacement, const Vector3& p) {
-    const Vector3& a = displacement.axis;
-    const double c = std::cos(displacement.turn * degree);
-    const double s = std::sin(displacement.turn * degree);
-    const double along = (a[0] * p[0] + a[1] * p[1] + a[2] * p[2]) * (1.0 - c);
-    Vector3 result{};
-    for (std::size_t k = 0; k < 3; ++k) {
-        const std::size_t u = (k + 1) % 3;
-        const std::size_t v = (k + 2) % 3;
-        result[k] = p[k] * c + (a[u] * p[v] - a[v] * p[u]) * s + a[k] * along + displacement.shift[k];
-    }
-    return result;
-}
 
 /** Of whom the page shows where or what it was. */
 bool showsBefore(const Change& change) {
@@ -69,7 +51,7 @@ void addShapesOfBefore(ShapeBlock& shapes, const PageSources& sources, const Com
 std::string shapesOf(const PageSources& sources, const Comparison& comparison) {
     ShapeBlock::Mapping mapping;
     if (comparison.displacement) {
-        mapping = [&](const Vector3& p) { return displaced(*comparison.displacement, p); };
+        mapping = [&](const Vector3& p) { return displaced(p, *comparison.displacement); };
     }
     ShapeBlock shapes;
     addShapesOfNow(shapes, sources, comparison);
@@ -88,13 +70,10 @@ std::string shapesOf(const PageSources& sources, const Comparison& comparison) {
 
 } // namespace
 
-std::string comparisonPageText(const PageSources& sources, const Comparison& comparison) {
+std::string comparisonPageText(const PictureContent& content, const PageSources& sources) {
     if (!htmlPageAvailable()) {
         throw Failure("--html", "this program was built without libjs-three");
     }
-    PageContent content;
-    content.report = reportText(sources.model, sources.previous, comparison);
-    content.time = sources.model.time;
-    content.shapes = shapesOf(sources, comparison);
-    return htmlPageText(content);
+    return htmlPageText({reportText(content.model, content.previous, content.comparison), content.model.time,
+                         shapesOf(sources, content.comparison), storeyPlans(content)});
 }

@@ -4,16 +4,13 @@
  */
 #pragma once
 
-#include "comparison/Comparison.h"
-#include "state/StateFolder.h"
+#include "output/Picture.h"
 
-#include <optional>
 #include <string>
+#include <vector>
 
 /** Where the page finds what a comparison does not hold. */
 struct PageSources {
-    const ImportedModel& model;
-    const std::optional<ImportedModel>& previous;
     const std::vector<ObjectRecord>& objects;         ///< that are there now
     const std::vector<ObjectRecord>& previousObjects; ///< that the comparison was made with
     std::string streams;                              ///< folder of the streams of this import
@@ -24,4 +21,4 @@ struct PageSources {
  * The page as HTML. Shapes from before stand where the displacement of the whole took them. Throws Failure when the
  * program was built without the drawing library, or when the streams of this import can't be read.
  */
-std::string comparisonPageText(const PageSources& sources, const Comparison& comparison);
+std::string comparisonPageText(const PictureContent& content, const PageSources& sources);

@@ -38,9 +38,9 @@ void appendJson(std::string& page, const char* id, const std::string& json) {
     page += "</script>\n";
 }
 
-std::string plansJson(const std::vector<PagePlan>& plans) {
+std::string plansJson(const std::vector<StoreyPlan>& plans) {
     std::string text = "[";
-    for (const PagePlan& plan : plans) {
+    for (const StoreyPlan& plan : plans) {
         text += (text.size() == 1 ? "{\"storey\": " : ",\n{\"storey\": ") + jsonString(plan.storey) +
                 ", \"svg\": " + jsonString(plan.svg) + '}';
     }

@@ -4,24 +4,20 @@
  */
 #pragma once
 
+#include "output/Picture.h"
+
 #include <string>
 #include <vector>
-
-/** The plan of one storey. */
-struct PagePlan {
-    std::string storey; ///< its name, as in the report
-    std::string svg;    ///< a whole document; elements of an object have its index in the report as data-object
-};
 
 /** Whether this program was built with the library that draws in the page. */
 bool htmlPageAvailable();
 
 /** What a page is made of. */
 struct PageContent {
-    std::string report;          ///< JSON of format 2
-    std::string time;            ///< of the import, as 2026-05-31T12:00:00Z
-    std::string shapes;          ///< the bytes of a ShapeBlock
-    std::vector<PagePlan> plans; ///< in the order in which they are shown and printed
+    std::string report;            ///< JSON of format 2
+    std::string time;              ///< of the import, as 2026-05-31T12:00:00Z
+    std::string shapes;            ///< the bytes of a ShapeBlock
+    std::vector<StoreyPlan> plans; ///< in the order in which they are shown and printed
 };
 
 /**
