@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Compares what the shared library exports with what its public headers declare: every function that is marked for
-export, itself or through its class, and has no body there. Private members of such classes may be exported or not.
+"""Compares what the shared library exports with what its public headers declare: every public or protected function that
+is marked for export, itself or through its class, and has no body there.
 
 Usage: Scripts/check-exports.py LIBRARY [CLANG++]
 """
@@ -29,19 +29,19 @@ def variants(name, kind):
             yield name.replace(f"{letter}{a}E", f"{letter}{b}E", 1)
 
 
-def walk(node, exported, public, private):
-    """Puts the names of a declaration's functions into two sets."""
-    names = private if node.get("tagUsed") == "class" else public
+def walk(node, exported, names):
+    """Adds the names of a declaration's functions."""
+    access = "private" if node.get("tagUsed") == "class" else "public"
     for child in node.get("inner", []):
         kind = child.get("kind")
         if kind == "AccessSpecDecl":
-            names = private if child["access"] == "private" else public
-        if child.get("isImplicit"):
+            access = child["access"]
+        if access == "private" or child.get("isImplicit"):
             continue
         if kind in ("NamespaceDecl", "LinkageSpecDecl"):
-            walk(child, False, public, private)
+            walk(child, False, names)
         elif kind == "CXXRecordDecl":
-            walk(child, is_exported(child), names, private)
+            walk(child, is_exported(child), names)
         elif kind in functions and (exported or is_exported(child)):
             has_body = any(part.get("kind") == "CompoundStmt" for part in child.get("inner", []))
             if not (has_body or child.get("inline") or child.get("explicitlyDeleted")
@@ -64,17 +64,17 @@ def declarations():
             yield tree
 
 
-public, private = set(), set()
+declared = set()
 for tree in declarations():
-    walk({"inner": [tree]}, False, public, private)
+    walk({"inner": [tree]}, False, declared)
 listing = subprocess.run(["nm", "-D", "--defined-only", library], text=True, stdout=subprocess.PIPE, check=True).stdout
 found = {line.split()[-1] for line in listing.splitlines()}
-if not public or not found:
-    sys.exit("check-exports: no names found in the " + ("library" if public else "headers"))
+if not declared or not found:
+    sys.exit("check-exports: no names found in the " + ("library" if declared else "headers"))
 
-faults = [f"declared, not exported: {name}" for name in public - found]
-faults += [f"exported, not declared: {name}" for name in found - public - private]
+faults = [f"declared, not exported: {name}" for name in declared - found]
+faults += [f"exported, not declared: {name}" for name in found - declared]
 if faults:
     plain = subprocess.run(["c++filt"], input="\n".join(sorted(faults)), text=True, stdout=subprocess.PIPE, check=True)
     sys.exit(plain.stdout)
-print(f"{len(public)} declared names are exported, and nothing else")
+print(f"{len(declared)} declared names are exported, and nothing else")

@@ -172,9 +172,9 @@ public:
     void toString(unsigned int size, char* buffer) const;
 
 private:
-    bool hasBoundingBox() const;
-    bool hasDistances() const;
-    bool hasVolume() const;
+    IMPORT_COMMON_LOCAL bool hasBoundingBox() const;
+    IMPORT_COMMON_LOCAL bool hasDistances() const;
+    IMPORT_COMMON_LOCAL bool hasVolume() const;
 
     std::uint32_t type_;
     double boundingBox_[3];

@@ -65,14 +65,14 @@ private:
     struct Skip;
     struct Query;
     struct Way;
-    class SkipBuilder;
+    class IMPORT_COMMON_LOCAL SkipBuilder;
 
-    bool addBlock();
-    Node_s& nodeAt(unsigned int id) const;
-    double* vectorAt(unsigned int id) const;
-    bool matches(unsigned int id, const Query& query) const;
+    IMPORT_COMMON_LOCAL bool addBlock();
+    IMPORT_COMMON_LOCAL Node_s& nodeAt(unsigned int id) const;
+    IMPORT_COMMON_LOCAL double* vectorAt(unsigned int id) const;
+    IMPORT_COMMON_LOCAL bool matches(unsigned int id, const Query& query) const;
     template <typename Observer>
-    Way descend(const Query& query, Observer& observer) const;
+    IMPORT_COMMON_LOCAL Way descend(const Query& query, Observer& observer) const;
 
     unsigned int count_ = 0;
     unsigned int dimension_;

@@ -74,7 +74,7 @@ public:
     void getCenteroid(double* x, double* y, double* z) const;
 
 private:
-    const CExternalVersion& version() const;
+    IMPORT_COMMON_LOCAL const CExternalVersion& version() const;
 
     CExternalVersion* version_;
 };

@@ -65,7 +65,7 @@ public:
     const char* getBytes(unsigned int* size) const;
 
 private:
-    bool replaceBytes(unsigned int size, const char* data);
+    IMPORT_COMMON_LOCAL bool replaceBytes(unsigned int size, const char* data);
 
     Type_t type_;
     unsigned int size_ = 0;

@@ -129,10 +129,11 @@ private:
 
     static constexpr unsigned int textSize = IFC2X3PropertySingleValue::TextSize;
 
-    IFC2X3Property(const IFC2X3Property& other, std::unique_ptr<IFC2X3PropertyComplex> complex) noexcept;
+    IMPORT_COMMON_LOCAL IFC2X3Property(const IFC2X3Property& other,
+                                       std::unique_ptr<IFC2X3PropertyComplex> complex) noexcept;
 
-    void copyTexts(const IFC2X3Property& other);
-    void becomeNull();
+    IMPORT_COMMON_LOCAL void copyTexts(const IFC2X3Property& other);
+    IMPORT_COMMON_LOCAL void becomeNull();
 
     Type_t type_;
     wchar_t name_[textSize + 1];

@@ -87,15 +87,15 @@ private:
     struct Chunk;
     struct Copying;
 
-    void swap(IFC2X3PropertySet& other) noexcept;
-    void copyFrom(const IFC2X3PropertySet& other, std::vector<Copying>& nested);
-    void takeChunks(IFC2X3PropertySet& nested);
-    bool makeRoom();
-    void* placeForProperty(unsigned int capacity);
+    IMPORT_COMMON_LOCAL void swap(IFC2X3PropertySet& other) noexcept;
+    IMPORT_COMMON_LOCAL void copyFrom(const IFC2X3PropertySet& other, std::vector<Copying>& nested);
+    IMPORT_COMMON_LOCAL void takeChunks(IFC2X3PropertySet& nested);
+    IMPORT_COMMON_LOCAL bool makeRoom();
+    IMPORT_COMMON_LOCAL void* placeForProperty(unsigned int capacity);
     template <typename... Arguments>
     void emplace(Arguments&&... arguments);
-    void appendSingleValue(const wchar_t* name, IFC2X3PropertySingleValue::ValueType_t type, bool boolValue,
-                           int intValue, double realValue, const wchar_t* text);
+    IMPORT_COMMON_LOCAL void appendSingleValue(const wchar_t* name, IFC2X3PropertySingleValue::ValueType_t type,
+                                               bool boolValue, int intValue, double realValue, const wchar_t* text);
 
     unsigned int count_ = 0;
     unsigned int capacity_ = 0;
