@@ -1,19 +1,18 @@
 /**
  * @file CommonSets.h
- * The common property sets of IFC 2x3 that the library has records for.
+ * Common property sets of IFC 2x3 by way of the library's records: two of them, to show how it is done.
  */
 #pragma once
 
-#include "IfcProperties.h"
-
 #include <ImportCommon/IFC2X3_PSet_Custom.h>
+
+#include <IfcReader/PropertySet.h>
 
 #include <algorithm>
 #include <optional>
 #include <string_view>
 #include <vector>
 
-using IfcReader::IfcProperties;
 using IfcReader::IfcProperty;
 using IfcReader::IfcPropertySet;
 using IfcReader::IfcValue;

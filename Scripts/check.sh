@@ -6,7 +6,7 @@ set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-$root/build/check}
-"$root/Scripts/install-packages.sh" clang clang-tidy cppcheck valgrind cmake ninja-build libassimp-dev libgtest-dev
+"$root/Scripts/install-packages.sh" clang clang-tidy cppcheck valgrind cmake ninja-build libgtest-dev
 mkdir -p "$build"
 cd "$root"
 failed=0

@@ -7,7 +7,7 @@ set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-$root/build/coverage}
-"$root/Scripts/install-packages.sh" g++ cmake ninja-build libassimp-dev libgtest-dev nlohmann-json3-dev gcovr
+"$root/Scripts/install-packages.sh" g++ cmake ninja-build libgtest-dev nlohmann-json3-dev gcovr
 
 mkdir -p "$build"
 options=(-DCMAKE_CXX_COMPILER=g++ -DCMAKE_C_COMPILER=gcc -DCMAKE_BUILD_TYPE=Debug -DIMPORTCOMMON_BUILD_BENCHMARKS=OFF -DIMPORTCOMMON_COVERAGE=ON)

@@ -21,7 +21,7 @@ done
 
 build=$root/build/demo
 output=$build/import
-"$root/Scripts/install-packages.sh" g++ cmake ninja-build libassimp-dev
+"$root/Scripts/install-packages.sh" g++ cmake ninja-build
 mkdir -p "$build"
 log=$build/build.log
 options=(-DCMAKE_BUILD_TYPE=Release -DIMPORTCOMMON_BUILD_TESTS=OFF)

@@ -6,7 +6,7 @@ set -euo pipefail
 if ! command -v apt-get >/dev/null; then
     for tool in c++ cmake ninja; do
         if ! command -v "$tool" >/dev/null; then
-            echo "install-packages: $tool is missing; install a C++17 compiler, CMake, Ninja, GoogleTest, Assimp and nlohmann-json" >&2
+            echo "install-packages: $tool is missing; install a C++17 compiler, CMake, Ninja, GoogleTest and nlohmann-json" >&2
             exit 1
         fi
     done

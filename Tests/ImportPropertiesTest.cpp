@@ -174,8 +174,14 @@ TEST_F(ImportPropertiesTest, valuesOfAllKindsAreCompared) {
 TEST_F(ImportPropertiesTest, streamsHoldSetsAndSolids) {
     import(house_);
     EXPECT_NE(readFile(file("state/output/attributes"))
-                  .find("set\t22\t0Ls4IvI2v5nORbKYJdD5Z1\tcustom\t1ijk8xBsT24eX9U0L4H$Fn\tPset_DoorCommon\t\n"
-                        "property\t0\tFireExit\t\tboolean\tfalse\n"),
+                  .find("set\t22\t0Ls4IvI2v5nORbKYJdD5Z1\tattributes\t-\tAttributes\t\n"
+                        "property\t0\tName\t\ttext\tFront door\n"
+                        "property\t0\tTag\t\ttext\tD-01\n"
+                        "property\t0\tStorey\t\ttext\tGround floor\n"
+                        "property\t0\tMaterial\t\ttext\tTimber\n"
+                        "property\t0\tColour\t\ttext\t0.6 0.42 0.24 1\n"
+                        "set\t22\t0Ls4IvI2v5nORbKYJdD5Z1\tcustom\t1ijk8xBsT24eX9U0L4H$Fn\tPset_DoorCommon\t\n"
+                        "property\t0\tReference\t\ttext\tD-100\n"),
               std::string::npos);
     EXPECT_NE(readFile(file("state/output/attributes"))
                   .find("\tIFC2X3_PSet_RampCommon\t1$1XnNqF58ROLChDaYVun2\tPset_RampCommon\t\n"

@@ -1,4 +1,4 @@
-#include "IfcValue.h"
+#include "properties/Values.h"
 
 #include "step/StepText.h"
 
@@ -41,7 +41,7 @@ Kind kindOfNumber(std::string_view type) {
 }
 
 /** The number of a type; text when @p argument is no number or too large for one. */
-IfcValue numberValue(std::string_view type, std::string_view argument) {
+IfcValue numberValue(std::string_view type, std::string_view argument, const Units& units) {
     IfcValue value;
     value.kind = kindOfNumber(type);
     const auto integer = value.kind == Kind::Integer ? stepInteger(argument) : std::nullopt;
@@ -54,12 +54,15 @@ IfcValue numberValue(std::string_view type, std::string_view argument) {
     if (value.kind == Kind::Integer && !integer) {
         value.kind = Kind::Real;
     }
+    if (value.kind == Kind::Real || value.kind == Kind::Length) {
+        value.factor = units.factorOf(unitTypeOf(type));
+    }
     return value;
 }
 
 } // namespace
 
-IfcValue valueOf(std::string_view argument) {
+IfcValue valueOf(std::string_view argument, const Units& units) {
     std::string_view type;
     if (const auto typed = stepTyped(argument)) {
         type = typed->keyword;
@@ -78,7 +81,7 @@ IfcValue valueOf(std::string_view argument) {
     if (isState(word)) {
         return stateValue(word, type == "IFCLOGICAL");
     }
-    return word.empty() ? numberValue(type, argument) : textValue(std::string(word));
+    return word.empty() ? numberValue(type, argument, units) : textValue(std::string(word));
 }
 
 IfcValue listValueOf(std::string_view list) {
