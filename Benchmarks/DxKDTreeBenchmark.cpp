@@ -8,7 +8,9 @@
 #include <nanoflann.hpp>
 #endif
 
+#include <ctime>
 #include <memory>
+#include <utility>
 
 using namespace ImportCommon;
 
@@ -187,15 +189,19 @@ void findAll(benchmark::State& state, const Hashes& hashes) {
     }
 }
 
-/** The next import, from a text form with four digits: finds all once in random order, each a little moved. */
-template <typename Index>
-void findMoved(benchmark::State& state, const Hashes& hashes) {
-    Hashes moved = shuffled(hashes);
-    for (Hash& hash : moved) {
+/** Each a little moved, as by a text form with four digits. */
+Hashes movedOf(Hashes hashes) {
+    for (Hash& hash : hashes) {
         for (double& component : hash) {
             component += 0.00005;
         }
     }
+    return hashes;
+}
+
+/** The next import: finds all once, in the order that is given. */
+template <typename Index>
+void findMoved(benchmark::State& state, const Hashes& hashes, const Hashes& moved) {
     for (auto _ : state) {
         state.PauseTiming();
         auto index = std::make_unique<Index>(hashes);
@@ -212,14 +218,43 @@ void findMoved(benchmark::State& state, const Hashes& hashes) {
     }
 }
 
+/** Processor time of this thread; unlike the wall's it leaves out when others run. */
+double threadTime() {
+    timespec time = {};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
+}
+
+/** The longest single call of registering all and finding all, moved, in random order. */
+void longestCall(benchmark::State& state, const Hashes& hashes) {
+    const Hashes moved = shuffled(movedOf(hashes));
+    double longest = 0;
+    const auto measure = [&longest](const auto& call) {
+        const double begin = threadTime();
+        call();
+        longest = std::max(longest, threadTime() - begin);
+    };
+    for (auto _ : state) {
+        Tree tree(hashes);
+        for (std::size_t i = 0; i < hashes.size(); ++i) {
+            measure([&] { tree.insert(i); });
+        }
+        for (const Hash& hash : moved) {
+            measure([&] { benchmark::DoNotOptimize(tree.find(hash)); });
+        }
+    }
+    state.counters["longest"] = longest;
+}
+
 template <typename Index>
 void addIndex(const std::string& objects, std::size_t count, Hashes (*make)(std::size_t), const char* name) {
     const std::string end = objects + "/" + std::to_string(count) + "/" + name;
     addBenchmark("tree/register " + end, count,
                  [=](benchmark::State& state) { registerAll<Index>(state, make(count)); });
     addBenchmark("tree/find " + end, count, [=](benchmark::State& state) { findAll<Index>(state, make(count)); });
-    addBenchmark("tree/find moved " + end, count,
-                 [=](benchmark::State& state) { findMoved<Index>(state, make(count)); });
+    addBenchmark("tree/find moved " + end, count, [=](benchmark::State& state) {
+        findMoved<Index>(state, make(count), shuffled(movedOf(make(count))));
+    });
 }
 
 const bool added = [] {
@@ -238,6 +273,18 @@ const bool added = [] {
     for (const std::size_t count : std::initializer_list<std::size_t>{10000, 20000, 50000, 100000}) {
         addIndex<Tree>("line", count, line, "library");
         addIndex<Tree>("descending line", count, descendingLine, "library");
+        addBenchmark("tree/find moved in order line/" + std::to_string(count) + "/library", count,
+                     [=](benchmark::State& state) { findMoved<Tree>(state, line(count), movedOf(line(count))); });
+        addBenchmark("tree/find moved in order descending line/" + std::to_string(count) + "/library", count,
+                     [=](benchmark::State& state) {
+                         findMoved<Tree>(state, descendingLine(count), movedOf(descendingLine(count)));
+                     });
+    }
+    for (const auto& [objects, make] : std::initializer_list<std::pair<std::string, Hashes (*)(std::size_t)>>{
+             {"random", randomObjects}, {"lattice", lattice}, {"line", line}, {"descending line", descendingLine}}) {
+        addBenchmark("tree/longest call " + objects + "/100000/library", 100000,
+                     [make = make](benchmark::State& state) { longestCall(state, make(100000)); })
+            ->Iterations(1);
     }
     return true;
 }();

@@ -92,7 +92,7 @@ const Shape shapes[] = {
     {"ascending", [](unsigned int n, std::mt19937&, double (&at)[3]) { at[0] = n, at[1] = n % 2 * -0.035; }},
     {"descending", [](unsigned int n, std::mt19937&, double (&at)[3]) { at[0] = -1.0 * n, at[2] = n % 2 * -0.035; }},
     {"to and fro", [](unsigned int n, std::mt19937&, double (&at)[3]) { at[1] = n % 2 == 0 ? n : -1.0 * n; }},
-    {"closing in", [](unsigned int n, std::mt19937&, double (&at)[3]) { at[1] = n % 2 == 0 ? n : 9000.0 - n; }},
+    {"closing in", [](unsigned int n, std::mt19937&, double (&at)[3]) { at[1] = n % 2 == 0 ? n : 6000.0 - n; }},
     {"close together",
      [](unsigned int n, std::mt19937&, double (&at)[3]) { at[0] = n * 0.0101, at[2] = n % 3 * 0.01; }},
     {"lattice", [](unsigned int n, std::mt19937&,
@@ -116,7 +116,7 @@ TEST(DxKDTreeTest, agreesWithAPlainModelInShapes) {
         std::mt19937 random(77);
         CDxKDTree tree(11);
         PlainTree model;
-        for (unsigned int number = 0; number < 4000; ++number) {
+        for (unsigned int number = 0; number < 2500; ++number) {
             double centre[3] = {};
             shape.place(number, random, centre);
             Vector vector(11, 0.87);
