@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds and runs the benchmarks and writes their results into Docs/performance.md; installs what is missing.
 # Usage: Scripts/bench.sh [RESULTS_FOLDER [BENCHMARK_OPTION...]]; the options go to every benchmark program. A program
-# whose results are in the folder already is not run again.
+# whose results are in the folder already is not run again. The exit code is 1 when something is slower than it must be.
 set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
