@@ -72,11 +72,11 @@ protected:
     SampleComparison sample_;
     const ImportedModel model_ = {"folder/new.ifc", "2026-05-31T12:00:00Z"};
     const std::optional<ImportedModel> previous_ = ImportedModel{"old.ifc", "2026-05-30T12:00:00Z"};
-    const PictureContent content_ = {model_, previous_, sample_.comparison};
+    const Outcome outcome_ = {model_, previous_, sample_.comparison};
 };
 
 TEST_F(PictureTest, storeysAreDrawnApartFromTheLowestToTheHighest) {
-    const pugi::xml_document sheet = parsed(pictureText(content_));
+    const pugi::xml_document sheet = parsed(pictureText(outcome_));
     EXPECT_EQ(headings(sheet),
               (std::vector<std::string>{"Without a storey: 1 changed", "Ground: 4 changed", "Upper: 2 changed"}));
     const std::map<std::string, int> expected = {{"unchanged", 1}, {"moved", 2}, {"old moved", 2},
@@ -91,11 +91,11 @@ TEST_F(PictureTest, storeysAreDrawnApartFromTheLowestToTheHighest) {
     EXPECT_TRUE(hasText(sheet, "compared with old.ifc (imported 2026-05-30 12:00 UTC)"));
     EXPECT_TRUE(hasText(sheet, "removed 1")) << "the space is counted";
 
-    const pugi::xml_document ground = parsed(pictureText(content_, "Ground"));
+    const pugi::xml_document ground = parsed(pictureText(outcome_, "Ground"));
     EXPECT_EQ(headings(ground), std::vector<std::string>{"Ground: 4 changed"});
-    EXPECT_THROW(pictureText(content_, "ground"), Failure);
+    EXPECT_THROW(pictureText(outcome_, "ground"), Failure);
 
-    const std::vector<StoreyPlan> plans = storeyPlans(content_);
+    const std::vector<StoreyPlan> plans = storeyPlans(outcome_);
     ASSERT_EQ(plans.size(), 3u);
     EXPECT_EQ(plans[0].storey, "");
     EXPECT_EQ(plans[1].storey, "Ground");
@@ -103,7 +103,7 @@ TEST_F(PictureTest, storeysAreDrawnApartFromTheLowestToTheHighest) {
 }
 
 TEST_F(PictureTest, shapesTellWhichObjectTheyAreAndWhatHappened) {
-    const pugi::xml_document sheet = parsed(pictureText(content_));
+    const pugi::xml_document sheet = parsed(pictureText(outcome_));
     std::set<unsigned> drawn;
     for (const pugi::xml_node path : sheet.child("svg").children("path")) {
         if (path.attribute("data-object")) {
@@ -125,7 +125,7 @@ TEST_F(PictureTest, shapesTellWhichObjectTheyAreAndWhatHappened) {
 
 TEST_F(PictureTest, oldOutlinesFollowTheWhole) {
     const auto outline = [&](const char* className) {
-        const pugi::xml_document sheet = parsed(pictureText(content_, "Ground"));
+        const pugi::xml_document sheet = parsed(pictureText(outcome_, "Ground"));
         for (const pugi::xml_node path : sheet.child("svg").children("path")) {
             if (path.attribute("class").value() == std::string(className)) {
                 return std::string(path.attribute("d").value());
@@ -138,7 +138,7 @@ TEST_F(PictureTest, oldOutlinesFollowTheWhole) {
     // The new objects stay, so the old ones are drawn elsewhere beside them once the whole is known to have moved.
     sample_.comparison.displacement = Displacement{{0.0, 5.0, 0.0}, 0.0, {0.0, 0.0, 1.0}};
     EXPECT_NE(outline("removed large"), before);
-    const pugi::xml_document sheet = parsed(pictureText(content_));
+    const pugi::xml_document sheet = parsed(pictureText(outcome_));
     EXPECT_TRUE(hasText(sheet, "The whole model was displaced by (0.000, 5.000, 0.000) m; what only followed it is "
                                "unchanged."));
 }
@@ -149,7 +149,7 @@ TEST_F(PictureTest, everythingStaysOnTheSheet) {
         const ObjectRecord& record = sample_.record(sampleId(20 + i), "IFCSLAB", "", storey, 50.0 * i, 7.0, 3.0 * i);
         sample_.add(&record, &record, {});
     }
-    const pugi::xml_document sheet = parsed(pictureText(content_));
+    const pugi::xml_document sheet = parsed(pictureText(outcome_));
     const pugi::xml_node svg = sheet.child("svg");
     double x = 0.0;
     double y = 0.0;

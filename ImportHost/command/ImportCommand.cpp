@@ -6,6 +6,8 @@
 #include "command/Options.h"
 #include "command/TemporaryState.h"
 #include "comparison/Comparison.h"
+#include "output/Bcf.h"
+#include "output/Csv.h"
 #include "output/OutputFiles.h"
 #include "output/Picture.h"
 #include "output/Report.h"
@@ -83,12 +85,14 @@ bool compareWithState(StateFolder& state, const Arguments& arguments) {
 
     // Everything is written before the first file takes its place, and the state comes last: whatever fails, the next
     // import still compares with what this one compared with.
-    const PictureContent drawn = {model, previous, comparison};
+    const Outcome outcome = {model, previous, comparison};
     OutputFiles files;
     files.add(arguments.report, [&] { return reportText(model, previous, comparison); });
-    files.add(arguments.picture, [&] { return pictureText(drawn, arguments.storey); });
+    files.add(arguments.csv, [&] { return csvText(comparison); });
+    files.add(arguments.bcf, [&] { return bcfText(outcome); });
+    files.add(arguments.picture, [&] { return pictureText(outcome, arguments.storey); });
     files.add(arguments.html, [&] {
-        return comparisonPageText(drawn, {objects, state.objects(), state.outputFolder(), state.lastOutputFolder()});
+        return comparisonPageText(outcome, {objects, state.objects(), state.outputFolder(), state.lastOutputFolder()});
     });
     if (!arguments.dryRun) {
         state.prepare(model, objects);

@@ -4,7 +4,7 @@ namespace {
 
 // The build names libraries that are missing.
 #ifndef IMPORT_HOST_MISSING_FOR_BCF
-#define IMPORT_HOST_MISSING_FOR_BCF "its writer"
+#define IMPORT_HOST_MISSING_FOR_BCF ""
 #endif
 #ifndef IMPORT_HOST_MISSING_FOR_HTML
 #define IMPORT_HOST_MISSING_FOR_HTML "its writer"
@@ -32,7 +32,7 @@ OptionGroup outputOptions() {
              {"--storey", "", "NAME", "Draw this storey alone in the picture. Default: all.", &Arguments::storey},
              {"--html", "", "FILE", "A page with the model in three dimensions, the list of objects and the plans.",
               &Arguments::html, IMPORT_HOST_MISSING_FOR_HTML},
-             {"--csv", "", "FILE", "A table for spreadsheets, one line per change.", &Arguments::csv, "its writer"},
+             {"--csv", "", "FILE", "A table for spreadsheets, one line per change.", &Arguments::csv},
              {"--bcf", "", "FILE", "BCF 2.1 for authoring tools: a topic with a viewpoint per object.", &Arguments::bcf,
               IMPORT_HOST_MISSING_FOR_BCF},
              {"--output", "", "DIR",

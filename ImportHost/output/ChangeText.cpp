@@ -77,3 +77,8 @@ std::string displacementText(const Comparison& comparison) {
     }
     return text + "; what only followed it is unchanged.";
 }
+
+std::string valueText(const std::optional<std::string>& value) {
+    const bool isText = value && value->compare(0, 1, "'") == 0;
+    return isText ? value->substr(1) : value.value_or("");
+}

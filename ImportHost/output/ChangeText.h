@@ -19,3 +19,6 @@ std::string displacementText(const Comparison& comparison);
 
 /** A number with some digits behind the point, and never "-0". */
 std::string fixedText(double value, int digits);
+
+/** The value of a property as people read it; empty when there is none. */
+std::string valueText(const std::optional<std::string>& value);

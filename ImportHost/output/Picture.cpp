@@ -129,25 +129,25 @@ std::string legendText(const Comparison& comparison, double width, double& y) {
 }
 
 /** Title and legend; @p height becomes what they take up. */
-std::string headText(const PictureContent& content, double width, double& height) {
+std::string headText(const Outcome& outcome, double width, double& height) {
     const auto line = [&](const std::string& text, const char* className, double size) {
         height += size + 4.0;
         return svgLine(0.0, height, fittingText(printable(text), width, size), className);
     };
-    const std::string name = std::filesystem::path(content.model.name).filename().string();
+    const std::string name = std::filesystem::path(outcome.model.name).filename().string();
     std::string text = line(name, "title", titleSize);
-    if (!content.previous) {
-        text += line("imported " + shortTime(content.model.time) +
+    if (!outcome.previous) {
+        text += line("imported " + shortTime(outcome.model.time) +
                          " UTC for the first time: there is nothing to compare with",
                      "", textSize);
         return text;
     }
-    text += line("compared with " + nameAndTime(*content.previous), "", textSize);
-    if (content.comparison.displacement) {
-        text += line(displacementText(content.comparison), "", textSize);
+    text += line("compared with " + nameAndTime(*outcome.previous), "", textSize);
+    if (outcome.comparison.displacement) {
+        text += line(displacementText(outcome.comparison), "", textSize);
     }
     height += lineHeight + 6.0;
-    return text + legendText(content.comparison, width, height);
+    return text + legendText(outcome.comparison, width, height);
 }
 
 std::string headingText(const Storey& storey, bool isOnly, bool marked) {
@@ -188,12 +188,12 @@ std::string styleText(const Sheet& sheet) {
 }
 
 /** Everything on one sheet, upright or across, whichever shows more. */
-std::string sheetText(const PictureContent& content, const std::vector<Storey>& storeys, bool areAll) {
+std::string sheetText(const Outcome& outcome, const std::vector<Storey>& storeys, bool areAll) {
     Sheet sheet{longSide, shortSide};
     double headHeight = 0.0;
-    std::string head = headText(content, sheet.width, headHeight);
+    std::string head = headText(outcome, sheet.width, headHeight);
     double uprightHeight = 0.0;
-    const std::string uprightHead = headText(content, shortSide, uprightHeight);
+    const std::string uprightHead = headText(outcome, shortSide, uprightHeight);
     Grid grid = bestGrid(storeys, longSide, shortSide - headHeight);
     const Grid upright = bestGrid(storeys, shortSide, longSide - uprightHeight);
     if (upright.scale > grid.scale) {
@@ -225,11 +225,11 @@ std::string sheetText(const PictureContent& content, const std::vector<Storey>& 
     for (std::size_t i = 0; i < storeys.size(); ++i) {
         const SheetBox& box = boxes[i];
         const std::string heading =
-            headingText(storeys[i], areAll && storeys.size() == 1, content.previous.has_value());
+            headingText(storeys[i], areAll && storeys.size() == 1, outcome.previous.has_value());
         text += svgLine(box.x, box.y - 6.0, fittingText(heading, box.width, 13.0), "heading");
         const double scale = largestScale(storeys[i], box);
         text += planText(storeys[i], box, scale < commonScale * maxScaleRatio ? commonScale : scale,
-                         content.previous.has_value());
+                         outcome.previous.has_value());
     }
     return text + "</svg>\n";
 }
@@ -246,24 +246,24 @@ std::string namesOf(const std::vector<Storey>& storeys) {
 
 } // namespace
 
-std::string pictureText(const PictureContent& content, const std::string& storey) {
-    std::vector<Storey> storeys = storeysOf(content.comparison);
+std::string pictureText(const Outcome& outcome, const std::string& storey) {
+    std::vector<Storey> storeys = storeysOf(outcome.comparison);
     if (storey.empty()) {
-        return sheetText(content, storeys, true);
+        return sheetText(outcome, storeys, true);
     }
     const auto found =
         std::find_if(storeys.begin(), storeys.end(), [&](const Storey& candidate) { return candidate.name == storey; });
     if (found == storeys.end()) {
-        throw Failure(content.model.name, "no storey " + storey + " with objects; " + namesOf(storeys));
+        throw Failure(outcome.model.name, "no storey " + storey + " with objects; " + namesOf(storeys));
     }
-    return sheetText(content, {*found}, false);
+    return sheetText(outcome, {*found}, false);
 }
 
-std::vector<StoreyPlan> storeyPlans(const PictureContent& content) {
+std::vector<StoreyPlan> storeyPlans(const Outcome& outcome) {
     std::vector<StoreyPlan> plans;
-    const std::vector<Storey> storeys = storeysOf(content.comparison);
+    const std::vector<Storey> storeys = storeysOf(outcome.comparison);
     for (const Storey& storey : storeys) {
-        plans.push_back({storey.name, sheetText(content, {storey}, storeys.size() == 1)});
+        plans.push_back({storey.name, sheetText(outcome, {storey}, storeys.size() == 1)});
     }
     return plans;
 }

@@ -4,26 +4,18 @@
  */
 #pragma once
 
-#include "comparison/Comparison.h"
-#include "state/StateFolder.h"
+#include "output/Outcome.h"
 
-#include <optional>
 #include <string>
 #include <vector>
 
-/** What is drawn. The model before is nothing on a first import: then no object shows a status. */
-struct PictureContent {
-    const ImportedModel& model;
-    const std::optional<ImportedModel>& previous;
-    const Comparison& comparison;
-};
-
 /**
- * SVG: a sheet that fits on A4 and letter, with a plan of each storey that has objects; spaces are left out.
+ * SVG: a sheet that fits on A4 and letter, with a plan of each storey that has objects; spaces are left out. After
+ * a first import no object shows a status.
  * @param storey  the only one that is drawn, unless it is empty
  * Throws Failure for a storey that is not there.
  */
-std::string pictureText(const PictureContent& content, const std::string& storey = "");
+std::string pictureText(const Outcome& outcome, const std::string& storey = "");
 
 /** The plan of one storey. */
 struct StoreyPlan {
@@ -32,4 +24,4 @@ struct StoreyPlan {
 };
 
 /** The plans of all storeys with objects, from the lowest to the highest. */
-std::vector<StoreyPlan> storeyPlans(const PictureContent& content);
+std::vector<StoreyPlan> storeyPlans(const Outcome& outcome);

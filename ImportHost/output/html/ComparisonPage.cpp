@@ -70,7 +70,7 @@ std::string shapesOf(const PageSources& sources, const Comparison& comparison) {
 
 } // namespace
 
-std::string comparisonPageText(const PictureContent& content, const PageSources& sources) {
+std::string comparisonPageText(const Outcome& content, const PageSources& sources) {
     if (!htmlPageAvailable()) {
         throw Failure("--html", "this program was built without libjs-three");
     }

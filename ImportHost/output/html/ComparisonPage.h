@@ -21,4 +21,4 @@ struct PageSources {
  * The page as HTML. Shapes from before stand where the displacement of the whole took them. Throws Failure when the
  * program was built without the drawing library, or when the streams of this import can't be read.
  */
-std::string comparisonPageText(const PictureContent& content, const PageSources& sources);
+std::string comparisonPageText(const Outcome& content, const PageSources& sources);
