@@ -6,7 +6,9 @@
 
 #include <PluginKit/Escapes.h>
 #include <PluginKit/Import.h>
+#include <PluginKit/Measure.h>
 #include <PluginKit/Number.h>
+#include <PluginKit/Polygons.h>
 #include <PluginKit/SourceId.h>
 #include <PluginKit/StreamWriter.h>
 #include <PluginKit/Utf8.h>

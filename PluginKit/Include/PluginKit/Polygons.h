@@ -28,4 +28,14 @@ std::array<double, 3> areaVector(const std::vector<std::array<double, 3>>& verti
 void triangulate(const std::vector<std::array<double, 3>>& vertices, const std::uint32_t* corners, std::size_t count,
                  std::vector<std::uint32_t>& triangles);
 
+/**
+ * One polygon of a face with holes: from the outside a way leads to each hole, around it and back, and meets no other
+ * edge where there is such a way. Polygons of streams have no holes; this is how a face with some becomes one.
+ * @param outer  indices of @p vertices, counter-clockwise seen from the front
+ * @param holes  each turned either way; those of fewer than three corners are left out
+ */
+std::vector<std::uint32_t> joinHoles(const std::vector<std::array<double, 3>>& vertices,
+                                     const std::vector<std::uint32_t>& outer,
+                                     const std::vector<std::vector<std::uint32_t>>& holes);
+
 } // namespace PluginKit
