@@ -30,8 +30,9 @@ double areaOn(const Plane& plane, const Vertices& vertices, const Loop& loop) {
  */
 class Joining {
 public:
-    Joining(const Vertices& vertices, const Plane& plane, Loop outer, std::vector<Loop> holes)
-        : vertices_(vertices), plane_(plane), outer_(std::move(outer)), holes_(std::move(holes)) {}
+    /** @param side  1 when the outer loop turns left on the plane, else -1 */
+    Joining(const Vertices& vertices, const Plane& plane, double side, Loop outer, std::vector<Loop> holes)
+        : vertices_(vertices), plane_(plane), side_(side), outer_(std::move(outer)), holes_(std::move(holes)) {}
 
     Loop run() {
         const auto isFurtherLeft = [this](std::uint32_t a, std::uint32_t b) {
@@ -84,13 +85,27 @@ private:
         return !meets;
     }
 
-    /** Along the ways from the nearest corner that can be seen to the first one of the hole, and back. */
+    /**
+     * Whether the way from a corner of the outer loop begins inside of it. Where several ways meet, the loop passes
+     * through the same vertex more than once, and only one of these corners opens to where the hole lies.
+     */
+    bool opensTo(std::size_t corner, std::uint32_t target) const {
+        const std::uint32_t before = outer_[(corner + outer_.size() - 1) % outer_.size()];
+        const std::uint32_t here = outer_[corner];
+        const std::uint32_t after = outer_[(corner + 1) % outer_.size()];
+        const bool isLeftOfFirst = side_ * turn(before, here, target) > 0.0;
+        const bool isLeftOfSecond = side_ * turn(here, after, target) > 0.0;
+        return side_ * turn(before, here, after) > 0.0 ? isLeftOfFirst && isLeftOfSecond
+                                                       : isLeftOfFirst || isLeftOfSecond;
+    }
+
+    /** Joins a hole by the shortest way from a corner that sees its first one. */
     void join(Loop hole) {
         std::size_t from = 0;
         double best = std::numeric_limits<double>::infinity();
         for (std::size_t i = 0; i < outer_.size(); ++i) {
             const double length = distance(outer_[i], hole.front());
-            if (length < best && isFree(outer_[i], hole.front())) {
+            if (length < best && opensTo(i, hole.front()) && isFree(outer_[i], hole.front())) {
                 best = length;
                 from = i;
             }
@@ -102,6 +117,7 @@ private:
 
     const Vertices& vertices_;
     Plane plane_;
+    double side_;
     Loop outer_;
     std::vector<Loop> holes_;
     std::size_t next_ = 0; ///< the first hole that is not joined yet
@@ -126,7 +142,8 @@ std::vector<std::uint32_t> joinHoles(const Vertices& vertices, const Loop& outer
             std::reverse(turned.back().begin(), turned.back().end());
         }
     }
-    return outer.empty() ? outer : Joining(vertices, plane, outer, std::move(turned)).run();
+    return outer.empty() ? outer
+                         : Joining(vertices, plane, area[axis] < 0.0 ? -1.0 : 1.0, outer, std::move(turned)).run();
 }
 
 } // namespace PluginKit

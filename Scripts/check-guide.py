@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Checks that the guide and the files that it teaches to write are the same. With an empty folder as argument it also
+"""Checks that a guide and the files that it teaches to write are the same. With an empty folder as argument it also
 follows the guide there: writes the files, compiles what there is after every step, runs the commands, and compares
 what they print. That needs an installed library.
 
-Usage: Scripts/check-guide.py [EMPTY_FOLDER]
+Usage: Scripts/check-guide.py GUIDE.md EXAMPLE_FOLDER [EMPTY_FOLDER]
 
 A comment in front of a block says what it is: "file NAME" the next piece of a file, "run" a command, "output" lines of
 what the commands before it print.
@@ -14,9 +14,12 @@ import subprocess
 import sys
 
 root = pathlib.Path(__file__).resolve().parent.parent
-guide = (root / "Docs/plugin-guide.md").read_text(encoding="utf-8")
-examples = root / "Examples/ToyPlugin"
-folder = pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else None
+if len(sys.argv) not in (3, 4):
+    sys.exit("usage: Scripts/check-guide.py GUIDE.md EXAMPLE_FOLDER [EMPTY_FOLDER]")
+guide_name = sys.argv[1]
+guide = (root / guide_name).read_text(encoding="utf-8")
+examples = root / sys.argv[2]
+folder = pathlib.Path(sys.argv[3]) if len(sys.argv) > 3 else None
 blocks = re.findall(r"^<!-- (file|run|output) ?(\S*) -->\n+```[a-z]*\n(.*?)^```$", guide, re.MULTILINE | re.DOTALL)
 
 
@@ -59,8 +62,8 @@ for kind, name, text in blocks:
         require_lines(text, printed)
         printed = ""
 
-different = [path.name for path in sorted(examples.iterdir())
-             if files.pop(path.name, None) != path.read_text(encoding="utf-8")]
-if different or files:
-    sys.exit(f"check-guide: Docs/plugin-guide.md and Examples/ToyPlugin differ: {' '.join(different + list(files))}")
-print(f"Guide: {len(blocks)} steps" + (" followed" if folder else ", the same as the files"))
+different = [name for name, text in files.items()
+             if not (examples / name).exists() or text != (examples / name).read_text(encoding="utf-8")]
+if different:
+    sys.exit(f"check-guide: {guide_name} and {examples.name} differ: {' '.join(different)}")
+print(f"{guide_name}: {len(blocks)} steps" + (" followed" if folder else ", the same as the files"))

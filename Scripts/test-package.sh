@@ -71,7 +71,8 @@ if cmake -S "$consumer" -B "$build/wrong-version" -DIMPORTCOMMON_VERSION=1.0 >"$
 fi
 quietly examples cmake -S /usr/share/import-common/examples -B "$build/examples" -G Ninja
 quietly examples cmake --build "$build/examples"
-"$root/Scripts/check-guide.py" "$build/guide"
+"$root/Scripts/check-guide.py" Docs/plugin-guide.md Examples/ToyPlugin "$build/guide"
+"$root/Scripts/check-guide.py" Docs/cityjson-plugin.md Examples/CityJsonPlugin "$build/cityjson-guide"
 
 step "Removal"
 trap - EXIT
