@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Compares the library's binary interface with that of the last version. CHANGELOG.md names the commit of each version in
-# its heading, as in "## 0.2.0 - 2030-01-31, commit 0123abc". What a program that was built with that version would miss
+# Compares the library's binary interface with that of the last version. CHANGELOG.md names the commit of each version
+# in its heading, as in "## 0.2.0 - 2030-01-31, commit 0123abc". What a program that was built with that version would miss
 # is an error unless the library has got another name (SONAME) since.
 # Usage: Scripts/check-abi.sh [BUILD_FOLDER]
 set -euo pipefail

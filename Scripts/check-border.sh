@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Checks that every public header compiles alone without a warning, that the library exports what they declare, that its
-# bytes do not depend on the folder that it is built in, and that it can be had as a static library. Usage: Scripts/check-border.sh [BUILD_FOLDER]
+# bytes do not depend on the folder that it is built in, and that it can be had as a static library.
+# Usage: Scripts/check-border.sh [BUILD_FOLDER]
 set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -50,7 +51,8 @@ cmake -S "$root" -B "$build/static" -G Ninja -DBUILD_SHARED_LIBS=OFF -DCMAKE_INS
     -DIMPORTCOMMON_BUILD_EXAMPLES=OFF -DIMPORTCOMMON_BUILD_TESTS=OFF -DIMPORTCOMMON_BUILD_BENCHMARKS=OFF \
     >"$build/static.log"
 cmake --build "$build/static" --target install >>"$build/static.log" || { cat "$build/static.log"; exit 1; }
-cmake -S "$root/Tests/Package" -B "$build/consumer" -G Ninja -DCMAKE_PREFIX_PATH="$build/installed" >"$build/consumer.log"
+cmake -S "$root/Tests/Package" -B "$build/consumer" -G Ninja -DCMAKE_PREFIX_PATH="$build/installed" \
+    >"$build/consumer.log"
 cmake --build "$build/consumer" >>"$build/consumer.log" || { cat "$build/consumer.log"; exit 1; }
 ctest --test-dir "$build/consumer" --output-on-failure --no-tests=error | grep "tests passed"
 [ -z "$(find "$build/installed" -name '*.so*')" ] || { echo "a shared library is there as well" >&2; exit 1; }

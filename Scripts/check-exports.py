@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Compares what the shared library exports with what its public headers declare: every public or protected function that
-is marked for export, itself or through its class, and has no body there.
+"""Compares what the shared library exports with what its public headers declare: every public or protected function
+that is marked for export, itself or through its class, and has no body there.
 
 Usage: Scripts/check-exports.py LIBRARY [CLANG++]
 """

@@ -1,7 +1,7 @@
 /**
  * @file Utf8BlocksTest.cpp
- * Long text of one kind goes the way that is meant for it. No result shows that, so this program is built with a codec of
- * its own, which tells the way.
+ * Long text of one kind goes the way that is meant for it. No result shows that, so this program is built with a codec
+ * of its own, which tells the way.
  */
 #include "Utf8Blocks.h"
 

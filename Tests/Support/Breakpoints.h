@@ -14,8 +14,8 @@
 #include <vector>
 
 /**
- * Runs actions in a child that this process traces as a debugger does. For each of them the result has a "." for the end
- * of the action, behind a "!" for every stop in it; empty where no process may trace another.
+ * Runs actions in a child that this process traces as a debugger does. For each of them the result has a "." for the
+ * end of the action, behind a "!" for every stop in it; empty where no process may trace another.
  */
 inline std::string stopsOf(const std::vector<std::function<void()>>& actions) {
     const pid_t child = fork();
