@@ -19,17 +19,20 @@ namespace {
 /** Reading a file takes this much of the time that reading and scanning take. */
 constexpr double readingShare = 0.3;
 
+/** In points read, made or looked at: some minutes. A model of 140 MB takes less than a hundredth. */
+constexpr std::uint64_t maxWork = 20'000'000'000;
+
 constexpr std::size_t nameArgument = 2;
 constexpr std::size_t shapeArgument = 6;
 constexpr std::size_t tagArgument = 7;
 constexpr std::size_t elevationArgument = 9;
 
-std::string textOfFile(const std::string& fileName, const Model::Progress& progress) {
-    return readFileText(fileName, [&](double part) {
-        if (progress) {
-            progress(readingShare * part);
-        }
-    });
+/** Progress of a part of the work, which begins at a point of the whole. */
+Model::Progress partOf(const Model::Progress& whole, double begin, double share) {
+    if (!whole) {
+        return {};
+    }
+    return [&whole, begin, share](double part) { whole(begin + share * part); };
 }
 
 std::string_view argumentOf(const StepInstance& instance, std::size_t number) {
@@ -44,13 +47,8 @@ std::optional<std::string> textAt(const StepInstance& instance, std::size_t numb
 } // namespace
 
 struct Model::Parts {
-    Parts(const std::string& fileName, const Progress& progress)
-        : file(textOfFile(fileName, progress),
-               [&](double part) {
-                   if (progress) {
-                       progress(readingShare + (1.0 - readingShare) * part);
-                   }
-               }),
+    Parts(std::string text, const StepFile::Progress& progress)
+        : file(std::move(text), progress),
           units(checked(file)),
           relations(file),
           tree(productTree(file, relations)),
@@ -157,6 +155,9 @@ void Model::Parts::addLayersOf(std::uint64_t instance, std::vector<std::string>&
 
 void Model::Parts::addShape(Product& product, const std::vector<std::uint64_t>& materials) const {
     product.shape = shapes.build(product.id);
+    if (shapes.work() > maxWork) {
+        throw IfcError("the model is refused: its shapes are too much work to build");
+    }
     const auto ofMaterials = looks.ofMaterials(materials);
     for (const ShapePart& part : product.shape.parts) {
         const auto own = looks.ofItems(part.items);
@@ -164,8 +165,16 @@ void Model::Parts::addShape(Product& product, const std::vector<std::uint64_t>& 
     }
 }
 
+Model::Model(std::unique_ptr<const Parts> parts) : parts_(std::move(parts)) {
+}
+
 Model::Model(const std::string& fileName, const Progress& progress)
-    : parts_(std::make_unique<const Parts>(fileName, progress)) {
+    : parts_(std::make_unique<const Parts>(readFileText(fileName, partOf(progress, 0.0, readingShare)),
+                                           partOf(progress, readingShare, 1.0 - readingShare))) {
+}
+
+std::unique_ptr<Model> Model::ofText(std::string text) {
+    return std::unique_ptr<Model>(new Model(std::make_unique<const Parts>(std::move(text), Progress())));
 }
 
 Model::~Model() = default;

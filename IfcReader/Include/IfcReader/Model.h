@@ -79,6 +79,9 @@ public:
     explicit Model(const std::string& fileName, const Progress& progress = {});
     ~Model();
 
+    /** The same with a file's text that is in memory already. */
+    static std::unique_ptr<Model> ofText(std::string text);
+
     Model(const Model&) = delete;
     Model& operator=(const Model&) = delete;
 
@@ -90,7 +93,7 @@ public:
 
     /**
      * All about a product. This builds its shape and takes as long as that does. Throws IfcError for a model whose
-     * products share so much that writing it out for each of them would fill a disk.
+     * products share so much that writing it out for each of them would fill a disk, or building it take for ever.
      * @param index  below size()
      */
     Product product(std::size_t index) const;
@@ -100,6 +103,8 @@ public:
 
 private:
     struct Parts;
+    explicit Model(std::unique_ptr<const Parts> parts);
+
     std::unique_ptr<const Parts> parts_;
 };
 
