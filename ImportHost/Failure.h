@@ -4,6 +4,7 @@
  */
 #pragma once
 
+#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -14,4 +15,25 @@ public:
 
     /** From a text that names both. */
     explicit Failure(const std::string& text) : std::runtime_error(text) {}
+
+    /** The same failure with details. */
+    Failure with(const std::string& details) const {
+        Failure failure(what());
+        failure.details_ = details;
+        return failure;
+    }
+
+    /** What a plug-in had to say before it failed, of any content; shown behind the line. */
+    const std::string& details() const { return details_; }
+
+private:
+    std::string details_;
 };
+
+/** The reason that an exception gives, in words; library types have only a name. */
+inline std::string reasonOf(const std::exception& e) {
+    if (dynamic_cast<const std::bad_alloc*>(&e) != nullptr || dynamic_cast<const std::length_error*>(&e) != nullptr) {
+        return "not enough memory";
+    }
+    return e.what();
+}

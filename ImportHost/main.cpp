@@ -6,13 +6,16 @@
 #include "command/Help.h"
 #include "command/ImportCommand.h"
 #include "command/Options.h"
+#include "command/StandardStreams.h"
 #include "output/Listing.h"
 #include "output/OutputFiles.h"
 #include "state/StateFolder.h"
 
 #include <exception>
 
-int main(int count, char** texts) {
+namespace {
+
+int run(int count, char** texts) {
     try {
         const Arguments arguments = readArguments(count, texts);
         if (arguments.help || arguments.version) {
@@ -28,7 +31,18 @@ int main(int count, char** texts) {
         showError((std::string(e.what()) + "; " + usageText()).c_str());
         return Exit_Usage;
     } catch (const std::exception& e) {
-        showError(e.what());
+        showFailure(e);
         return Exit_Failed;
     }
+}
+
+} // namespace
+
+int main(int count, char** texts) {
+    prepareStandardStreams();
+    const int result = run(count, texts);
+    if (isOutputClosed() && result == Exit_Done) {
+        endByClosedPipe();
+    }
+    return result;
 }

@@ -83,24 +83,6 @@ private:
     bool optionsEnd_ = false;
 };
 
-/** Whether two names stand for one file, which need not be there yet. */
-bool isSameFile(const std::string& a, const std::string& b) {
-    std::error_code error;
-    return fs::equivalent(a, b, error) ||
-           fs::weakly_canonical(fs::absolute(a, error), error) == fs::weakly_canonical(fs::absolute(b, error), error);
-}
-
-/** Whether a path lies in a folder that exists already. */
-bool isInside(const fs::path& path, const fs::path& folder) {
-    std::error_code error;
-    for (fs::path parent = fs::absolute(path, error); parent != parent.root_path(); parent = parent.parent_path()) {
-        if (fs::equivalent(parent, folder, error)) {
-            return true;
-        }
-    }
-    return false;
-}
-
 /** Nothing that is written may take the place of something else. */
 void checkTargets(const Arguments& arguments) {
     std::vector<const Option*> written;
@@ -124,6 +106,9 @@ void checkTargets(const Arguments& arguments) {
                 throw UsageError(printable(target) + " is the model itself");
             }
         }
+        if (isSameFile(target, arguments.plugin)) {
+            throw UsageError(printable(target) + " is the plug-in");
+        }
         if (!arguments.state.empty() && isInside(target, arguments.state)) {
             throw UsageError(printable(target) + " is in the state folder");
         }
@@ -145,6 +130,9 @@ void checkCombination(const Arguments& arguments) {
         }
     } else if (!arguments.pattern.empty()) {
         throw UsageError("--pattern goes with a folder");
+    }
+    if (!arguments.old.empty() && arguments.keepOutput) {
+        throw UsageError("--keep-output goes with a state, which two models are compared without");
     }
     if (!arguments.old.empty() && !arguments.state.empty()) {
         throw UsageError("two models are compared without a state");

@@ -32,6 +32,8 @@ struct Arguments {
     bool dryRun = false;
     bool exitCode = false;
     bool quiet = false;
+    bool inProcess = false;  ///< whether the plug-in runs in this process
+    bool keepOutput = false; ///< whether the streams of a failed import stay
     bool help = false;
     bool version = false;
     bool folder = false;    ///< whether the model is a folder

@@ -13,6 +13,7 @@
 #include "output/Report.h"
 #include "output/Table.h"
 #include "output/html/ComparisonPage.h"
+#include "session/BoundedText.h"
 #include "session/ImportSession.h"
 #include "state/ObjectStreams.h"
 #include "state/StateFolder.h"
@@ -56,13 +57,27 @@ void showWarnings(const std::string& outputFolder) {
     }
 }
 
-std::vector<ObjectRecord> importInto(const StateFolder& state, const std::string& model, const Arguments& arguments) {
+std::vector<ObjectRecord> importStreams(const StateFolder& state, const std::string& model,
+                                        const Arguments& arguments) {
     runImport({fs::absolute(model).string(), fs::absolute(arguments.plugin).string(),
-               fs::absolute(state.outputFolder()).string(), arguments.environmentVersion, !arguments.quiet});
+               fs::absolute(state.outputFolder()).string(), arguments.environmentVersion, !arguments.quiet,
+               arguments.inProcess});
     if (!arguments.quiet) {
         showWarnings(state.outputFolder());
     }
     return readObjects(state.outputFolder(), arguments.plugin);
+}
+
+std::vector<ObjectRecord> importInto(StateFolder& state, const std::string& model, const Arguments& arguments) {
+    try {
+        return importStreams(state, model, arguments);
+    } catch (const Failure& e) {
+        if (!arguments.keepOutput) {
+            throw;
+        }
+        state.keepOutput();
+        throw Failure(std::string(e.what()) + "; what it wrote is in " + state.outputFolder()).with(e.details());
+    }
 }
 
 bool usesStandardOutput(const Arguments& arguments) {
@@ -108,7 +123,7 @@ bool compareWithState(StateFolder& state, const Arguments& arguments) {
     return previous && (comparison.displacement || comparison.count(Status::Unchanged) != comparison.changes.size());
 }
 
-bool importAndCompare(const Arguments& arguments) {
+bool importFiles(const Arguments& arguments) {
     for (const std::string& file : {arguments.old, arguments.model, arguments.plugin}) {
         if (!file.empty()) {
             checkReadable(file);
@@ -126,6 +141,17 @@ bool importAndCompare(const Arguments& arguments) {
     }
     StateFolder state(folder.path());
     return compareWithState(state, arguments);
+}
+
+/** The same; whatever goes wrong names a file. */
+bool importAndCompare(const Arguments& arguments) {
+    try {
+        return importFiles(arguments);
+    } catch (const Failure&) {
+        throw;
+    } catch (const std::exception& e) {
+        throw Failure(arguments.model, reasonOf(e));
+    }
 }
 
 /** Where report, picture and page of a model are written when only their folder is given. */
@@ -169,7 +195,7 @@ int importFolder(Arguments arguments) {
             first = first || !fs::exists(arguments.state);
             changed = importAndCompare(withOutputs(arguments, folder.string())) || changed;
         } catch (const std::exception& e) {
-            showError(e.what());
+            showFailure(e);
             failed = true;
         }
     }
@@ -183,6 +209,17 @@ int importFolder(Arguments arguments) {
 
 void showError(const char* text) {
     std::fprintf(stderr, "import-host: %s\n", printable(text).c_str());
+}
+
+void showFailure(const std::exception& reason) {
+    try {
+        showError(reasonOf(reason).c_str());
+        if (const auto* const failure = dynamic_cast<const Failure*>(&reason)) {
+            showWords(failure->details());
+        }
+    } catch (const std::bad_alloc&) {
+        std::fputs("import-host: not enough memory\n", stderr);
+    }
 }
 
 int importCommand(const Arguments& arguments) {

@@ -2,18 +2,12 @@
 
 #include "Failure.h"
 
-#include <ImportCommon/FileOperations.h>
-#include <ImportCommon/StringOperations.h>
-
 #include <fnmatch.h>
 
 #include <algorithm>
 #include <filesystem>
 
 namespace fs = std::filesystem;
-
-using ImportCommon::FileOperations;
-using ImportCommon::StringOperations;
 
 namespace {
 
@@ -28,9 +22,16 @@ bool isOutput(const fs::path& file, const std::vector<fs::path>& files) {
 
 std::vector<std::string> modelsIn(const std::string& folder, const std::string& pattern) {
     std::vector<fs::path> files;
-    for (const std::wstring& file :
-         FileOperations::ScanFilesInDirectory(StringOperations::ConvertFromCurrentLocale(folder))) {
-        files.emplace_back(StringOperations::ConvertToCurrentLocale(file));
+    std::error_code error;
+    // By their bytes: a name that is no UTF-8 is still a file's, and said to be one that can't be imported.
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+        std::error_code unknown;
+        if (!fs::is_directory(entry->status(unknown))) {
+            files.push_back(entry->path());
+        }
+    }
+    if (error) {
+        throw Failure(folder, error.message());
     }
     std::sort(files.begin(), files.end());
 

@@ -44,6 +44,10 @@ OptionGroup outputOptions() {
 OptionGroup behaviourOptions() {
     return {"How",
             {{"--dry-run", "", "", "Compare and write, but leave the state as it is.", &Arguments::dryRun},
+             {"--in-process", "", "", "Run the plug-in in this process, for debuggers and sanitizers.",
+              &Arguments::inProcess},
+             {"--keep-output", "", "", "Keep what a plug-in wrote before it failed, and say where.",
+              &Arguments::keepOutput},
              {"--exit-code", "", "", "Exit with 3 when something changed.", &Arguments::exitCode},
              {"--quiet", "-q", "", "Print nothing but errors.", &Arguments::quiet}}};
 }

@@ -6,9 +6,24 @@
 #include <cstdio>
 #include <cstring>
 
+namespace {
+
+bool outputClosed = false;
+
+} // namespace
+
+bool isOutputClosed() {
+    return outputClosed;
+}
+
 void print(const std::string& text) {
+    errno = 0;
     const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
     if (std::fflush(stdout) != 0 || !written) {
+        outputClosed = outputClosed || errno == EPIPE;
+        if (outputClosed) {
+            return;
+        }
         throw Failure("standard output", std::strerror(errno));
     }
 }

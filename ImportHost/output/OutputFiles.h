@@ -10,8 +10,14 @@
 #include <functional>
 #include <string>
 
-/** Writes a text to the standard output. Throws Failure. */
+/**
+ * Writes a text to the standard output. Throws Failure, but not when that is a pipe that nobody reads: an import does not
+ * depend on who looks at it.
+ */
 void print(const std::string& text);
+
+/** Whether something was printed that nobody reads. */
+bool isOutputClosed();
 
 /**
  * Files that take their places together: all are written before the first replaces what was there, so that one which

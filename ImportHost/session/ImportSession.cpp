@@ -4,21 +4,27 @@
 #include "session/Isolation.h"
 #include "session/OutputStreams.h"
 #include "session/Progress.h"
-#include "session/StderrCapture.h"
 #include "state/Files.h"
 
 #include <ImportCommon/DynamicLibrary.h>
 #include <ImportCommon/EnvironmentVariables.h>
+#include <ImportCommon/ForeignObjectEnv.h>
 #include <ImportCommon/StringOperations.h>
 #include <ImportCommon/ThreadOperations.h>
 
 #include <PluginKit/PluginEntryPoints.h>
 #include <PluginKit/Text.h>
+#include <dlfcn.h>
 
 #include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <memory>
+#include <utility>
+
+#if defined(__GLIBCXX__)
+#include <cxxabi.h>
+#endif
 
 using ImportCommon::DynamicLibrary;
 using ImportCommon::EnvironmentVariables;
@@ -29,44 +35,60 @@ namespace {
 
 constexpr int progressInterval = 5000; ///< between two looks at the progress stream, in microseconds
 
-/** Sets a variable to a path. Throws Failure for a path that a plug-in would not read as it is. */
-void setPath(const std::wstring& key, const std::string& path) {
+/** A path as a plug-in reads it. Throws Failure when that would be another one. */
+std::wstring widePath(const std::string& path) {
     if (!isWidePortable(path)) {
-        throw Failure(printable(path), "the name has characters that can't be handed to a plug-in");
+        throw Failure(path, "the name has characters that can't be handed to a plug-in");
     }
-    const std::wstring wide = StringOperations::ConvertFromCurrentLocale(path);
-    if (EnvironmentVariables::SetString(key, wide) != 0) {
-        throw Failure(path, std::strerror(errno));
-    }
-    if (EnvironmentVariables::GetString(key) != wide) {
-        throw Failure(path, "the name is too long to be handed to a plug-in");
-    }
+    return StringOperations::ConvertFromCurrentLocale(path);
 }
 
-/** Four of the twenty values; the streams set the others. */
-void prepareEnvironment(const ImportJob& job) {
-    if (EnvironmentVariables::SetInt(L"fo_handle_version", job.environmentVersion) != 0) {
-        throw Failure(job.model, std::strerror(errno));
+/** The import environment, and nothing of it when the session is over. */
+class Environment {
+public:
+    explicit Environment(const ForeignObjectEnv_t& env) {
+        if (!foreignobject_env_serialize(env)) {
+            throw Failure(StringOperations::ConvertToCurrentLocale(env.fileName), std::strerror(errno));
+        }
+        const std::pair<const wchar_t*, const std::wstring*> texts[] = {
+            {L"fo_string_filename", &env.fileName}, {L"fo_string_module", &env.module}, {L"fo_string_path", &env.path}};
+        for (const auto& [key, text] : texts) {
+            if (EnvironmentVariables::GetString(key) != *text) {
+                throw Failure(StringOperations::ConvertToCurrentLocale(*text),
+                              "the name is too long to be handed to a plug-in");
+            }
+        }
     }
-    setPath(L"fo_string_filename", job.model);
-    setPath(L"fo_string_module", job.plugin);
-    setPath(L"fo_string_path", job.outputFolder);
+
+    /** Nobody may find a handle in it that is no longer open. */
+    ~Environment() { foreignobject_env_serialize(ForeignObjectEnv_t()); }
+
+    Environment(const Environment&) = delete;
+    Environment& operator=(const Environment&) = delete;
+};
+
+/** Why the loader does not load a library: the library that asked it has only logged that. */
+std::string loaderReason(const std::string& fileName) {
+    void* const handle = ::dlopen(fileName.c_str(), RTLD_LAZY | RTLD_LOCAL);
+    const char* const reason = handle == nullptr ? ::dlerror() : nullptr;
+    if (handle != nullptr) {
+        ::dlclose(handle);
+    }
+    return reason == nullptr ? "it can't be loaded" : printable(reason);
 }
 
 std::unique_ptr<DynamicLibrary> loadPlugin(const std::string& fileName) {
-    // The reason for a failure goes to the log, which is the standard error stream; here it becomes part of our line.
-    StderrCapture log;
     std::unique_ptr<DynamicLibrary> plugin;
     try {
         plugin.reset(DynamicLibrary::loadDynamicLibrary(StringOperations::ConvertFromCurrentLocale(fileName), L""));
     } catch (const std::exception& e) {
-        throw Failure(fileName, std::string("the plug-in can't be initialised: ") + e.what());
+        throw Failure(fileName, "the plug-in can't be initialised: " + reasonOf(e));
+    } catch (...) {
+        throw Failure(fileName, "the plug-in can't be initialised");
     }
-    const std::string reason = log.finish();
     if (!plugin || !plugin->isValid()) {
-        throw Failure(fileName, "not a plug-in: " + (reason.empty() ? "it can't be loaded" : printable(reason)));
+        throw LoadFailure(fileName, "not a plug-in: " + loaderReason(fileName));
     }
-    std::fputs(reason.c_str(), stderr);
     return plugin;
 }
 
@@ -81,14 +103,24 @@ struct ImportCall {
 /** Runs on the new thread; @p data is a copy of the address of the call. */
 unsigned int runImportCall(void* data, unsigned long) {
     ImportCall& call = **static_cast<ImportCall**>(data);
+    // Also when the function ends its thread, which then runs nothing but destructors.
+    struct End {
+        ImportCall& call;
+        ~End() { call.hasEnded = true; }
+    } const end = {call};
+    call.exception = "the import function ended its thread";
     try {
         call.result = call.importModel();
+        call.exception.clear();
     } catch (const std::exception& e) {
-        call.exception = std::string("the import function threw an exception: ") + e.what();
+        call.exception = "the import function threw an exception: " + reasonOf(e);
+#if defined(__GLIBCXX__)
+    } catch (const abi::__forced_unwind&) {
+        throw; // the thread is ending
+#endif
     } catch (...) {
         call.exception = "the import function threw an exception";
     }
-    call.hasEnded = true;
     return 0;
 }
 
@@ -128,8 +160,14 @@ std::string lastError(const std::string& outputFolder) {
 
 /** The whole session, as a host that loads plug-ins into its own process would run it. */
 void runSession(const ImportJob& job, Progress& progress) {
+    ForeignObjectEnv_t env;
+    env.version = job.environmentVersion;
+    env.fileName = widePath(job.model);
+    env.module = widePath(job.plugin);
+    env.path = widePath(job.outputFolder);
     OutputStreams streams(job.outputFolder);
-    prepareEnvironment(job);
+    streams.handOver(env);
+    const Environment environment(env);
 
     std::unique_ptr<DynamicLibrary> plugin = loadPlugin(job.plugin); // calls "PluginInit"
     const auto importModel = reinterpret_cast<ImportModelFunction>(plugin->getSymbolAddress(importModelName));
@@ -157,5 +195,9 @@ void runSession(const ImportJob& job, Progress& progress) {
 
 void runImport(const ImportJob& job) {
     Progress progress(job.showsProgress); // before the session's error stream is captured
-    runIsolated(job.model, [&] { runSession(job, progress); });
+    if (job.isInProcess) {
+        runSession(job, progress);
+    } else {
+        runIsolated(job.model, [&] { runSession(job, progress); });
+    }
 }

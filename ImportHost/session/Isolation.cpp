@@ -1,62 +1,138 @@
 #include "session/Isolation.h"
 
-#include "Failure.h"
-#include "session/StderrCapture.h"
+#include "session/BoundedText.h"
 
+#include <PluginKit/Text.h>
 #include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <exception>
 
 #if defined(__linux__)
 #include <sys/prctl.h>
-
-#include <csignal>
 #endif
 
 namespace {
 
-constexpr char succeeded = '+'; // what the child tells last; or '-', and what went wrong
+/** How what the child tells last begins. */
+enum Outcome : char {
+    Outcome_Succeeded = '+',
+    Outcome_Failed = '-',    ///< what went wrong follows
+    Outcome_NotLoaded = '!', ///< the same, and what the child said repeats it
+};
+
+/** How long the end of a child may go unnoticed that has left a process behind, in milliseconds. */
+constexpr int childInterval = 20;
+
+/** A pipe that no program inherits. */
+class Pipe {
+public:
+    explicit Pipe(const std::string& file) {
+        if (::pipe(ends_) != 0) {
+            throw Failure(file, std::strerror(errno));
+        }
+        for (const int end : ends_) {
+            ::fcntl(end, F_SETFD, FD_CLOEXEC);
+        }
+        ::fcntl(ends_[0], F_SETFL, O_NONBLOCK);
+    }
+
+    ~Pipe() {
+        closeEnd(0);
+        closeEnd(1);
+    }
+
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+
+    int in() const { return ends_[1]; }
+    int out() const { return ends_[0]; }
+
+    void closeEnd(int end) {
+        if (ends_[end] >= 0) {
+            ::close(ends_[end]);
+            ends_[end] = -1;
+        }
+    }
+
+    /** Takes what there is, and closes the reading end when no more can come. */
+    void drainTo(BoundedText& text) {
+        char block[65536];
+        while (ends_[0] >= 0) {
+            const ssize_t size = ::read(ends_[0], block, sizeof block);
+            if (size > 0) {
+                text.append(std::string_view(block, static_cast<std::size_t>(size)));
+            } else if (size == 0 || (errno != EINTR && errno != EAGAIN)) {
+                closeEnd(0);
+            } else if (errno == EAGAIN) {
+                return;
+            }
+        }
+    }
+
+private:
+    int ends_[2] = {-1, -1};
+};
+
+/** Folders that this process holds open, such as the lock of a state, are not for whatever a plug-in leaves behind. */
+void closeFolders() {
+    for (int handle = STDERR_FILENO + 1; handle < 1024; ++handle) {
+        struct stat status {};
+        if (::fstat(handle, &status) == 0 && S_ISDIR(status.st_mode)) {
+            ::close(handle);
+        }
+    }
+}
 
 /** The child: tells how it went, and ends without the parent's clean-up. */
-[[noreturn]] void runChild(const std::function<void()>& function, int pipeEnd, [[maybe_unused]] pid_t parent) {
+[[noreturn]] void runChild(const std::function<void()>& function, const Pipe& outcome, const Pipe& words,
+                           [[maybe_unused]] pid_t parent) {
 #if defined(__linux__)
     ::prctl(PR_SET_PDEATHSIG, SIGKILL); // a host that is killed takes its import along
     if (::getppid() != parent) {
         ::_exit(1); // it was killed before that
     }
 #endif
-    std::string outcome(1, succeeded);
+    closeFolders();
+    ::dup2(words.in(), STDOUT_FILENO); // a report on the standard output is not mixed with a plug-in's words
+    ::dup2(words.in(), STDERR_FILENO);
+    std::string text(1, Outcome_Succeeded);
     try {
         function();
+    } catch (const LoadFailure& e) {
+        text = std::string(1, Outcome_NotLoaded) + e.what();
     } catch (const std::exception& e) {
-        outcome = std::string("-") + e.what();
+        text = std::string(1, Outcome_Failed) + reasonOf(e);
     }
     std::fflush(stdout);
-    const bool told = ::write(pipeEnd, outcome.data(), outcome.size()) == static_cast<ssize_t>(outcome.size());
+    const bool told = ::write(outcome.in(), text.data(), text.size()) == static_cast<ssize_t>(text.size());
     ::_exit(told ? 0 : 1);
 }
 
-std::string readToEnd(int pipeEnd) {
-    std::string text;
-    char block[4096];
-    for (;;) {
-        const ssize_t size = ::read(pipeEnd, block, sizeof block);
-        if (size > 0) {
-            text.append(block, static_cast<std::size_t>(size));
-        } else if (size == 0 || errno != EINTR) {
-            return text;
-        }
-    }
-}
-
-int waitFor(pid_t child) {
+/** Reads along until the child has ended. @return its status */
+int follow(pid_t child, Pipe& outcome, Pipe& words, BoundedText& outcomeText, BoundedText& wordsText) {
+    outcome.closeEnd(1);
+    words.closeEnd(1);
     int status = 0;
-    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    for (bool hasEnded = false; !hasEnded;) {
+        pollfd handles[] = {{outcome.out(), POLLIN, 0}, {words.out(), POLLIN, 0}};
+        const bool open = outcome.out() >= 0 || words.out() >= 0;
+        if (open) {
+            ::poll(handles, 2, childInterval);
+        }
+        // First whether it has ended, then what it left to read. Its pipes may stay open: other processes have them.
+        const pid_t ended = ::waitpid(child, &status, open ? WNOHANG : 0);
+        hasEnded = ended == child || (ended < 0 && errno != EINTR);
+        outcome.drainTo(outcomeText);
+        words.drainTo(wordsText);
     }
     return status;
 }
@@ -64,40 +140,32 @@ int waitFor(pid_t child) {
 } // namespace
 
 void runIsolated(const std::string& file, const std::function<void()>& function) {
-    int ends[2];
-    if (::pipe(ends) != 0) {
-        throw Failure(file, std::strerror(errno));
-    }
-    for (const int end : ends) {
-        ::fcntl(end, F_SETFD, FD_CLOEXEC); // a program that the plug-in leaves running is not waited for
-    }
+    Pipe outcome(file);
+    Pipe words(file);
     std::fflush(nullptr); // what is buffered would be written twice
     const pid_t parent = ::getpid();
-    StderrCapture words; // of the child
     const pid_t child = ::fork();
-    if (child == 0) {
-        ::close(ends[0]);
-        runChild(function, ends[1], parent);
-    }
-    const int reason = errno;
-    ::close(ends[1]);
-    const std::string outcome = child > 0 ? readToEnd(ends[0]) : std::string();
-    ::close(ends[0]);
-    const int status = child > 0 ? waitFor(child) : 0;
-    const std::string said = words.finish();
     if (child < 0) {
-        throw Failure(file, std::strerror(reason));
+        throw Failure(file, std::strerror(errno));
     }
+    if (child == 0) {
+        runChild(function, outcome, words, parent);
+    }
+    BoundedText outcomeText;
+    BoundedText wordsText;
+    const int status = follow(child, outcome, words, outcomeText, wordsText);
+    const std::string result = outcomeText.text();
+    const std::string said = wordsText.text();
 
-    // A crash is one line, whatever the system's libraries have to say of it.
     if (WIFSIGNALED(status)) {
-        throw Failure(file, std::string("the plug-in crashed while importing it: ") + ::strsignal(WTERMSIG(status)));
+        const std::string signal = ::strsignal(WTERMSIG(status));
+        throw Failure(file, "the plug-in crashed while importing it: " + signal).with(said);
     }
-    std::fputs(said.c_str(), stderr);
-    if (outcome.empty()) {
-        throw Failure(file, "the plug-in ended the process that imports it");
+    if (result.empty()) {
+        throw Failure(file, "the plug-in ended the process that imports it").with(said);
     }
-    if (outcome.front() != succeeded) {
-        throw Failure(outcome.substr(1));
+    if (result.front() != Outcome_Succeeded) {
+        throw Failure(result.substr(1)).with(result.front() == Outcome_NotLoaded ? "" : said);
     }
+    showWords(said);
 }

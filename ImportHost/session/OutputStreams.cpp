@@ -2,30 +2,30 @@
 
 #include "Failure.h"
 
-#include <ImportCommon/EnvironmentVariables.h>
 #include <ImportCommon/StringOperations.h>
-
-#include <PluginKit/StreamNames.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
-using ImportCommon::EnvironmentVariables;
 using ImportCommon::FileStream;
 using ImportCommon::StringOperations;
 
 OutputStreams::OutputStreams(const std::string& folder) {
-    for (const PluginKit::StreamName& stream : PluginKit::streamNames) {
-        const std::string name = stream.name;
-        const std::string fileName = std::string(folder).append("/").append(name);
-        const std::wstring key = L"fo_handle_" + std::wstring(name.begin(), name.end());
+    for (const PluginKit::StreamName& name : PluginKit::streamNames) {
+        const std::string fileName = folder + '/' + name.name;
         std::unique_ptr<FileStream> file(
             FileStream::createFileForWriting(StringOperations::ConvertFromCurrentLocale(fileName)));
-        if (!file || EnvironmentVariables::SetFileStreamHandle(key, file->getHandle()) != 0) {
+        if (!file) {
             throw Failure(fileName, std::strerror(errno));
         }
-        streams_.push_back({key, fileName, std::move(file)});
+        streams_.push_back({name, fileName, std::move(file)});
+    }
+}
+
+void OutputStreams::handOver(ForeignObjectEnv_t& env) const {
+    for (const Stream& stream : streams_) {
+        env.*stream.name.handle = stream.file->getHandle();
     }
 }
 
@@ -39,9 +39,6 @@ int OutputStreams::closeStream(Stream& stream) {
     if (!stream.file) {
         return 0;
     }
-    // Nobody may find a handle in the environment that is no longer open.
-    EnvironmentVariables::SetFileStreamHandle(stream.key, nullptr);
-
     // A stream is closed by its destructor, which has no result: whatever can fail happens here.
     const bool failedBefore = std::ferror(stream.file->getHandle()) != 0;
     errno = 0;

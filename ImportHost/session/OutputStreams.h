@@ -6,28 +6,33 @@
 
 #include <ImportCommon/FileStream.h>
 
+#include <PluginKit/StreamNames.h>
+
 #include <memory>
 #include <string>
 #include <vector>
 
-/** Files of a folder, one per stream, whose handles stand in the environment while they are open. */
+/** Files of a folder, one per stream. */
 class OutputStreams {
 public:
     /** Opens all files. Throws Failure. */
     explicit OutputStreams(const std::string& folder);
 
-    /** Closes what is open, and takes the handles out of the environment. */
+    /** Closes what is open. */
     ~OutputStreams();
 
     OutputStreams(const OutputStreams&) = delete;
     OutputStreams& operator=(const OutputStreams&) = delete;
+
+    /** Puts the handles where the plug-in finds them; they are good until the streams are closed. */
+    void handOver(ForeignObjectEnv_t& env) const;
 
     /** Closes all files. Throws Failure when something that was written to one did not reach it. */
     void close();
 
 private:
     struct Stream {
-        std::wstring key;
+        PluginKit::StreamName name;
         std::string fileName;
         std::unique_ptr<ImportCommon::FileStream> file;
     };

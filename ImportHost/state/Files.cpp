@@ -6,7 +6,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -15,6 +18,8 @@
 namespace fs = std::filesystem;
 
 namespace {
+
+constexpr const char* temporaryPrefix = ".import-host.";
 
 /** Writes everything and closes the file, whatever happens. */
 bool writeAndClose(int file, const std::string& content, bool sync) {
@@ -43,26 +48,95 @@ bool writeAndClose(int file, const std::string& content, bool sync) {
 
 } // namespace
 
-std::string readFile(const std::string& path) {
-    const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
-    if (!file) {
+std::string readFile(const std::string& path, std::size_t limit) {
+    const int handle = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const std::unique_ptr<FILE, int (*)(FILE*)> file(handle < 0 ? nullptr : ::fdopen(handle, "rb"), std::fclose);
+    struct stat status {};
+    if (!file || ::fstat(handle, &status) != 0) {
         throw Failure(path, std::strerror(errno));
     }
-    std::string content;
-    std::error_code error;
-    const std::uintmax_t expected = fs::file_size(path, error);
-    if (!error) {
-        content.reserve(static_cast<std::size_t>(expected));
+    if (!S_ISREG(status.st_mode)) {
+        throw Failure(path, "not a regular file");
     }
+    const auto tooLarge = [&] { return Failure(path, "larger than " + std::to_string(limit >> 20) + " MiB"); };
+    if (static_cast<std::uintmax_t>(status.st_size) > limit) {
+        throw tooLarge();
+    }
+    std::string content;
+    content.reserve(static_cast<std::size_t>(status.st_size));
     char block[65536];
     std::size_t size = 0;
     while ((size = std::fread(block, 1, sizeof block, file.get())) > 0) {
+        if (size > limit - content.size()) {
+            throw tooLarge();
+        }
         content.append(block, size);
     }
     if (std::ferror(file.get()) != 0) {
         throw Failure(path, std::strerror(errno));
     }
     return content;
+}
+
+std::string placeOf(const std::string& path) {
+    std::error_code error;
+    fs::path place = fs::absolute(path, error);
+    // The last part may be a link to nothing yet, which would count as not there.
+    for (int links = 0; links < 40 && fs::is_symlink(fs::symlink_status(place, error)); ++links) {
+        place = place.parent_path() / fs::read_symlink(place, error);
+    }
+    const fs::path whole = fs::weakly_canonical(place, error);
+    return error ? place.lexically_normal().string() : whole.string();
+}
+
+bool isSameFile(const std::string& a, const std::string& b) {
+    std::error_code error;
+    return fs::equivalent(a, b, error) || placeOf(a) == placeOf(b);
+}
+
+bool isInside(const std::string& path, const std::string& folder) {
+    const fs::path outer = placeOf(folder);
+    std::error_code error;
+    for (fs::path parent = placeOf(path); parent != parent.root_path(); parent = parent.parent_path()) {
+        if (parent == outer || fs::equivalent(parent, outer, error)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool PendingFile::isTemporary(const std::string& fileName) {
+    return fileName.compare(0, std::strlen(temporaryPrefix), temporaryPrefix) == 0;
+}
+
+/** A device or pipe is written to, not replaced. */
+void PendingFile::writeThrough(const std::string& content) const {
+    // A pipe without a reader is an error here; with one, writing may wait for it.
+    const int file = ::open(path_.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (file < 0) {
+        throw Failure(path_, errno == ENXIO ? "nobody reads from it" : std::strerror(errno));
+    }
+    ::fcntl(file, F_SETFL, ::fcntl(file, F_GETFL) & ~O_NONBLOCK);
+    if (!writeAndClose(file, content, false)) {
+        throw Failure(path_, std::strerror(errno));
+    }
+}
+
+/** Creates a new file beside the target. @return its handle, or a negative number */
+int PendingFile::createTemporary() {
+    static std::atomic<unsigned int> counter{0};
+    const fs::path folder = fs::path(target_).parent_path();
+    for (int attempt = 0; attempt < 1000; ++attempt) {
+        const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+        temporary_ = (folder / (temporaryPrefix + std::to_string(::getpid()) + '.' + std::to_string(counter++) + '.' +
+                                std::to_string(now % 1000000)))
+                         .string();
+        const int file = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (file >= 0 || errno != EEXIST) {
+            return file;
+        }
+    }
+    return -1;
 }
 
 PendingFile::PendingFile(const std::string& path, const std::string& content) : path_(path) {
@@ -73,24 +147,21 @@ PendingFile::PendingFile(const std::string& path, const std::string& content) : 
     if (fs::is_directory(path, error)) {
         throw Failure(path, std::strerror(EISDIR));
     }
-    if (fs::exists(path, error) && !fs::is_regular_file(path, error)) {
-        // A device or pipe is written to, not replaced.
-        const int file = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
-        if (file < 0 || !writeAndClose(file, content, false)) {
-            throw Failure(path, std::strerror(errno));
-        }
+    target_ = placeOf(path);
+    struct stat old {};
+    const bool exists = ::stat(target_.c_str(), &old) == 0;
+    if (exists && !S_ISREG(old.st_mode)) {
+        writeThrough(content);
         return;
     }
 
-    target_ = fs::exists(path, error) ? fs::canonical(path, error).string() : path;
-    // Always the same name: what a killed process leaves is replaced by the next, and never written to, since it could be
-    // a link that somebody else put there.
-    temporary_ = target_ + ".new";
-    ::unlink(temporary_.c_str());
-    const int file = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    const int file = createTemporary();
     if (file < 0) {
         temporary_.clear();
         throw Failure(path, std::strerror(errno));
+    }
+    if (exists) {
+        ::fchmod(file, old.st_mode & 07777);
     }
     if (!writeAndClose(file, content, true)) {
         const int reason = errno;

@@ -4,14 +4,31 @@
  */
 #pragma once
 
+#include <cstddef>
 #include <string>
 
-/** A file's bytes. Throws Failure. */
-std::string readFile(const std::string& path);
+/** Streams and states are read whole; no larger ones are. */
+constexpr std::size_t largestFile = std::size_t(1) << 30;
+
+/** The bytes of a regular file of at most @p limit bytes. Throws Failure; never waits for a pipe. */
+std::string readFile(const std::string& path, std::size_t limit = largestFile);
+
+/** Where a name leads: absolute, free of links, whether the file is there or not - also through links to nothing yet. */
+std::string placeOf(const std::string& path);
+
+/** Whether two names stand for one file, which need not be there yet. */
+bool isSameFile(const std::string& a, const std::string& b);
+
+/** Whether the file of a name lies in a folder, or in one inside it; neither need be there yet. */
+bool isInside(const std::string& path, const std::string& folder);
 
 /**
  * New content of a file: its bytes are safe on the disk under another name until one rename puts them in the file's
- * place. Whatever fails before leaves the file as it was.
+ * place. Whatever fails before leaves the file as it was. A file that is replaced keeps its permissions; where the path
+ * is a link, what it leads to is replaced. A device or a pipe that somebody reads is written to.
+ *
+ * The other name is new and unlike any that a user would give, so nobody else's file is touched, and two processes that
+ * write one file leave what one of them wrote.
  */
 class PendingFile {
 public:
@@ -27,7 +44,13 @@ public:
     /** Replaces the file. Throws Failure. */
     void commit();
 
+    /** Whether a file name is one that a process leaves behind which is killed while it writes. */
+    static bool isTemporary(const std::string& fileName);
+
 private:
+    void writeThrough(const std::string& content) const;
+    int createTemporary();
+
     std::string path_;
     std::string target_;
     std::string temporary_; ///< empty when there is nothing to rename

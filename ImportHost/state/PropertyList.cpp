@@ -11,6 +11,9 @@
 
 namespace {
 
+/** Names and values of all objects together, in bytes. */
+constexpr std::size_t mostPropertyBytes = std::size_t(1) << 30;
+
 constexpr double pi = 3.141592653589793;
 
 /** The texts as they stand in streams and state, with their escapes. */
@@ -127,17 +130,27 @@ private:
             throw std::runtime_error("a property of nothing");
         }
         path_.resize(static_cast<std::size_t>(depth));
+        charge(fields[5].size());
         if (isOwn_) {
             readAttribute(depth, fields);
             return;
         }
         std::string name = path_.empty() ? std::string() : path_.back() + '.';
         name += fields.size() > 6 && !fields[6].empty() ? fields[6] : fields[2];
+        charge(name.size());
         if (fields[4] == "complex") {
             path_.push_back(std::move(name));
         } else if (object_ > 0) {
             const std::string_view factor = fields.size() > 7 ? fields[7] : std::string_view();
             entries_[object_ - 1].push_back({set_, std::move(name), valueOf(fields[4], fields[5], factor)});
+        }
+    }
+
+    /** Full names grow with the depth of a property: a small stream may mean more of them than memory holds. */
+    void charge(std::size_t bytes) {
+        charged_ += bytes;
+        if (charged_ > mostPropertyBytes) {
+            throw std::runtime_error("more than " + std::to_string(mostPropertyBytes >> 20) + " MiB of properties");
         }
     }
 
@@ -154,6 +167,7 @@ private:
     std::vector<std::optional<Attributes>> attributes_;
     std::size_t object_ = 0; ///< that the set belongs to; 0 for a product without geometry
     std::string_view set_;
+    std::size_t charged_ = 0;
     bool isInSet_ = false;
     bool isOwn_ = false;            ///< whether the set holds the object's own attributes
     std::vector<std::string> path_; ///< full names of the complex properties around the next one

@@ -89,7 +89,7 @@ State stateFromText(std::string_view text) {
 
 /** Whether a file is one that an import left which was killed. */
 bool isLeftover(const std::string& fileName) {
-    return fileName == previousOutput || fileName == "objects.state.new" ||
+    return fileName == previousOutput || fileName == "objects.state.new" || PendingFile::isTemporary(fileName) ||
            (fileName.size() == std::strlen(outputTemplate) &&
             fileName.compare(0, outputPrefixLength, outputTemplate, outputPrefixLength) == 0);
 }
@@ -130,13 +130,14 @@ StateFolder::~StateFolder() {
 void StateFolder::close() {
     std::error_code ignored;
     next_.reset();
-    if (!outputFolder_.empty()) {
+    if (!outputFolder_.empty() && !keepsOutput_) {
         fs::remove_all(outputFolder_, ignored);
     }
     if (created_) {
         fs::remove(path_, ignored); // succeeds only while it is empty
     }
     if (lock_ >= 0) {
+        ::flock(lock_, LOCK_UN); // a process that a plug-in left running may hold the same handle
         ::close(lock_);
     }
 }
@@ -170,9 +171,6 @@ void StateFolder::load() {
     std::error_code error;
     hasObjects_ = fs::exists(fs::symlink_status(path_ + "/objects.state", error));
     if (hasObjects_) {
-        if (!fs::is_regular_file(path_ + "/objects.state", error)) {
-            throw Failure(path_ + "/objects.state", "not a file"); // a pipe would keep its reader waiting
-        }
         state_ = read(path_);
         return;
     }
@@ -200,7 +198,12 @@ void StateFolder::removeLeftovers() const {
 }
 
 void StateFolder::prepare(const ImportedModel& model, const std::vector<ObjectRecord>& objects) {
-    next_ = std::make_unique<PendingFile>(path_ + "/objects.state", stateText(model, objects));
+    const std::string fileName = path_ + "/objects.state";
+    const std::string text = stateText(model, objects);
+    if (text.size() > largestFile) {
+        throw Failure(fileName, "it would be larger than " + std::to_string(largestFile >> 20) + " MiB");
+    }
+    next_ = std::make_unique<PendingFile>(fileName, text);
 }
 
 void StateFolder::commit() {

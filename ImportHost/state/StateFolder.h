@@ -65,6 +65,9 @@ public:
     /** The folder with the streams of the last import, where there was one and they were kept. */
     std::string lastOutputFolder() const { return path_ + "/output"; }
 
+    /** Leaves that folder where it is when the import fails; the next import of the state removes it. */
+    void keepOutput() { keepsOutput_ = true; }
+
     /** Writes these objects down as the next state. Throws Failure. */
     void prepare(const ImportedModel& model, const std::vector<ObjectRecord>& objects);
 
@@ -83,6 +86,7 @@ private:
     int lock_ = -1;
     bool created_ = false;
     bool hasObjects_ = false;
+    bool keepsOutput_ = false;
     State state_;
     std::unique_ptr<PendingFile> next_;
 };
