@@ -3,7 +3,9 @@
 follows the guide there: writes the files, compiles what there is after every step, runs the commands, and compares
 what they print. That needs an installed library.
 
-Usage: Scripts/check-guide.py GUIDE.md EXAMPLE_FOLDER [EMPTY_FOLDER]
+Usage: Scripts/check-guide.py GUIDE.md EXAMPLE_FOLDER [EMPTY_FOLDER [PREFIX]]
+
+PREFIX is where the library is installed if not in /usr; pkg-config and CMake find it by themselves then.
 
 A comment in front of a block says what it is: "file NAME" the next piece of a file, "run" a command, "output" lines of
 what the commands before it print.
@@ -14,12 +16,13 @@ import subprocess
 import sys
 
 root = pathlib.Path(__file__).resolve().parent.parent
-if len(sys.argv) not in (3, 4):
-    sys.exit("usage: Scripts/check-guide.py GUIDE.md EXAMPLE_FOLDER [EMPTY_FOLDER]")
+if len(sys.argv) not in (3, 4, 5):
+    sys.exit("usage: Scripts/check-guide.py GUIDE.md EXAMPLE_FOLDER [EMPTY_FOLDER [PREFIX]]")
 guide_name = sys.argv[1]
 guide = (root / guide_name).read_text(encoding="utf-8")
 examples = root / sys.argv[2]
 folder = pathlib.Path(sys.argv[3]) if len(sys.argv) > 3 else None
+prefix = sys.argv[4] if len(sys.argv) > 4 else "/usr"
 blocks = re.findall(r"^<!-- (file|run|output) ?(\S*) -->\n+```[a-z]*\n(.*?)^```$", guide, re.MULTILINE | re.DOTALL)
 
 
@@ -57,7 +60,7 @@ for kind, name, text in blocks:
             if name.endswith(".cpp"):
                 compile_alone(name)
     elif kind == "run" and folder:
-        printed += run("set -e\n" + text)
+        printed += run("set -e\n" + text.replace("/usr/share/", prefix + "/share/"))
     elif kind == "output" and folder:
         require_lines(text, printed)
         printed = ""

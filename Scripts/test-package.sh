@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Makes the packages, installs them, builds against them in every way that is promised, and removes them again. Needs
-# the rights to install packages. Usage: Scripts/test-package.sh [BUILD_FOLDER]
+# Makes the packages, installs them into a root of their own, builds against them in every way that is promised, and
+# removes them again. Nothing of the system is touched, and no rights are needed. Usage: Scripts/test-package.sh
+# [BUILD_FOLDER]
 set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -11,7 +12,11 @@ warnings=(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 
 step() { printf -- '-- %s\n' "$*"; }
 fail() { echo "test-package.sh: $*" >&2; exit 1; }
-as_root() { if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi; }
+
+# in_root ARGUMENT...: the package manager on a root of its own, which has no other packages.
+in_root() {
+    dpkg --root="$system" --log=/dev/null --force-not-root --force-depends --force-script-chrootless --force-bad-path "$@"
+}
 
 # quietly LOG COMMAND...: runs a command and shows what it said only when it fails.
 quietly() {
@@ -45,7 +50,9 @@ consume_with_pkgconfig() {
 }
 
 rm -rf "$build"
-mkdir -p "$build"
+system=$build/system
+mkdir -p "$system/var/lib/dpkg/info" "$system/var/lib/dpkg/updates" "$system/var/lib/dpkg/triggers"
+touch "$system/var/lib/dpkg/status"
 
 step "Packages"
 options=(-DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr -DIMPORTCOMMON_BUILD_EXAMPLES=OFF
@@ -54,14 +61,15 @@ quietly build cmake -S "$root" -B "$build/library" -G Ninja "${options[@]}"
 quietly build cmake --build "$build/library"
 (cd "$build/library" && quietly cpack cpack -B "$build/packages")
 
-remove() { as_root dpkg --purge "${packages[@]}" >/dev/null 2>&1; }
-trap remove EXIT
-quietly install as_root dpkg -i "$build"/packages/*.deb
+quietly install in_root --install "$build"/packages/*.deb
+libraries=$(dirname "$(find "$system/usr" -name libimport-common.so)")
+export PKG_CONFIG_PATH=$libraries/pkgconfig CMAKE_PREFIX_PATH=$system/usr
 hardening=$(readelf --dynamic --segments --dyn-syms --wide "$(pkg-config --variable=libdir import-common)/libimport-common.so")
 for sign in BIND_NOW GNU_RELRO __stack_chk_fail@ _chk@GLIBC; do
     [[ $hardening == *"$sign"* ]] || fail "the installed library shows no $sign"
 done
-files=$(dpkg -L "${packages[@]}" | sort -u | while read -r file; do [ -d "$file" ] || echo "$file"; done)
+files=$(dpkg --root="$system" -L "${packages[@]}" | sort -u |
+    while read -r file; do [ -d "$system$file" ] || echo "$system$file"; done)
 
 step "Against the installed packages: CMake, pkg-config, the examples, the guide"
 consume cmake
@@ -69,14 +77,14 @@ consume_with_pkgconfig pkgconfig
 if cmake -S "$consumer" -B "$build/wrong-version" -DIMPORTCOMMON_VERSION=1.0 >"$build/wrong-version.log" 2>&1; then
     fail "version 1.0 was asked for and $(pkg-config --modversion import-common) taken"
 fi
-quietly examples cmake -S /usr/share/import-common/examples -B "$build/examples" -G Ninja
+quietly examples cmake -S "$system/usr/share/import-common/examples" -B "$build/examples" -G Ninja
 quietly examples cmake --build "$build/examples"
-"$root/Scripts/check-guide.py" Docs/plugin-guide.md Examples/ToyPlugin "$build/guide"
-"$root/Scripts/check-guide.py" Docs/cityjson-plugin.md Examples/CityJsonPlugin "$build/cityjson-guide"
+"$root/Scripts/check-guide.py" Docs/plugin-guide.md Examples/ToyPlugin "$build/guide" "$system/usr"
+"$root/Scripts/check-guide.py" Docs/cityjson-plugin.md Examples/CityJsonPlugin "$build/cityjson-guide" "$system/usr"
 
 step "Removal"
-trap - EXIT
-quietly remove as_root dpkg --purge "${packages[@]}"
+quietly remove in_root --purge "${packages[@]}"
+unset PKG_CONFIG_PATH CMAKE_PREFIX_PATH
 [ -n "$files" ] || fail "the packages are empty"
 for file in $files; do
     [ ! -e "$file" ] || fail "$file is left behind"

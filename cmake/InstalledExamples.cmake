@@ -2,6 +2,7 @@ cmake_minimum_required(VERSION 3.18)
 project(ImportCommonExamples LANGUAGES C CXX)
 
 find_package(ImportCommon 0.1 REQUIRED)
+set(PROJECT_VERSION ${ImportCommon_VERSION}) # the host's own
 
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE Release)

@@ -9,5 +9,5 @@
 #include <string>
 #include <vector>
 
-/** A line for each object: identity, class and name. Throws std::bad_alloc. */
+/** A line for each object, in the order of the state: identity, class and name. */
 std::string listingText(const std::vector<ObjectRecord>& objects);
