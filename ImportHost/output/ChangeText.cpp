@@ -12,10 +12,6 @@ std::string degrees(double angle) {
     return fixedText(angle, 2) + " degrees";
 }
 
-double length(const Vector3& vector) {
-    return std::hypot(vector[0], vector[1], vector[2]);
-}
-
 std::string vectorText(const Vector3& vector) {
     return '(' + fixedText(vector[0], 3) + ", " + fixedText(vector[1], 3) + ", " + fixedText(vector[2], 3) + ')';
 }

@@ -4,11 +4,9 @@
  */
 #pragma once
 
-#include <array>
-#include <cstddef>
+#include "state/Vector.h"
 
-/** A point or a vector of the world, in metres. */
-using Vector3 = std::array<double, 3>;
+#include <cstddef>
 
 /** Its low and its high corner. */
 struct Box {

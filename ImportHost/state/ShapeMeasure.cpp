@@ -5,18 +5,6 @@
 
 namespace {
 
-Vector3 minus(const Vector3& a, const Vector3& b) {
-    return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
-}
-
-Vector3 cross(const Vector3& a, const Vector3& b) {
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
-double dot(const Vector3& a, const Vector3& b) {
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-
 /** Corners measured from a point of the object, which may be far from the origin. */
 struct Triangle {
     std::array<Vector3, 3> corners;
@@ -28,7 +16,7 @@ void addTriangles(const Surface& surface, const std::vector<std::uint32_t>& poly
     if (polygon.size() < 3) {
         return;
     }
-    const auto corner = [&](std::size_t i) { return minus(surface.vertices[polygon[i]], base); };
+    const auto corner = [&](std::size_t i) { return surface.vertices[polygon[i]] - base; };
     const std::size_t first = triangles.size();
     const Vector3 a = corner(0);
     Vector3 normal{};
@@ -36,20 +24,16 @@ void addTriangles(const Surface& surface, const std::vector<std::uint32_t>& poly
         const Vector3 b = corner(i);
         const Vector3 c = corner(i + 1);
         triangles.push_back({{a, b, c}, 0.0});
-        const Vector3 n = cross(minus(b, a), minus(c, a));
-        for (std::size_t k = 0; k < normal.size(); ++k) {
-            normal[k] += n[k];
-        }
+        normal = normal + cross(b - a, c - a);
     }
-    const double length = std::sqrt(dot(normal, normal));
-    if (length == 0.0) {
+    const double size = length(normal);
+    if (size == 0.0) {
         triangles.resize(first);
         return;
     }
     for (std::size_t i = first; i < triangles.size(); ++i) {
         const auto& corners = triangles[i].corners;
-        triangles[i].area =
-            dot(cross(minus(corners[1], corners[0]), minus(corners[2], corners[0])), normal) / length / 2.0;
+        triangles[i].area = dot(cross(corners[1] - corners[0], corners[2] - corners[0]), normal) / size / 2.0;
     }
 }
 
@@ -127,31 +111,22 @@ Shape shapeOf(const std::vector<Surface>& surfaces) {
     for (const Triangle& triangle : triangles) {
         shape.area += triangle.area;
         for (const Vector3& corner : triangle.corners) {
-            for (std::size_t k = 0; k < centroid.size(); ++k) {
-                centroid[k] += corner[k] * triangle.area / 3.0;
-            }
+            centroid = centroid + corner * (triangle.area / 3.0);
         }
     }
     if (!(shape.area > 0.0)) {
         return Shape();
     }
-    for (double& coordinate : centroid) {
-        coordinate /= shape.area;
-    }
+    centroid = centroid * (1.0 / shape.area);
     for (const Triangle& triangle : triangles) {
         for (const RulePoint& point : rule) {
-            Vector3 p{};
-            for (std::size_t k = 0; k < p.size(); ++k) {
-                p[k] = triangle.corners[0][k] * point.coordinates[0] + triangle.corners[1][k] * point.coordinates[1] +
-                       triangle.corners[2][k] * point.coordinates[2] - centroid[k];
-            }
+            const Vector3 p = triangle.corners[0] * point.coordinates[0] + triangle.corners[1] * point.coordinates[1] +
+                              triangle.corners[2] * point.coordinates[2] - centroid;
             addPoint(shape, p, point.weight * triangle.area);
         }
     }
     divideByArea(shape);
-    for (std::size_t k = 0; k < centroid.size(); ++k) {
-        shape.centroid[k] = box->low[k] + centroid[k];
-    }
+    shape.centroid = box->low + centroid;
     return shape;
 }
 

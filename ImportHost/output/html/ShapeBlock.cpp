@@ -27,10 +27,6 @@ void appendNumber(std::string& bytes, Number number) {
     bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
 }
 
-double dot(const Vector3& a, const Vector3& b) {
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-
 } // namespace
 
 /** Points on the grid of one box, and what they are the corners of. */

@@ -1,0 +1,41 @@
+/**
+ * @file Vector.h
+ * Points and vectors of the world.
+ */
+#pragma once
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+/** A point or a vector of the world, in metres. */
+using Vector3 = std::array<double, 3>;
+
+inline Vector3 operator+(const Vector3& a, const Vector3& b) {
+    return {a[0] + b[0], a[1] + b[1], a[2] + b[2]};
+}
+
+inline Vector3 operator-(const Vector3& a, const Vector3& b) {
+    return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
+}
+
+inline Vector3 operator*(const Vector3& a, double factor) {
+    return {a[0] * factor, a[1] * factor, a[2] * factor};
+}
+
+inline double dot(const Vector3& a, const Vector3& b) {
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+
+inline Vector3 cross(const Vector3& a, const Vector3& b) {
+    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
+
+inline double length(const Vector3& a) {
+    return std::sqrt(dot(a, a));
+}
+
+/** The greatest difference of coordinates. */
+inline double largestPart(const Vector3& a) {
+    return std::fmax(std::fabs(a[0]), std::fmax(std::fabs(a[1]), std::fabs(a[2])));
+}
