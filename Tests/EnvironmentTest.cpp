@@ -150,7 +150,14 @@ TEST_F(AllocationFailureTest, environmentIsWrittenWholeOrTheCallerKnows) {
             }
         });
         EXPECT_TRUE(failed != 0 || result == true);
-        EXPECT_EQ(std::getenv("fo_handle_textures") != nullptr, result == true) << which;
+        bool complete = std::getenv("fo_handle_version") != nullptr;
+        for (const auto& [key, field] : textFields) {
+            complete = complete && std::getenv(key) != nullptr;
+        }
+        for (const auto& [key, field] : streamFields) {
+            complete = complete && std::getenv(key) != nullptr;
+        }
+        EXPECT_EQ(complete, result == true) << which;
         refused += result == false ? 1 : 0;
     }
     EXPECT_GT(refused, 0);

@@ -172,9 +172,13 @@ TEST_F(ThreadTest, dataIsReleasedHoweverTheThreadEnds) {
         }
         return 0;
     };
-    const std::size_t before = mallinfo2().hblkhd;
-    EXPECT_EQ(ThreadOperations::closeThread(ThreadOperations::createThread(leave, data.data(), data.size(), false)), 1);
-    EXPECT_EQ(mallinfo2().hblkhd, before);
+    const auto comeBack = [](void* copy, unsigned long) { return copy != nullptr ? 1U : 0U; };
+    for (unsigned int (*function)(void*, unsigned long) : {+leave, +comeBack}) {
+        const std::size_t before = mallinfo2().hblkhd;
+        const pthread_t thread = ThreadOperations::createThread(function, data.data(), data.size(), false);
+        EXPECT_EQ(ThreadOperations::closeThread(thread), 1);
+        EXPECT_EQ(mallinfo2().hblkhd, before);
+    }
 }
 
 } // namespace
