@@ -38,6 +38,7 @@ Vector areaVector(const Face& face) {
 
 void flip(Face& face) {
     forEachLoop(face, [](Loop& loop) { std::reverse(loop.begin(), loop.end()); });
+    face.plane = face.plane.flipped();
 }
 
 void transform(Face& face, const Affine& map) {
@@ -46,6 +47,7 @@ void transform(Face& face, const Affine& map) {
             p = map(p);
         }
     });
+    face.plane = {};
 }
 
 void transform(Body& body, const Affine& map) {
@@ -80,14 +82,39 @@ void turnOutwards(Body& body) {
 }
 
 double gap(const std::vector<Face>& faces) {
+    Box box;
+    for (const Face& face : faces) {
+        for (const Vector& p : face.outer) {
+            box.add(p);
+        }
+    }
+    const Vector centre = box.centre();
     Vector sum;
+    Affine moments{{}, {}, {}, {}}; // each axis times the normals
     double total = 0.0;
     for (const Face& face : faces) {
-        const Vector area = areaVector(face);
+        Vector area;
+        forEachLoop(face, [&](const Loop& loop) {
+            for (std::size_t i = 1; i + 1 < loop.size(); ++i) {
+                const Vector normal = cross(loop[i] - loop[0], loop[i + 1] - loop[0]) * 0.5;
+                const Vector middle = (loop[0] + loop[i] + loop[i + 1]) * (1.0 / 3.0) - centre;
+                area += normal;
+                moments.x += normal * middle.x;
+                moments.y += normal * middle.y;
+                moments.z += normal * middle.z;
+            }
+        });
         sum += area;
         total += length(area);
     }
-    return total > 0.0 ? length(sum) / total : 0.0;
+    if (!(total > 0.0)) {
+        return 0.0;
+    }
+    const double volume = (moments.x.x + moments.y.y + moments.z.z) / 3.0;
+    const Vector off[] = {moments.x - Vector{volume, 0, 0}, moments.y - Vector{0, volume, 0},
+                          moments.z - Vector{0, 0, volume}};
+    const double worst = std::max({length(off[0]), length(off[1]), length(off[2])});
+    return std::max(length(sum) / total, worst / (total * std::max(box.radius(), 1e-300)));
 }
 
 std::size_t countPoints(const std::vector<Face>& faces) {

@@ -14,10 +14,21 @@ namespace IfcReader {
 /** Corners of a closed chain of edges; the last one is joined to the first. */
 using Loop = std::vector<Vector>;
 
+struct Plane {
+    Vector normal;
+    double distance = 0.0;
+
+    double operator()(const Vector& p) const { return dot(normal, p) - distance; }
+    Plane flipped() const { return {-normal, -distance}; }
+    bool isKnown() const { return !(normal == Vector{}); }
+};
+
 /** A flat face: counter-clockwise seen from outside, its holes clockwise. */
 struct Face {
     Loop outer;
     std::vector<Loop> holes;
+    /** Of the face that this one was cut from, so that its parts stay in one plane exactly; not always known. */
+    Plane plane{};
 };
 
 /** What one representation item becomes. */
@@ -54,7 +65,11 @@ void transform(Body& body, const Affine& map);
 double signedVolume(const std::vector<Face>& faces);
 void turnOutwards(Body& body);
 
-/** Length of the sum of all area vectors, as a part of their lengths' sum: 0 for faces that close a volume. */
+/**
+ * How far faces are from closing a volume: 0 where they do. Two sums over the area are 0 for any closed surface, that of
+ * its normals, and that of its normals times the places where they stand but for the volume on the diagonal; the first
+ * alone would not notice that a tube has no ends. Both are taken as parts of what they would be if nothing cancelled.
+ */
 double gap(const std::vector<Face>& faces);
 
 /** Points in all loops together. */

@@ -2,15 +2,13 @@
 
 #include "geometry/BspTree.h"
 #include "geometry/FlatPolygon.h"
+#include "geometry/PlaneThickness.h"
 
 #include <algorithm>
 
 namespace IfcReader {
 
 namespace {
-
-/** In metres. The first is right nearly always; the others are for bodies that touch at just that distance. */
-constexpr double thicknesses[] = {1e-6, 1e-9, 1e-11, 1e-5, 1e-4};
 
 /** The parts of polygons inside a box that is a little wider than @p box. */
 std::vector<FlatPolygon> within(const Box& box, const std::vector<FlatPolygon>& polygons, double thickness) {
@@ -58,23 +56,38 @@ double windingNumber(const std::vector<FlatPolygon>& polygons, const Vector& p) 
     return sum / 6.283185307179586;
 }
 
-/** A body's polygons, and for each the face that it came from. */
+/** A body's polygons, and for each the face that it came from: a face that isn't flat becomes several. */
 struct Operand {
     Operand(const Body& body, double thickness) {
-        Body one;
-        for (std::size_t i = 0; i < body.faces.size(); ++i) {
-            one.faces.assign(1, body.faces[i]);
-            for (FlatPolygon& polygon : flatPolygonsOf(one, thickness / 4.0)) {
-                polygons.push_back(std::move(polygon));
-                faces.push_back(i);
+        for (const Face& face : body.faces) {
+            std::vector<FlatPolygon> parts = flatPolygonsOf(face, thickness / 4.0);
+            const bool isFlat = parts.size() == 1 || isFlatFace(face, thickness);
+            for (FlatPolygon& part : parts) {
+                if (!isFlat || &part == &parts.front()) {
+                    whole.push_back(isFlat ? face : Face{part.points, {}, part.plane});
+                }
+                polygons.push_back(std::move(part));
+                faces.push_back(whole.size() - 1);
             }
         }
         box = boxOf(polygons);
     }
 
+    std::vector<Face> whole;
     std::vector<FlatPolygon> polygons;
-    std::vector<std::size_t> faces;
+    std::vector<std::size_t> faces; ///< of each polygon, the place in whole
     Box box;
+
+private:
+    static bool isFlatFace(const Face& face, double thickness) {
+        const Plane plane = planeOf(face.outer);
+        bool flat = true;
+        forEachLoop(face, [&](const Loop& loop) {
+            flat = flat && std::all_of(loop.begin(), loop.end(),
+                                       [&](const Vector& p) { return std::abs(plane(p)) <= thickness; });
+        });
+        return flat;
+    }
 };
 
 /** A body as far as another one reaches. */
@@ -110,8 +123,7 @@ private:
 };
 
 /** Appends what is kept of a body's faces: one that loses nothing stays as it is. */
-void appendKept(const Body& body, const Operand& operand, const Region& other, const Keep& keep, bool flipped,
-                std::vector<Face>& faces) {
+void appendKept(const Operand& operand, const Region& other, const Keep& keep, bool flipped, std::vector<Face>& faces) {
     std::vector<FlatPolygon> kept;
     for (std::size_t i = 0; i < operand.polygons.size();) {
         const std::size_t face = operand.faces[i];
@@ -122,10 +134,10 @@ void appendKept(const Body& body, const Operand& operand, const Region& other, c
         }
         const std::size_t first = faces.size();
         if (whole) {
-            faces.push_back(body.faces[face]);
+            faces.push_back(operand.whole[face]);
         } else {
             for (FlatPolygon& polygon : kept) {
-                faces.push_back({std::move(polygon.points), {}});
+                faces.push_back({std::move(polygon.points), {}, polygon.plane});
             }
         }
         for (std::size_t k = first; flipped && k < faces.size(); ++k) {
@@ -144,40 +156,50 @@ Body apart(Operation operation, const Body& first, const Body& second) {
     return result;
 }
 
-Body tryToCombine(Operation operation, const Body& first, const Body& second, double thickness, Work& work) {
-    const Operand a(first, thickness);
-    const Operand b(second, thickness);
-    work.add(a.polygons.size() + b.polygons.size());
-    if (a.polygons.empty() || b.polygons.empty() || !a.box.meets(b.box, 2.0 * thickness)) {
-        return apart(operation, first, second);
-    }
-    Body result;
-    result.solid = first.solid;
-    result.items = first.items;
-    Keep keep;
-    keep.inside = operation == Operation::intersect;
-    keep.onSurface = operation == Operation::unite ? Keep::OnSurface::outerSide : Keep::OnSurface::innerSide;
-    appendKept(first, a, Region(b, a.box, thickness, work), keep, false, result.faces);
-    if (first.solid) { // a surface only loses what is cut away
-        keep.inside = operation != Operation::unite;
-        keep.onSurface = Keep::OnSurface::bothSides;
-        appendKept(second, b, Region(a, b.box, thickness, work), keep, operation == Operation::difference,
-                   result.faces);
-    }
-    return result;
-}
-
 /** Whether a volume can be what comes of two others. */
 bool isPossible(Operation operation, double result, double first, double second) {
     const double slack = 1e-6 * (first + second) + 1e-9;
     switch (operation) {
     case Operation::difference:
-        return result >= first - second - slack && result <= first + slack;
+        return result >= std::max(first - second, 0.0) - slack && result <= first + slack;
     case Operation::unite:
         return result >= std::max(first, second) - slack && result <= first + second + slack;
     default:
         return result >= -slack && result <= std::min(first, second) + slack;
     }
+}
+
+/** What came of one thickness. */
+struct Attempt {
+    Body body;
+    double gap = 0.0; ///< 1 and more when the volume is impossible
+};
+
+Attempt tryToCombine(Operation operation, const Body& first, const Body& second, double thickness, Work& work) {
+    const Operand a(first, thickness);
+    const Operand b(second, thickness);
+    work.add(a.polygons.size() + b.polygons.size());
+    if (a.polygons.empty() || b.polygons.empty() || !a.box.meets(b.box, 2.0 * thickness)) {
+        return {apart(operation, first, second), 0.0};
+    }
+    Attempt result;
+    std::vector<Face>& faces = result.body.faces;
+    result.body.solid = first.solid;
+    result.body.items = first.items;
+    Keep keep;
+    keep.inside = operation == Operation::intersect;
+    keep.onSurface = operation == Operation::unite ? Keep::OnSurface::outerSide : Keep::OnSurface::innerSide;
+    appendKept(a, Region(b, a.box, thickness, work), keep, false, faces);
+    if (first.solid) { // a surface only loses what is cut away
+        keep.inside = operation != Operation::unite;
+        keep.onSurface = Keep::OnSurface::bothSides;
+        appendKept(b, Region(a, b.box, thickness, work), keep, operation == Operation::difference, faces);
+        result.gap = gap(faces);
+        if (!isPossible(operation, signedVolume(faces), signedVolume(a.whole), signedVolume(b.whole))) {
+            result.gap += 1.0;
+        }
+    }
+    return result;
 }
 
 } // namespace
@@ -186,22 +208,28 @@ CutResult combine(Operation operation, const Body& first, const Body& second, Wo
     constexpr double noGap = 1e-6;
     constexpr double smallGap = 1e-4;
     const double given = std::max(gap(first.faces), gap(second.faces));
-    const double firstVolume = signedVolume(first.faces);
-    const double secondVolume = signedVolume(second.faces);
     CutResult best;
     double least = 1e300;
-    for (const double thickness : thicknesses) {
-        Body body = tryToCombine(operation, first, second, thickness, work);
-        double left = first.solid ? gap(body.faces) : 0.0;
-        if (first.solid && !isPossible(operation, signedVolume(body.faces), firstVolume, secondVolume)) {
-            left += 1.0;
+    const auto attempt = [&](const Body& cutter, double thickness) {
+        Attempt made = tryToCombine(operation, first, cutter, thickness, work);
+        if (made.gap < least) {
+            least = made.gap;
+            best.body = std::move(made.body);
         }
-        if (left < least) {
-            least = left;
-            best.body = std::move(body);
-        }
-        if (least < noGap + 2.0 * given) {
-            break;
+        return least < noGap + 2.0 * given;
+    };
+    bool done = false;
+    for (const double thickness : thicknessesFor(first, second)) {
+        done = done || attempt(second, thickness);
+    }
+    // Where no thickness will do, the second body is pushed off what it nearly touches.
+    for (const double push : {1e-6, -1e-6, 1e-5, -1e-5, 1e-4}) {
+        for (const double thickness : {1e-9, 1e-11, 1e-7}) {
+            if (!done) {
+                Body pushed = second;
+                transform(pushed, Affine{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, Vector{0.83, 0.71, 0.97} * push});
+                done = attempt(pushed, thickness);
+            }
         }
     }
     best.closed = least < smallGap;

@@ -72,25 +72,25 @@ bool isConvex(const Loop& loop, const Vector& normal) {
     return true;
 }
 
-std::vector<FlatPolygon> flatPolygonsOf(const Body& body, double thickness) {
+std::vector<FlatPolygon> flatPolygonsOf(const Face& face, double thickness) {
+    const Vector area = areaVector(face);
+    if (length(area) < noArea) {
+        return {};
+    }
+    if (face.holes.empty()) {
+        const Plane plane = face.plane.isKnown() ? face.plane : planeOf(face.outer);
+        if (isFlat(face.outer, plane, thickness) && isConvex(face.outer, plane.normal)) {
+            return {{face.outer, plane}};
+        }
+    }
+    const Plane whole = planeOf(face.outer);
+    bool flat = true;
+    forEachLoop(face, [&](const Loop& loop) { flat = flat && isFlat(loop, whole, thickness); });
     std::vector<FlatPolygon> polygons;
-    for (const Face& face : body.faces) {
-        const Vector area = areaVector(face);
-        if (length(area) < noArea) {
-            continue;
-        }
-        if (face.holes.empty()) {
-            const Plane plane = planeOf(face.outer);
-            if (isFlat(face.outer, plane, thickness) && isConvex(face.outer, plane.normal)) {
-                polygons.push_back({face.outer, plane});
-                continue;
-            }
-        }
-        for (Loop& triangle : trianglesOf(face, area)) {
-            if (length(areaVector(triangle)) > noArea) {
-                const Plane plane = planeOf(triangle);
-                polygons.push_back({std::move(triangle), plane});
-            }
+    for (Loop& triangle : trianglesOf(face, area)) {
+        if (length(areaVector(triangle)) > noArea) {
+            const Plane plane = flat ? whole : planeOf(triangle);
+            polygons.push_back({std::move(triangle), plane});
         }
     }
     return polygons;

@@ -8,13 +8,6 @@
 
 namespace IfcReader {
 
-struct Plane {
-    Vector normal;
-    double distance = 0.0;
-
-    double operator()(const Vector& p) const { return dot(normal, p) - distance; }
-};
-
 /** The plane through a loop, in the middle between its corners. */
 Plane planeOf(const Loop& loop);
 
@@ -31,8 +24,8 @@ Side sideOf(const FlatPolygon& polygon, const Plane& plane, double thickness);
 /** Splits a polygon that lies across a plane. */
 void split(const FlatPolygon& polygon, const Plane& plane, double thickness, FlatPolygon& front, FlatPolygon& back);
 
-/** The faces of a body as flat convex polygons: any that is not flat within @p thickness, or not convex, in triangles. */
-std::vector<FlatPolygon> flatPolygonsOf(const Body& body, double thickness);
+/** A face as flat convex polygons: one that is not flat within @p thickness, or not convex, in triangles. */
+std::vector<FlatPolygon> flatPolygonsOf(const Face& face, double thickness);
 
 /** Whether a loop around @p normal is convex; straight corners are allowed. */
 bool isConvex(const Loop& loop, const Vector& normal);
