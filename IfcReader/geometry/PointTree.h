@@ -11,7 +11,7 @@
 
 namespace IfcReader {
 
-/** Some of the points in an array, as a tree halved by the three coordinates in turn. */
+/** Some of the points in an array, as a tree: each part is halved along its longest side. */
 class PointTree {
 public:
     /** @param points outlives this. @param chosen the numbers of those that can be found */
@@ -23,24 +23,24 @@ public:
      */
     template <typename Visitor>
     void forEachNear(const Vector& a, const Vector& b, double distance, Visitor visit) const {
-        visitRange(0, chosen_.size(), 0, a, b, distance, visit);
+        visitRange(0, chosen_.size(), a, b, distance, visit);
     }
 
 private:
     static double coordinate(const Vector& p, int axis) { return axis == 0 ? p.x : axis == 1 ? p.y : p.z; }
-    void sort(std::size_t begin, std::size_t end, int axis);
+    int longestSide(std::size_t begin, std::size_t end) const;
+    void sort(std::size_t begin, std::size_t end);
 
     template <typename Visitor>
-    void visitRange(std::size_t begin, std::size_t end, int axis, Vector a, Vector b, double distance,
-                    Visitor& visit) const {
+    void visitRange(std::size_t begin, std::size_t end, Vector a, Vector b, double distance, Visitor& visit) const {
         while (begin < end) {
             const std::size_t middle = begin + (end - begin) / 2;
+            const int axis = axes_[middle];
             const double value = coordinate(points_[chosen_[middle]], axis);
             const double from = coordinate(a, axis);
             const double to = coordinate(b, axis);
             const bool low = from <= value + distance || to <= value + distance;
             const bool high = from >= value - distance || to >= value - distance;
-            const int next = (axis + 1) % 3;
             if (low && high) {
                 visit(chosen_[middle]);
                 // Each half only has to be searched along its own part of the edge.
@@ -48,20 +48,20 @@ private:
                 Vector lowA = a;
                 Vector lowB = b;
                 clip(lowA, lowB, axis, value + wide, false);
-                visitRange(begin, middle, next, lowA, lowB, distance, visit);
+                visitRange(begin, middle, lowA, lowB, distance, visit);
                 clip(a, b, axis, value - wide, true);
                 begin = middle + 1;
             } else {
                 begin = low ? begin : middle + 1;
                 end = low ? middle : end;
             }
-            axis = next;
         }
     }
     static void clip(Vector& a, Vector& b, int axis, double value, bool above);
 
     const std::vector<Vector>& points_;
     std::vector<std::uint32_t> chosen_;
+    std::vector<std::uint8_t> axes_; ///< along which a part is halved, at its middle
 };
 
 } // namespace IfcReader

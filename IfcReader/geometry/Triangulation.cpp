@@ -172,27 +172,28 @@ public:
         }
     }
 
-    /** Whether one lies in the triangle, and at none of its corners. */
-    bool anyIn(const Flat& a, const Flat& b, const Flat& c) {
+    /** One that lies in the triangle, and at none of its corners; none where there is no such. */
+    Index findIn(const Flat& a, const Flat& b, const Flat& c) {
         const std::size_t left = column(std::min({a.x, b.x, c.x}), low_.x);
         const std::size_t right = column(std::max({a.x, b.x, c.x}), low_.x);
         const std::size_t bottom = column(std::min({a.y, b.y, c.y}), low_.y);
         const std::size_t top = column(std::max({a.y, b.y, c.y}), low_.y);
         for (std::size_t row = bottom; row <= top; ++row) {
             for (std::size_t i = left; i <= right; ++i) {
-                if (anyInCell(first_[row * columns_ + i], a, b, c)) {
-                    return true;
+                const Index found = findInCell(first_[row * columns_ + i], a, b, c);
+                if (found != none) {
+                    return found;
                 }
             }
         }
-        return false;
+        return none;
     }
 
 private:
     std::size_t column(double value, double low) const { return static_cast<std::size_t>((value - low) / cell_); }
 
     /** Corners that were cut off, or no longer turn inwards, leave the cell on the way. */
-    bool anyInCell(Index& first, const Flat& a, const Flat& b, const Flat& c) {
+    Index findInCell(Index& first, const Flat& a, const Flat& b, const Flat& c) {
         Index* link = &first;
         while (*link != none) {
             Ring::Node& node = ring_.nodes[*link];
@@ -202,11 +203,11 @@ private:
             }
             const Flat p = node.at;
             if (!(p == a) && !(p == b) && !(p == c) && contains(a, b, c, p)) {
-                return true;
+                return *link;
             }
             link = &node.nextInCell;
         }
-        return false;
+        return none;
     }
 
     Ring& ring_;
@@ -218,52 +219,94 @@ private:
     std::vector<Index> first_;
 };
 
-/** Cuts ears off a ring. */
+/**
+ * Cuts ears off a ring. A corner that can't be cut, since another one lies in its triangle, waits until that one is cut
+ * off or turns outwards: nothing is looked at again in vain.
+ */
 class EarCutter {
 public:
-    EarCutter(Ring& ring, std::size_t size) : ring_(ring), inward_(ring), left_(size) {}
+    explicit EarCutter(Ring& ring)
+        : ring_(ring), inward_(ring), left_(ring.nodes.size()), waiting_(left_), roundOf_(left_, 0) {}
 
     std::vector<std::array<Index, 3>> cut() {
-        Index node = 0;
-        std::size_t looked = 0;
-        Rule rule = Rule::ears;
+        for (Index i = 0; i < left_; ++i) {
+            next_.push_back(i);
+        }
         while (left_ >= 3) {
-            const Index next = ring_.nodes[node].next;
-            if (isCut(node, rule)) {
-                take(node);
-                looked = 0;
-                // Going on behind the next corner leaves fewer slivers than cutting there at once.
-                node = ring_.nodes[next].next;
-                rule = rule == Rule::straight ? Rule::ears : rule;
-            } else {
-                node = next;
-                if (++looked > left_) {
-                    looked = 0;
-                    rule = softer(rule);
-                }
+            cutEars();
+            if (left_ >= 3 && !cutStraight()) {
+                cutAny();
             }
         }
         return std::move(triangles_);
     }
 
 private:
-    /** What may be cut: where nothing else is left, a corner on a straight edge; in rings that cross themselves any. */
-    enum class Rule { ears, straight, outward, any };
-
-    static Rule softer(Rule rule) {
-        return rule == Rule::ears ? Rule::straight : rule == Rule::straight ? Rule::outward : Rule::any;
+    /** Corners beside one that was cut wait for the next round: that leaves fewer slivers than cutting there at once. */
+    void cutEars() {
+        while (!next_.empty() && left_ >= 3) {
+            ++round_;
+            const std::vector<Index> now = std::move(next_);
+            next_.clear();
+            for (const Index i : now) {
+                if (left_ >= 3 && ring_.nodes[i].alive && roundOf_[i] != round_ && isEar(i)) {
+                    take(i);
+                }
+            }
+        }
     }
 
-    bool isCut(Index i, Rule rule) {
-        const double turned = ring_.turnAt(i);
-        if (left_ == 3 || rule == Rule::any) {
+    bool isEar(Index i) {
+        if (left_ == 3) {
             return true;
         }
-        if (rule == Rule::straight) {
-            return turned == 0.0;
+        if (!(ring_.turnAt(i) > 0.0)) {
+            return false;
         }
-        return turned > 0.0 && (rule == Rule::outward || !inward_.anyIn(ring_.at(ring_.nodes[i].previous), ring_.at(i),
-                                                                        ring_.at(ring_.nodes[i].next)));
+        const Index inside =
+            inward_.findIn(ring_.at(ring_.nodes[i].previous), ring_.at(i), ring_.at(ring_.nodes[i].next));
+        if (inside != none) {
+            waiting_[inside].push_back(i);
+        }
+        return inside == none;
+    }
+
+    /** Where there are no ears, corners on straight edges are in the way; whether there were any. */
+    bool cutStraight() {
+        const std::size_t before = left_;
+        Index i = anyAlive();
+        for (std::size_t looked = left_; looked > 0 && left_ > 3; --looked) {
+            const Index next = ring_.nodes[i].next;
+            if (ring_.turnAt(i) == 0.0) {
+                take(i);
+            }
+            i = next;
+        }
+        return left_ < before;
+    }
+
+    /** A ring that crosses itself: corners that turn outwards, then all others. */
+    void cutAny() {
+        Index i = anyAlive();
+        std::size_t inVain = 0;
+        while (left_ >= 3) {
+            const Index next = ring_.nodes[i].next;
+            if (ring_.turnAt(i) > 0.0 || inVain > left_) {
+                take(i);
+                inVain = 0;
+            } else {
+                ++inVain;
+            }
+            i = next;
+        }
+    }
+
+    Index anyAlive() const {
+        Index i = 0;
+        while (!ring_.nodes[i].alive) {
+            ++i;
+        }
+        return i;
     }
 
     void take(Index i) {
@@ -275,11 +318,28 @@ private:
         ring_.nodes[node.next].previous = node.previous;
         node.alive = false;
         --left_;
+        wake(i);
+        for (const Index beside : {node.previous, node.next}) {
+            roundOf_[beside] = round_;
+            next_.push_back(beside);
+            if (ring_.turnAt(beside) > 0.0) {
+                wake(beside);
+            }
+        }
+    }
+
+    void wake(Index i) {
+        next_.insert(next_.end(), waiting_[i].begin(), waiting_[i].end());
+        waiting_[i].clear();
     }
 
     Ring& ring_;
     InwardCorners inward_;
     std::size_t left_;
+    std::size_t round_ = 0;
+    std::vector<Index> next_;                 ///< to be looked at in the next round
+    std::vector<std::vector<Index>> waiting_; ///< for each corner, those that it is in the way of
+    std::vector<std::size_t> roundOf_;        ///< the last round in which a neighbour was cut
     std::vector<std::array<Index, 3>> triangles_;
 };
 
@@ -299,7 +359,7 @@ std::vector<std::array<Index, 3>> triangulate(const Face& face, const Vector& no
         }
     }
     joinHoles(ring, holes);
-    return EarCutter(ring, ring.nodes.size()).cut();
+    return EarCutter(ring).cut();
 }
 
 std::vector<Loop> trianglesOf(const Face& face, const Vector& normal) {
