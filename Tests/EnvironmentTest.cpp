@@ -136,9 +136,10 @@ TEST_F(AllocationFailureTest, environmentIsWrittenWholeOrTheCallerKnows) {
     ForeignObjectEnv_t env;
     env.version = 1;
     int refused = 0;
+    // What the system had no memory to note, it forgets to release: it stays reachable up to the end.
+    static auto& kept = *new std::vector<const char*>;
     for (long which = 1, failed = 1; failed != 0 && !HasFailure(); ++which) {
         for (const auto& [key, field] : textFields) {
-            static std::vector<const char*> kept; // what the system had no memory to note, it forgets to release
             kept.push_back(std::getenv(key));
         }
         clearenv(); // an earlier text would be taken up again without an allocation
