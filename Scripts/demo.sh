@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Imports a model and then its revision with the example host and plug-in, and shows what the second import found.
+# Imports a model and then its revision with import-host, and shows what the second import found.
 # Installs and builds what is missing. Usage: Scripts/demo.sh [OLD.ifc NEW.ifc]
 set -euo pipefail
 
@@ -21,7 +21,7 @@ done
 
 build=$root/build/demo
 output=$build/import
-"$root/Scripts/install-packages.sh" g++ cmake ninja-build
+"$root/Scripts/install-packages.sh" g++ cmake ninja-build libzip-dev libpugixml-dev libjs-three
 mkdir -p "$build"
 log=$build/build.log
 options=(-DCMAKE_BUILD_TYPE=Release -DIMPORTCOMMON_BUILD_TESTS=OFF)
@@ -33,10 +33,18 @@ fi
 
 rm -rf "$output"
 mkdir -p "$output"
+outputs=(--html "$output/page.html" --picture "$output/picture.svg" --report "$output/report.json"
+    --csv "$output/changes.csv" --bcf "$output/changes.bcf")
 for model in "${models[@]}"; do
     echo "== $(basename "$model")"
-    "$build/bin/import-host" --state "$output/state" --report "$output/report.json" --picture "$output/picture.svg" -- "$model"
+    "$build/bin/import-host" --state "$output/state" "${outputs[@]}" -- "$model"
     echo
 done
-echo "Report:  $output/report.json"
-echo "Picture: $output/picture.svg"
+cat <<END
+To look at:          $output/page.html   open it in a browser
+                     $output/picture.svg
+For programs:        $output/report.json
+For spreadsheets:    $output/changes.csv
+For authoring tools: $output/changes.bcf
+What is remembered:  $output/state
+END

@@ -51,6 +51,29 @@ TEST_F(ImportCommandTest, aFirstImportSaysWhatToTypeNext) {
     EXPECT_EQ(readFile(file("stdout")).find("type next"), std::string::npos);
 }
 
+TEST_F(ImportCommandTest, oneModelAfterTheOtherIsCompared) {
+    writeFile(file("revised.ifc"), revised_);
+    writeFile(file("revised.toy"), revised_);
+    EXPECT_EQ(run("house.ifc").exitCode, 0);
+    EXPECT_EQ(run("--exit-code --report report.json revised.ifc").exitCode, 3);
+    const std::string shown = readFile(file("stdout"));
+    EXPECT_NE(shown.find("known from house.ifc.import: it is compared with that"), std::string::npos) << shown;
+    json report = json::parse(readFile(file("report.json")));
+    EXPECT_EQ(report["previous"]["model"], "house.ifc");
+    EXPECT_EQ(report["counts"]["removed"], 1);
+
+    // Each has its own state from then on.
+    for (const char* const model : {"house.ifc", "revised.ifc"}) {
+        EXPECT_EQ(run("--exit-code " + std::string(model)).exitCode, 0);
+    }
+    // Another kind of file, or another house, is no revision.
+    writeFile(file("other.ifc"), std::regex_replace(house_, std::regex("'[0-3][0-9A-Za-z_$]{2}"), "'3zz"));
+    for (const char* const model : {"revised.toy", "other.ifc"}) {
+        EXPECT_EQ(run("--exit-code " + std::string(model)).exitCode, 0);
+        EXPECT_NE(readFile(file("stdout")).find("first import"), std::string::npos);
+    }
+}
+
 TEST_F(ImportCommandTest, eachStreamCarriesItsOwn) {
     import(house_);
     Result result = run("--state state house.ifc");
@@ -133,6 +156,30 @@ TEST_F(ImportCommandTest, theHelpNamesEverything) {
             << error;
     }
     EXPECT_GE(found, 15u);
+
+    // So do the manual page and what a shell completes.
+    const std::string manual = readFile(HOST_PAGES_DIR "/import-host.1");
+    const std::string bash = readFile(HOST_PAGES_DIR "/import-host.bash");
+    const std::string zsh = readFile(HOST_PAGES_DIR "/_import-host");
+    for (std::sregex_iterator match(help.begin(), help.end(), option), end; match != end; ++match) {
+        const std::string name = (*match)[1];
+        EXPECT_NE(manual.find(std::regex_replace(name, std::regex("-"), "\\-")), std::string::npos) << name;
+        EXPECT_NE(bash.find(name), std::string::npos) << name;
+        EXPECT_NE(zsh.find(name + ((*match)[2].length() > 0 ? "=[" : "[")), std::string::npos) << name;
+    }
+    const auto completed = [](const std::string& words, int at) {
+        const std::string script = ". '" HOST_PAGES_DIR "/import-host.bash'; COMP_WORDS=(import-host " + words +
+                                   "); COMP_CWORD=" + std::to_string(at) + "; _import_host; echo \"${COMPREPLY[*]}\"";
+        EXPECT_EQ(
+            std::system(("bash -c '" + std::regex_replace(script, std::regex("'"), "'\\''") + "' >completed").c_str()),
+            0);
+        return readFile("completed");
+    };
+    fs::create_directory(file("house folder"));
+    EXPECT_EQ(completed("--re", 1), "--report\n");
+    EXPECT_EQ(completed("--state hou", 2), "house folder\n");
+    EXPECT_EQ(completed("--report = house.", 3), "house.ifc\n");
+    EXPECT_EQ(completed("house.", 1), "house.ifc\n");
 }
 
 TEST_F(ImportCommandTest, whatMakesNoSenseIsRefused) {

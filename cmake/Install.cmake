@@ -1,4 +1,5 @@
-# What "cmake --install" puts where. Component Runtime is what a program needs to run, Development what builds against it.
+# What "cmake --install" puts where. Component Runtime is what a program needs to run, Development what builds against it,
+# Host the program import-host with its plug-in.
 include(CMakePackageConfigHelpers)
 
 set(packageDir ${CMAKE_INSTALL_LIBDIR}/cmake/ImportCommon)
@@ -26,6 +27,24 @@ file(RELATIVE_PATH PC_PREFIX_FROM_FILE /prefix/${pkgConfigDir} /prefix)
 string(REGEX REPLACE "/$" "" PC_PREFIX_FROM_FILE "${PC_PREFIX_FROM_FILE}")
 configure_file(cmake/import-common.pc.in ${PROJECT_BINARY_DIR}/import-common.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/import-common.pc DESTINATION ${pkgConfigDir} COMPONENT Development)
+
+# The host, with the plug-in that it loads and the pages that are made from its options
+if(TARGET import-host)
+    file(RELATIVE_PATH libraryFromProgram /prefix/${CMAKE_INSTALL_BINDIR} /prefix/${CMAKE_INSTALL_LIBDIR})
+    if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr") # a tree of its own, which may be moved
+        set_target_properties(import-host PROPERTIES INSTALL_RPATH "$ORIGIN/${libraryFromProgram}")
+        set_target_properties(ifc-plugin PROPERTIES INSTALL_RPATH "$ORIGIN/..")
+    endif()
+    install(TARGETS import-host RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Host)
+    install(TARGETS ifc-plugin LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/import-host COMPONENT Host)
+    set(pages ${PROJECT_BINARY_DIR}/ImportHost/pages)
+    if(TARGET import-host-manual)
+        install(FILES ${pages}/import-host.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT Host)
+        install(FILES ${pages}/import-host.bash RENAME import-host
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT Host)
+        install(FILES ${pages}/_import-host DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT Host)
+    endif()
+endif()
 
 # The examples, a project of their own once installed, with the host and its plug-ins
 set(examplesDir ${CMAKE_INSTALL_DATADIR}/import-common/examples)

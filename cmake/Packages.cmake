@@ -1,4 +1,4 @@
-# "cpack" makes two Debian packages: the library, and what a developer needs besides.
+# "cpack" makes Debian packages: the library, what a developer needs besides, and the host where it is built.
 set(CPACK_GENERATOR DEB)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_PACKAGE_NAME import-common)
@@ -22,5 +22,15 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
     "libimport-common${IMPORTCOMMON_ABI} (= ${PROJECT_VERSION}), libc6-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
+
+if(TARGET import-host)
+    list(APPEND CPACK_COMPONENTS_ALL Host)
+    set(CPACK_COMPONENT_HOST_DESCRIPTION "Tells what changed between two versions of a building model")
+    set(CPACK_DEBIAN_HOST_PACKAGE_NAME import-host)
+    set(CPACK_DEBIAN_HOST_PACKAGE_SECTION utils)
+    set(CPACK_DEBIAN_HOST_PACKAGE_DEPENDS "libimport-common${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION})")
+    set(CPACK_DEBIAN_HOST_PACKAGE_GENERATE_SHLIBS OFF) # its plug-in is no library for others
+    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/ImportSDK/ImportCommon)
+endif()
 
 include(CPack)

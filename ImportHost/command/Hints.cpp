@@ -35,3 +35,9 @@ std::string firstImportHint(const Arguments& arguments) {
 std::string folderHint() {
     return "Each state is in MODEL.import beside the model: the same command shows what was revised since.\n";
 }
+
+std::string relatedStateHint(const Arguments& arguments, const std::string& folder) {
+    return printable(arguments.model + " was not imported before, but most of its objects are known from " + folder +
+                     ": it is compared with that.") +
+           '\n' + (arguments.dryRun ? "" : printable("Its own state is in " + arguments.state + '.') + '\n') + '\n';
+}

@@ -13,3 +13,6 @@ std::string firstImportHint(const Arguments& arguments);
 
 /** The same for the models of a folder. */
 std::string folderHint();
+
+/** Before the comparison of a model that was not imported before with a state that lies beside it. */
+std::string relatedStateHint(const Arguments& arguments, const std::string& folder);

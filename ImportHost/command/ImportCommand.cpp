@@ -4,6 +4,7 @@
 #include "command/Hints.h"
 #include "command/ModelFolder.h"
 #include "command/Options.h"
+#include "command/RelatedState.h"
 #include "command/TemporaryState.h"
 #include "comparison/Comparison.h"
 #include "output/Bcf.h"
@@ -90,37 +91,55 @@ bool usesStandardOutput(const Arguments& arguments) {
     return false;
 }
 
+/** What a model is compared with. */
+struct Before {
+    const std::vector<ObjectRecord>& objects;
+    std::optional<ImportedModel> model; ///< nothing on a first import
+    std::string streams;                ///< folder of its last import
+};
+
+void writeOutputs(const Outcome& outcome, const PageSources& sources, const Arguments& arguments, OutputFiles& files) {
+    files.add(arguments.report, [&] { return reportText(outcome.model, outcome.previous, outcome.comparison); });
+    files.add(arguments.csv, [&] { return csvText(outcome.comparison); });
+    files.add(arguments.bcf, [&] { return bcfText(outcome); });
+    files.add(arguments.picture, [&] { return pictureText(outcome, arguments.storey); });
+    files.add(arguments.html, [&] { return comparisonPageText(outcome, sources); });
+}
+
 /** Imports a model, compares it with the state, and tells whether something changed. */
 bool compareWithState(StateFolder& state, const Arguments& arguments) {
     const std::vector<ObjectRecord> objects = importInto(state, arguments.model, arguments);
-    const Comparison comparison = compare(state.objects(), objects);
+
+    // A revision under another name has no state yet, but perhaps the model that it revises has.
+    std::optional<RelatedState> related;
+    if (!state.hasObjects() && arguments.ownState && !arguments.folder) {
+        related = findRelatedState(arguments.model, objects);
+    }
+    const Before before = related ? Before{related->state.objects, related->state.model, related->folder + "/output"}
+                          : state.hasObjects() ? Before{state.objects(), state.model(), state.lastOutputFolder()}
+                                               : Before{state.objects(), std::nullopt, ""};
+    const Comparison comparison = compare(before.objects, objects);
     const ImportedModel model = {arguments.model, currentTime()};
-    const std::optional<ImportedModel> previous =
-        state.hasObjects() ? std::optional<ImportedModel>(state.model()) : std::nullopt;
 
     // Everything is written before the first file takes its place, and the state comes last: whatever fails, the next
     // import still compares with what this one compared with.
-    const Outcome outcome = {model, previous, comparison};
     OutputFiles files;
-    files.add(arguments.report, [&] { return reportText(model, previous, comparison); });
-    files.add(arguments.csv, [&] { return csvText(comparison); });
-    files.add(arguments.bcf, [&] { return bcfText(outcome); });
-    files.add(arguments.picture, [&] { return pictureText(outcome, arguments.storey); });
-    files.add(arguments.html, [&] {
-        return comparisonPageText(outcome, {objects, state.objects(), state.outputFolder(), state.lastOutputFolder()});
-    });
+    writeOutputs({model, before.model, comparison}, {objects, before.objects, state.outputFolder(), before.streams},
+                 arguments, files);
     if (!arguments.dryRun) {
         state.prepare(model, objects);
     }
     if (!arguments.quiet && !usesStandardOutput(arguments)) {
-        const bool hinted = !previous && !arguments.folder;
-        print(tableText(comparison, !previous) + (hinted ? firstImportHint(arguments) : ""));
+        const bool isFirst = !before.model && !arguments.folder;
+        print((related ? relatedStateHint(arguments, related->folder) : "") + tableText(comparison, !before.model) +
+              (isFirst ? firstImportHint(arguments) : ""));
     }
     files.commit();
     if (!arguments.dryRun) {
         state.commit();
     }
-    return previous && (comparison.displacement || comparison.count(Status::Unchanged) != comparison.changes.size());
+    return before.model &&
+           (comparison.displacement || comparison.count(Status::Unchanged) != comparison.changes.size());
 }
 
 bool importFiles(const Arguments& arguments) {
