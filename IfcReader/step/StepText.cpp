@@ -2,6 +2,7 @@
 
 #include "step/IsoLatin.h"
 
+#include <array>
 #include <charconv>
 
 namespace IfcReader {
@@ -22,15 +23,22 @@ void skipBehind(std::string_view& text, std::string_view found, std::size_t from
     text.remove_prefix(at == std::string_view::npos ? text.size() : at + found.size());
 }
 
-void skipBlanks(std::string_view& text) {
+void skipBlanksAndComments(std::string_view& text) {
     for (;;) {
         while (!text.empty() && isBlank(text[0])) {
             text.remove_prefix(1);
         }
-        if (text.substr(0, 2) != "/*") {
+        if (text.size() < 2 || text[0] != '/' || text[1] != '*') {
             return;
         }
         skipBehind(text, "*/", 2);
+    }
+}
+
+/** Most parts have neither before them. */
+inline void skipBlanks(std::string_view& text) {
+    if (!text.empty() && (isBlank(text[0]) || text[0] == '/')) {
+        skipBlanksAndComments(text);
     }
 }
 
@@ -82,18 +90,32 @@ std::optional<Number> wholeNumber(std::string_view argument) {
     return argument.empty() ? value : std::nullopt;
 }
 
-/** Moves on to the first of @p stops outside of texts and comments, and of parentheses if @p nested. */
+/** Bytes that mean something to takeUpTo(), whatever it looks for; those in between are passed over at once. */
+constexpr std::array<bool, 256> meaningTable() {
+    std::array<bool, 256> table{};
+    for (const char c : {'\'', '/', '(', ')', ',', ';', '#'}) {
+        table[static_cast<unsigned char>(c)] = true;
+    }
+    return table;
+}
+constexpr std::array<bool, 256> meaning = meaningTable();
+
+/** Moves on to the first of two stops outside of texts and comments, and of parentheses if @p nested. */
 std::string_view takeUpTo(std::string_view& text, char stop, char otherStop, bool nested) {
     std::size_t depth = 0;
     std::size_t i = 0;
     while (i < text.size()) {
         const char c = text[i];
+        if (!meaning[static_cast<unsigned char>(c)]) {
+            ++i;
+            continue;
+        }
         if (depth == 0 && (c == stop || c == otherStop)) {
             break;
         }
         if (c == '\'') {
             i = text.find('\'', i + 1); // of two quotes that stand for one, the second opens the text again
-        } else if (c == '/' && text.substr(i, 2) == "/*") {
+        } else if (c == '/' && i + 1 < text.size() && text[i + 1] == '*') {
             i = text.find("*/", i + 2);
             i += i == std::string_view::npos ? 0 : 1;
         } else if (nested && c == '(') {
@@ -163,7 +185,16 @@ StepArguments listMembers(std::string_view argument) {
 }
 
 std::optional<std::uint64_t> stepReference(std::string_view argument) {
-    return take(argument, '#') ? takeNumber<std::uint64_t>(argument) : std::nullopt;
+    if (!take(argument, '#')) {
+        return std::nullopt;
+    }
+    constexpr std::size_t safeDigits = 18; // a number of so many fits in any case
+    std::uint64_t value = 0;
+    std::size_t i = 0;
+    for (; i < argument.size() && i < safeDigits && argument[i] >= '0' && argument[i] <= '9'; ++i) {
+        value = value * 10 + static_cast<std::uint64_t>(argument[i] - '0');
+    }
+    return i > 0 && i < safeDigits ? std::optional<std::uint64_t>(value) : takeNumber<std::uint64_t>(argument);
 }
 
 void appendStepReferences(std::string_view arguments, std::vector<std::uint64_t>& references) {
