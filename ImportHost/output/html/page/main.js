@@ -26,15 +26,22 @@ class Page {
         this.report = new Report(JSON.parse(takeBlock('report-data')), JSON.parse(takeBlock('time-data')));
         this.statuses = new Statuses(JSON.parse(takeBlock('status-data')));
         this.selected = -1;
-        const actions = { select: (index) => this.select(index), zoom: (index) => this.zoom(index) };
+        const actions = { select: (index) => this.select(index), open: (index) => this.selectAndOpen(index),
+            zoom: (index) => this.zoom(index) };
         this.showHead();
         this.list = new ObjectList(this.report, this.statuses, new Details(this.report, this.statuses, actions), actions);
-        this.plans = new Plans(JSON.parse(takeBlock('plan-data')), this.report, this.statuses, actions);
-        this.addScene(decodeBase64(takeBlock('shape-data')));
+        this.plans = new Plans(JSON.parse(takeBlock('plan-data')), actions);
         this.addControls();
         this.filters = new Filters(this.report, this.statuses, () => this.update());
-        this.update();
         this.setTheme(window.matchMedia('(prefers-color-scheme: dark)').matches ? 'dark' : 'light');
+        this.update();
+        // The list can be used before the model is ready.
+        requestAnimationFrame(() => setTimeout(() => {
+            this.addScene(decodeBase64(takeBlock('shape-data')));
+            this.update();
+            this.isReady = true;
+            setTimeout(() => this.scene && this.scene.canDrawMore() && this.update(), 500);
+        }));
     }
 
     showHead() {
@@ -53,16 +60,17 @@ class Page {
     /** Without a way to draw, everything but the model still works. */
     addScene(bytes) {
         const frame = document.getElementById('canvas-frame');
+        const message = document.getElementById('no-drawing');
         try {
             this.scene = new Scene(frame, new Shapes(bytes, this.report.objects), this.report, this.statuses);
         } catch (error) {
-            const message = document.getElementById('no-drawing');
             message.textContent = `This browser can't draw the model: ${error.message}`;
-            message.hidden = false;
             return;
         }
+        message.hidden = true;
+        this.scene.setTheme(themes[this.theme]);
         this.marks = new Marks(document.getElementById('marks'), this.scene, this.report, this.statuses);
-        this.scene.afterDrawing = () => this.marks.draw(themes[this.theme || 'light']);
+        this.scene.afterDrawing = () => this.marks.draw(themes[this.theme]);
         this.addPicking(frame);
     }
 
@@ -256,6 +264,9 @@ class Page {
             this.marks.showMarks = this.showMarks.checked;
             this.marks.showArrows = this.showBefore.checked;
             this.scene.draw();
+            const note = document.getElementById('left-out');
+            note.hidden = this.scene.leftOut === 0;
+            note.textContent = `${this.scene.leftOut} small objects that stayed are not drawn; choose a storey to see them`;
         }
     }
 

@@ -41,9 +41,19 @@ function readPieces(bytes) {
     return pieces;
 }
 
+/** Four bytes as they lie in memory: the three of a number from the low one on, and one more. */
+function packed(number, last) {
+    return new Uint32Array(Uint8Array.of(number & 255, (number >> 8) & 255, (number >> 16) & 255, last).buffer)[0];
+}
+
 function middle(values) {
     const sorted = Float64Array.from(values).sort();
     return sorted.length ? sorted[sorted.length >> 1] : 0;
+}
+
+/** A size of pieces by which the large ones can be told from the small. */
+function diagonal(piece) {
+    return 65535 * Math.hypot(...piece.step);
 }
 
 /**
@@ -81,7 +91,7 @@ class Shapes {
             edges += piece.edges;
         }
         this.positions = new Float32Array(3 * points);
-        this.owners = new Uint8Array(4 * points); // the object's number from 1, for finding what was clicked
+        this.owners = new Uint32Array(points); // the object's number from 1, for finding what was clicked
         this.triangles = new Uint32Array(3 * triangles);
         this.edges = new Uint32Array(2 * edges);
     }
@@ -97,11 +107,7 @@ class Shapes {
             positions[p + 1] = y + sy * words[at + 1];
             positions[p + 2] = z + sz * words[at + 2];
         }
-        const number = piece.object + 1;
-        const owner = [number & 255, (number >> 8) & 255, (number >> 16) & 255, 255];
-        for (let p = 4 * piece.firstPoint, end = p + 4 * piece.points; p < end; p += 4) {
-            this.owners.set(owner, p);
-        }
+        this.owners.fill(packed(piece.object + 1, 255), piece.firstPoint, piece.firstPoint + piece.points);
         const triangles = 3 * piece.triangles;
         for (let i = 0, t = 3 * piece.firstTriangle; i < triangles; ++i, ++t) {
             this.triangles[t] = piece.firstPoint + words[at + i];

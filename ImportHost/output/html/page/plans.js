@@ -1,3 +1,11 @@
+/** What the page adds to the style of a plan. */
+const planStyle = `
+[data-object] { cursor: pointer; }
+.selected { stroke: #000; stroke-width: 3.5; }
+@media screen { svg { display: block; width: 100%; height: auto; max-height: 88vh; } }
+@media print { svg { display: block; max-width: 100%; print-color-adjust: exact; -webkit-print-color-adjust: exact; } }
+`;
+
 const planElements = new Set(['svg', 'g', 'defs', 'clipPath', 'marker', 'path', 'rect', 'circle', 'ellipse', 'line',
     'polyline', 'polygon', 'text', 'tspan', 'title', 'desc']);
 
@@ -19,28 +27,22 @@ function cleanDrawing(node) {
 
 /** The plans of the storeys, each drawn when it comes into view, all of them for printing. */
 class Plans {
-    constructor(plans, report, statuses, actions) {
+    constructor(plans, actions) {
         this.plans = plans;
-        this.report = report;
+        this.actions = actions;
         this.frame = document.getElementById('plans');
         this.sections = plans.map((plan) => this.addSection(plan));
         if (plans.length === 0) {
             this.frame.append(element('p', 'hint', 'There are no plans of this model.'));
         }
-        this.observer = new IntersectionObserver((entries) => {
+        const observer = new IntersectionObserver((entries) => {
             for (const entry of entries) {
                 if (entry.isIntersecting) {
                     this.build(this.sections.indexOf(entry.target));
                 }
             }
         }, { root: this.frame, rootMargin: '400px' });
-        this.sections.forEach((section) => this.observer.observe(section));
-        this.frame.addEventListener('click', (event) => {
-            const shape = event.target.closest('[data-object]');
-            if (shape) {
-                actions.select(Number(shape.dataset.object));
-            }
-        });
+        this.sections.forEach((section) => observer.observe(section));
         window.addEventListener('beforeprint', () => this.buildAll());
         document.getElementById('print-plans').addEventListener('click', () => {
             this.buildAll();
@@ -54,24 +56,37 @@ class Plans {
         return section;
     }
 
+    /** The drawing goes to a tree of its own, where its style and that of the page don't meet. */
     build(number) {
         const section = this.sections[number];
-        if (section.isBuilt) {
+        if (section.drawing) {
             return;
         }
-        section.isBuilt = true;
-        const drawing = new DOMParser().parseFromString(this.plans[number].svg, 'image/svg+xml').documentElement;
-        if (drawing.localName !== 'svg') {
-            section.append(element('p', 'hint', 'This plan can not be read.'));
-            return;
-        }
+        let ownStyle = ''; // taken out of the text, since the page allows no other style elements than its own
+        const text = this.plans[number].svg.replace(/<style>([^<]*)<\/style>/g, (whole, style) => {
+            ownStyle += style;
+            return '';
+        });
+        const drawing = new DOMParser().parseFromString(text, 'image/svg+xml').documentElement;
+        const sheet = new CSSStyleSheet();
+        sheet.replaceSync(ownStyle.replace(/@page[^}]*}/g, '') + planStyle);
         cleanDrawing(drawing);
         drawing.setAttribute('role', 'img');
         drawing.setAttribute('aria-label', `Plan of ${this.plans[number].storey || noStorey}`);
-        drawing.removeAttribute('width');
-        drawing.removeAttribute('height');
-        section.append(document.importNode(drawing, true));
-        this.mark();
+        const [, , width, height] = (drawing.getAttribute('viewBox') || '0 0 1 1').split(' ').map(Number);
+        section.classList.add(width > height ? 'landscape' : 'portrait');
+        const frame = element('div', 'sheet');
+        section.drawing = frame.attachShadow({ mode: 'open' });
+        section.drawing.adoptedStyleSheets = [sheet];
+        section.drawing.append(document.importNode(drawing, true));
+        section.drawing.addEventListener('click', (event) => {
+            const shape = event.target.closest('[data-object]');
+            if (shape) {
+                this.actions.open(Number(shape.dataset.object));
+            }
+        });
+        section.append(frame);
+        this.mark(section);
     }
 
     buildAll() {
@@ -89,14 +104,17 @@ class Plans {
 
     select(index) {
         this.selected = index;
-        this.mark();
+        this.sections.forEach((section) => this.mark(section));
     }
 
-    mark() {
-        for (const shape of this.frame.querySelectorAll('.selected')) {
+    mark(section) {
+        if (!section.drawing) {
+            return;
+        }
+        for (const shape of section.drawing.querySelectorAll('.selected')) {
             shape.classList.remove('selected');
         }
-        for (const shape of this.frame.querySelectorAll(`[data-object="${Number(this.selected)}"]`)) {
+        for (const shape of section.drawing.querySelectorAll(`path[data-object="${Number(this.selected)}"]:not(.old)`)) {
             shape.classList.add('selected');
         }
     }

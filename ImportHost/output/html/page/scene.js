@@ -60,12 +60,23 @@ const ghost = 2;
 const context = 3;
 const chosen = 4;
 
+/** So many triangles of what stayed are drawn until it is known how fast the machine draws. */
+const firstContextTriangles = 80000;
+
+/** What may pass until a picture of a large model is drawn, in milliseconds. */
+const longestFrame = 120;
+
 /** The part of a picked neighbourhood that is looked at, in pixels from its middle. */
 const pickReach = 3;
 
 function bytesOfColour(hex) {
     const value = parseInt(hex.slice(1), 16);
     return [value >> 16, (value >> 8) & 255, value & 255];
+}
+
+function packedColour(hex, opacity) {
+    const [r, g, b] = bytesOfColour(hex);
+    return packed(r + 256 * g + 65536 * b, opacity);
 }
 
 /** The objects in three dimensions: a few large meshes that share their points, one for each way of drawing. */
@@ -76,6 +87,8 @@ class Scene {
         this.report = report;
         this.statuses = statuses;
         this.afterDrawing = () => {};
+        this.contextTriangles = firstContextTriangles;
+        this.leftOut = 0; // pieces of what stayed that are too many to draw
         this.renderer = new THREE.WebGLRenderer({ antialias: true, preserveDrawingBuffer: false });
         this.renderer.setPixelRatio(Math.min(window.devicePixelRatio || 1, 2));
         this.renderer.sortObjects = true;
@@ -93,33 +106,28 @@ class Scene {
         this.camera.controls.addEventListener('start', () => {
             this.isTouched = true;
         });
-        this.resize();
         new ResizeObserver(() => this.resize()).observe(frame);
     }
 
     addAttributes() {
         const points = this.shapes.positions.length / 3;
-        const fills = new Uint8Array(4 * points);
-        const strokes = new Uint8Array(4 * points);
+        const fills = new Uint32Array(points);
+        const strokes = new Uint32Array(points);
         for (const piece of this.shapes.pieces) {
             const status = this.statuses.of(this.report.objects[piece.object].status);
             const isBefore = piece.role === roleBefore;
-            const stroke = bytesOfColour(this.report.isFirst ? '#59636e' : status.stroke);
-            const fill = isBefore ? stroke : bytesOfColour(this.report.isFirst ? '#d8dde3' : status.fill);
+            const stroke = this.report.isFirst ? '#59636e' : status.stroke;
+            const fill = isBefore ? stroke : this.report.isFirst ? '#d8dde3' : status.fill;
             // What is gone is more than a place that something left.
             const opacity = !isBefore ? 255 : status.name === 'removed' ? 105 : 30;
-            const end = 4 * (piece.firstPoint + piece.points);
-            for (let at = 4 * piece.firstPoint; at < end; at += 4) {
-                fills.set(fill, at);
-                fills[at + 3] = opacity;
-                strokes.set(stroke, at);
-                strokes[at + 3] = 255;
-            }
+            fills.fill(packedColour(fill, opacity), piece.firstPoint, piece.firstPoint + piece.points);
+            strokes.fill(packedColour(stroke, 255), piece.firstPoint, piece.firstPoint + piece.points);
         }
+        const bytes = (words) => new THREE.BufferAttribute(new Uint8Array(words.buffer), 4, true);
         this.position = new THREE.BufferAttribute(this.shapes.positions, 3);
-        this.fills = new THREE.BufferAttribute(fills, 4, true);
-        this.strokes = new THREE.BufferAttribute(strokes, 4, true);
-        this.owners = new THREE.BufferAttribute(this.shapes.owners, 4, true);
+        this.fills = bytes(fills);
+        this.strokes = bytes(strokes);
+        this.owners = bytes(this.shapes.owners);
     }
 
     material(vertexShader, fragmentShader, options) {
@@ -186,12 +194,55 @@ class Scene {
         this.shapes.pieces.forEach((piece, index) => {
             this.states[index] = stateOf(piece);
         });
+        this.thinContext();
         for (const layer of this.layers) {
             if (layer.state !== chosen) {
-                this.fill(layer, (piece, index) => this.states[index] === layer.state);
+                this.fill(layer, (piece, index) => this.states[index] === layer.state &&
+                    !(layer.lines && layer.state === context && piece.isPlain));
             }
         }
         this.select(selected);
+    }
+
+    /**
+     * Draws once more to see how long it takes, and tells whether more of what stayed can be drawn than is now. A
+     * machine with a graphics card draws everything; one without would take seconds for a large model.
+     */
+    canDrawMore() {
+        if (this.leftOut === 0) {
+            return false;
+        }
+        const gl = this.renderer.getContext();
+        const finish = () => gl.readPixels(0, 0, 1, 1, gl.RGBA, gl.UNSIGNED_BYTE, new Uint8Array(4));
+        finish();
+        const start = performance.now();
+        this.drawNow();
+        finish();
+        const possible = this.contextTriangles * longestFrame / Math.max(performance.now() - start, 1);
+        const isMore = possible > 1.5 * this.contextTriangles;
+        this.contextTriangles = Math.max(possible, this.contextTriangles);
+        return isMore;
+    }
+
+    /** Hides the smallest pieces of what stayed, and the edges of others, as far as there are too many to draw. */
+    thinContext() {
+        const pieces = this.shapes.pieces.filter((piece, index) => this.states[index] === context);
+        pieces.forEach((piece) => {
+            piece.size = piece.size || diagonal(piece);
+        });
+        pieces.sort((a, b) => b.size - a.size);
+        let triangles = 0;
+        let edges = 0;
+        this.leftOut = 0;
+        for (const piece of pieces) {
+            triangles += piece.triangles;
+            edges += piece.edges;
+            piece.isPlain = edges > this.contextTriangles / 2;
+            if (triangles > this.contextTriangles) {
+                this.states[piece.index] = hidden;
+                ++this.leftOut;
+            }
+        }
     }
 
     select(selected) {
