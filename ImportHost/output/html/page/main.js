@@ -40,7 +40,7 @@ class Page {
             this.addScene(decodeBase64(takeBlock('shape-data')));
             this.update();
             this.isReady = true;
-            setTimeout(() => this.scene && this.scene.canDrawMore() && this.update(), 500);
+            setTimeout(() => this.scene && this.scene.adapt() && this.update(), 500);
         }));
     }
 
@@ -266,7 +266,7 @@ class Page {
             this.scene.draw();
             const note = document.getElementById('left-out');
             note.hidden = this.scene.leftOut === 0;
-            note.textContent = `${this.scene.leftOut} small objects that stayed are not drawn; choose a storey to see them`;
+            note.textContent = `${this.scene.leftOut} small objects are not drawn; choose a storey to see them`;
         }
     }
 

@@ -51,11 +51,6 @@ function middle(values) {
     return sorted.length ? sorted[sorted.length >> 1] : 0;
 }
 
-/** A size of pieces by which the large ones can be told from the small. */
-function diagonal(piece) {
-    return 65535 * Math.hypot(...piece.step);
-}
-
 /**
  * All shapes in a few long arrays, relative to an origin in their midst: what is drawn has seven digits, which are not
  * enough for coordinates of a whole country.
@@ -67,6 +62,7 @@ class Shapes {
         this.firstOf = new Int32Array(objects.length).fill(-1); // chains of the pieces of each object
         this.pieces.forEach((piece, index) => {
             piece.index = index;
+            piece.size = 65535 * Math.hypot(...piece.step); // from corner to corner
             piece.next = this.firstOf[piece.object];
             this.firstOf[piece.object] = index;
         });

@@ -60,11 +60,15 @@ const ghost = 2;
 const context = 3;
 const chosen = 4;
 
-/** So many triangles of what stayed are drawn until it is known how fast the machine draws. */
-const firstContextTriangles = 80000;
+/** So many triangles are drawn until it is known how fast the machine draws; never fewer than the second number. */
+const firstTriangles = 300000;
+const fewestTriangles = 150000;
+
+/** So many of a layer while a slow machine turns the view: those of its largest objects. */
+const movingTriangles = 30000;
 
 /** What may pass until a picture of a large model is drawn, in milliseconds. */
-const longestFrame = 120;
+const longestFrame = 400;
 
 /** The part of a picked neighbourhood that is looked at, in pixels from its middle. */
 const pickReach = 3;
@@ -87,8 +91,9 @@ class Scene {
         this.report = report;
         this.statuses = statuses;
         this.afterDrawing = () => {};
-        this.contextTriangles = firstContextTriangles;
-        this.leftOut = 0; // pieces of what stayed that are too many to draw
+        this.mostTriangles = firstTriangles;
+        this.leftOut = 0; // pieces that are too many to draw
+        this.bySize = [...shapes.pieces].sort((a, b) => b.size - a.size);
         this.renderer = new THREE.WebGLRenderer({ antialias: true, preserveDrawingBuffer: false });
         this.renderer.setPixelRatio(Math.min(window.devicePixelRatio || 1, 2));
         this.renderer.sortObjects = true;
@@ -194,53 +199,52 @@ class Scene {
         this.shapes.pieces.forEach((piece, index) => {
             this.states[index] = stateOf(piece);
         });
-        this.thinContext();
+        this.thinOut();
         for (const layer of this.layers) {
             if (layer.state !== chosen) {
-                this.fill(layer, (piece, index) => this.states[index] === layer.state &&
-                    !(layer.lines && layer.state === context && piece.isPlain));
+                this.fill(layer, (piece) => this.states[piece.index] === layer.state &&
+                    !(layer.lines && piece.isPlain));
             }
         }
         this.select(selected);
     }
 
     /**
-     * Draws once more to see how long it takes, and tells whether more of what stayed can be drawn than is now. A
-     * machine with a graphics card draws everything; one without would take seconds for a large model.
+     * Draws once more to see how long it takes, and tells whether another part of the model should be drawn than is
+     * now. A machine with a graphics card draws everything; one without would take seconds for a large model.
      */
-    canDrawMore() {
-        if (this.leftOut === 0) {
-            return false;
-        }
+    adapt() {
         const gl = this.renderer.getContext();
         const finish = () => gl.readPixels(0, 0, 1, 1, gl.RGBA, gl.UNSIGNED_BYTE, new Uint8Array(4));
         finish();
         const start = performance.now();
         this.drawNow();
         finish();
-        const possible = this.contextTriangles * longestFrame / Math.max(performance.now() - start, 1);
-        const isMore = possible > 1.5 * this.contextTriangles;
-        this.contextTriangles = Math.max(possible, this.contextTriangles);
-        return isMore;
+        const triangles = this.renderer.info.render.triangles;
+        const possible = Math.max(triangles * longestFrame / Math.max(performance.now() - start, 1), fewestTriangles);
+        const isOther = this.leftOut > 0 && possible > 1.5 * triangles || possible < 0.5 * triangles;
+        this.mostTriangles = isOther ? possible : this.mostTriangles;
+        return isOther;
     }
 
-    /** Hides the smallest pieces of what stayed, and the edges of others, as far as there are too many to draw. */
-    thinContext() {
-        const pieces = this.shapes.pieces.filter((piece, index) => this.states[index] === context);
-        pieces.forEach((piece) => {
-            piece.size = piece.size || diagonal(piece);
-        });
-        pieces.sort((a, b) => b.size - a.size);
+    /** Hides the smallest pieces and the edges of others as far as there are too many to draw, what stayed first. */
+    thinOut() {
         let triangles = 0;
         let edges = 0;
         this.leftOut = 0;
-        for (const piece of pieces) {
-            triangles += piece.triangles;
-            edges += piece.edges;
-            piece.isPlain = edges > this.contextTriangles / 2;
-            if (triangles > this.contextTriangles) {
-                this.states[piece.index] = hidden;
-                ++this.leftOut;
+        for (const isContext of [false, true]) {
+            for (const piece of this.bySize) {
+                const state = this.states[piece.index];
+                if (state === hidden || (state === context) !== isContext) {
+                    continue;
+                }
+                triangles += piece.triangles * (isContext ? 2 : 1);
+                edges += piece.edges;
+                piece.isPlain = edges > this.mostTriangles / 2;
+                if (triangles > this.mostTriangles) {
+                    this.states[piece.index] = hidden;
+                    ++this.leftOut;
+                }
             }
         }
     }
@@ -262,7 +266,7 @@ class Scene {
         const range = (piece) => layer.lines ? [2 * piece.firstEdge, 2 * piece.edges]
             : [3 * piece.firstTriangle, 3 * piece.triangles];
         let size = 0;
-        const drawn = this.shapes.pieces.filter((piece, index) => isDrawn(piece, index));
+        const drawn = this.bySize.filter(isDrawn);
         for (const piece of drawn) {
             size += range(piece)[1];
         }
@@ -352,6 +356,7 @@ class Scene {
         const plain = this.isMoving && this.isSlow;
         for (const layer of this.layers) {
             layer.mesh.visible = layer.isUsed && !(plain && (layer.lines || layer.depthOnly));
+            layer.mesh.geometry.setDrawRange(0, plain && !layer.lines ? 3 * movingTriangles : Infinity);
         }
         this.camera.update();
         this.renderer.render(this.scene, this.camera.camera);
