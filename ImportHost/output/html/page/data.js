@@ -110,6 +110,7 @@ class Report {
         object.properties = object.properties || [];
         object.notes = object.notes || [];
         object.storey = object.storey || noStorey;
+        object.isSpace = object.class === 'IFCSPACE'; // no part of the fabric
         object.name = object.name || '';
         object.tag = object.tag || '';
         object.summary = this.isFirst ? '' : summaryOf(object);

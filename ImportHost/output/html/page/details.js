@@ -114,9 +114,6 @@ class Details {
         const [oldVolume, volume] = pairOf(object, 'volume',
             (value) => typeof value === 'number' ? `${short(value)} m³` : '–');
         add('Volume', volume, oldVolume);
-        if (typeof object.similarity === 'number' && object.changes.includes('reshaped')) {
-            add('Alike in shape', `${short(100 * object.similarity, 1)} %`);
-        }
         if (typeof object.confidence === 'number') {
             add('Confidence', `${short(100 * object.confidence, 1)} %`);
         }

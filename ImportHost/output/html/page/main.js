@@ -14,10 +14,8 @@ const keys = [
 ];
 
 const themes = {
-    light: { background: '#ffffff', context: '#b4bcc6', contextLine: '#5f6b78', chosen: '#111111',
-        chosenLine: '#000000' },
-    dark: { background: '#14181d', context: '#5d6875', contextLine: '#aab4c0', chosen: '#ffffff',
-        chosenLine: '#ffffff' },
+    light: { background: '#ffffff', context: '#b4bcc6', contextLine: '#5f6b78', chosenLine: '#000000' },
+    dark: { background: '#14181d', context: '#5d6875', contextLine: '#aab4c0', chosenLine: '#ffffff' },
 };
 
 /** Puts the parts of the page together. */
@@ -270,7 +268,10 @@ class Page {
         }
     }
 
-    /** How a piece is drawn: what the list leaves out is context, other storeys are not there at all. */
+    /**
+     * How a piece is drawn: what the list leaves out is context, other storeys are not there at all, and rooms would
+     * hide what is in them.
+     */
     stateOf(piece, filter, isShown) {
         const object = this.report.objects[piece.object];
         if (!Filters.isOnStorey(filter, object)) {
@@ -282,9 +283,9 @@ class Page {
         }
         const isSought = filter.class !== null || filter.text !== '' || this.report.isFirst;
         if (isShown[piece.object] && (object.status !== 'unchanged' || isSought)) {
-            return solid;
+            return !object.isSpace ? solid : this.report.isFirst && filter.class === null ? hidden : ghost;
         }
-        return this.hideContext.checked ? hidden : context;
+        return this.hideContext.checked || object.isSpace ? hidden : context;
     }
 
     view(name) {

@@ -20,7 +20,8 @@ class Marks {
         this.objects = objects.map((object) => {
             const now = shapes.centreOf(object.index, roleNow);
             const before = shapes.centreOf(object.index, roleBefore);
-            return { object, at: now || before, from: object.changes.includes('moved') ? before : null };
+            return { object, at: now || before, from: object.changes.includes('moved') ? before : null,
+                low: object.box ? object.box[0][2] - shapes.origin[2] : -Infinity };
         }).filter((entry) => entry.at !== null);
     }
 
@@ -43,7 +44,9 @@ class Marks {
         const entries = this.objects.filter((entry) => entry.object.index === this.selected).concat(
             this.objects.filter((entry) => entry.object.index !== this.selected));
         for (const entry of entries) {
-            const at = this.scene.project(entry.at);
+            const cut = this.scene.uniforms.cut.value; // what is cut through has its mark where it is cut
+            const at = this.scene.project(entry.low < cut
+                ? [entry.at[0], entry.at[1], Math.min(entry.at[2], cut)] : entry.at);
             if (at === null || at[0] < 0 || at[1] < 0 || at[0] > width || at[1] > height) {
                 continue;
             }

@@ -119,12 +119,13 @@ class Scene {
         const fills = new Uint32Array(points);
         const strokes = new Uint32Array(points);
         for (const piece of this.shapes.pieces) {
-            const status = this.statuses.of(this.report.objects[piece.object].status);
+            const object = this.report.objects[piece.object];
+            const status = this.statuses.of(object.status);
             const isBefore = piece.role === roleBefore;
             const stroke = this.report.isFirst ? '#59636e' : status.stroke;
             const fill = isBefore ? stroke : this.report.isFirst ? '#d8dde3' : status.fill;
             // What is gone is more than a place that something left.
-            const opacity = !isBefore ? 255 : status.name === 'removed' ? 105 : 30;
+            const opacity = object.isSpace ? 40 : !isBefore ? 255 : status.name === 'removed' ? 105 : 30;
             fills.fill(packedColour(fill, opacity), piece.firstPoint, piece.firstPoint + piece.points);
             strokes.fill(packedColour(stroke, 255), piece.firstPoint, piece.firstPoint + piece.points);
         }
@@ -147,7 +148,6 @@ class Scene {
             { polygonOffset: true, polygonOffsetFactor: 1, polygonOffsetUnits: 1, ...options });
         const line = (options) => this.material(surfaceVertexShader, lineFragmentShader, options);
         const through = { transparent: true, depthWrite: false };
-        const above = { ...through, depthTest: false };
         // What stayed is drawn twice, first its depth alone: then only its nearest surface covers what lies behind.
         this.layers = [
             { state: solid, mesh: this.addMesh(surface({}), 0) },
@@ -157,9 +157,12 @@ class Scene {
             { state: context, depthOnly: true, mesh: this.addMesh(surface({ transparent: true, colorWrite: false }), 4) },
             { state: context, mesh: this.addMesh(surface(through), 5) },
             { state: context, lines: true, mesh: this.addMesh(line(through), 6) },
-            { state: chosen, mesh: this.addMesh(surface(above), 7) },
-            { state: chosen, lines: true, mesh: this.addMesh(line(above), 8) },
+            { state: chosen, mesh: this.addMesh(surface({ transparent: true }), 7) },
+            { state: chosen, lines: true, mesh: this.addMesh(line(through), 8) },
         ];
+        // The selected object is seen through everything, and covers nothing but itself.
+        const selection = this.layers.find((layer) => layer.state === chosen);
+        selection.mesh.onBeforeRender = (renderer) => renderer.clearDepth();
     }
 
     addMesh(material, order) {
@@ -189,7 +192,6 @@ class Scene {
         };
         set(context, false, colours.context, 0.3);
         set(context, true, colours.contextLine, 0.35);
-        set(chosen, false, colours.chosen, 0.18);
         set(chosen, true, colours.chosenLine, 1);
         this.draw();
     }
