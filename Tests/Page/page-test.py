@@ -2,6 +2,7 @@
 """The page of import-host in a real browser: selecting, filtering, storeys, keys, hostile names, CSV, printing, and that
 no request leaves it. Usage: page-test.py HOST IFC-PLUGIN TOY-PLUGIN MODELS [unittest's arguments]; ends with 77 where
 there is no Chromium with its driver."""
+import contextlib
 import csv
 import json
 import pathlib
@@ -354,10 +355,13 @@ class PageTest(unittest.TestCase):
             button.setAttribute('onclick', 'window.hacked = 5');
             document.body.append(button);
             button.click();""", f"http://127.0.0.1:{server.getsockname()[1]}/")
-        with self.assertRaises(TimeoutError):
-            connection, _ = server.accept()
-            connection.settimeout(5)
-            self.fail(f"a request came: {connection.recv(1000)}")
+        received = b""
+        with contextlib.suppress(TimeoutError):
+            connection, _ = server.accept()  # browsers may open one in advance; what counts is that nothing is sent
+            with connection:
+                connection.settimeout(2)
+                received = connection.recv(1000)
+        self.assertEqual(received, b"")
         self.assertIsNone(self.run_("return window.hacked ?? null"))
 
     def test_plans_select_and_print_a_page_each(self):
