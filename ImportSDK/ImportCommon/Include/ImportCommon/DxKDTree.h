@@ -25,9 +25,14 @@ public:
      * @param dimension  number of doubles in a vector
      */
     explicit CDxKDTree(unsigned int dimension);
+
+    /** Releases all nodes, and with them the vectors that getVector gave. */
     ~CDxKDTree();
 
+    /** Not copied. */
     CDxKDTree(const CDxKDTree&) = delete;
+
+    /** Not copied. */
     CDxKDTree& operator=(const CDxKDTree&) = delete;
 
     /**

@@ -10,8 +10,8 @@
  * The headers' version, by the rules of Semantic Versioning.
  *
  * While the major number is 0, a program works with the library of the same minor number only: any 0.x may change names
- * and layouts. The package file and the name of the shared library (`libimport-common.so.0.x`) hold to that. From 1.0 on
- * the major number alone decides. A new patch never changes what a program sees, except for faults that are mended.
+ * and layouts. The package file and the name of the shared library (`libimport-common.so.0.x`) hold to that. From 1.0
+ * on the major number alone decides. A new patch never changes what a program sees, except for faults that are mended.
  */
 #define IMPORT_COMMON_VERSION_MAJOR 0
 /** See IMPORT_COMMON_VERSION_MAJOR. */
