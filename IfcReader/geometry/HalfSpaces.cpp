@@ -118,7 +118,7 @@ Body besideRevolution(const Item& surface, bool agrees, const Ball& ball, Work& 
     if (area.size() < 3) {
         surface.fail("it can't be made a half-space");
     }
-    Body body = revolution({{area, {}}}, axis.origin, axis.z, 2 * pi);
+    Body body = revolution({{area, {}}}, axis.origin, axis.z, 2 * pi, work);
     transform(body, place);
     if (upwards == agrees) {
         return body;

@@ -97,7 +97,7 @@ void ItemBuilder::appendMapped(const Item& item) {
         mapped_.keep(map.id(), shape);
     }
     for (const Body& part : shape->bodies) {
-        work.add(countPoints(part.faces) + 1);
+        work.add((countPoints(part.faces) + 1) * Work::kept);
         bodies.push_back(part);
         transform(bodies.back(), target);
     }

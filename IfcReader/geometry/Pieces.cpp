@@ -38,7 +38,7 @@ public:
           neighbours_(faces.size()),
           isOpen_(faces.size(), false) {
         collectUses();
-        work_.add(uses_.size() * 8);
+        work_.add(uses_.size() * 4);
         std::stable_sort(uses_.begin(), uses_.end());
         splitAtCorners();
         forEachEdge([&](std::size_t begin, std::size_t end) { join(begin, end); });
@@ -153,7 +153,7 @@ void Net::splitAtCorners() {
         }
     });
     uses_ = std::move(split);
-    work_.add(uses_.size() * 8);
+    work_.add(uses_.size() * 4);
     std::stable_sort(uses_.begin(), uses_.end());
 }
 

@@ -44,7 +44,7 @@ Body sphere(const Item& item) {
     }
     half.front() = {0, 0, -radius};
     half.back() = {0, 0, radius};
-    return revolution({{half, {}}}, {}, {0, 0, 1}, 2 * pi);
+    return revolution({{half, {}}}, {}, {0, 0, 1}, 2 * pi, item.items().work());
 }
 
 using Maker = Body (*)(const Item&);

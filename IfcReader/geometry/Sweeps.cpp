@@ -107,7 +107,7 @@ Body loft(const std::vector<Section>& sections, bool closed) {
     return body;
 }
 
-Body revolution(const std::vector<Face>& areas, const Vector& origin, const Vector& axis, double angle) {
+Body revolution(const std::vector<Face>& areas, const Vector& origin, const Vector& axis, double angle, Work& work) {
     const bool whole = std::abs(angle) > 2 * pi - 1e-9;
     angle = whole ? 2 * pi : angle;
     double radius = 0.0;
@@ -117,6 +117,7 @@ Body revolution(const std::vector<Face>& areas, const Vector& origin, const Vect
         }
     }
     const int chords = chordsOf(angle, radius);
+    work.add(countPoints(areas) * static_cast<std::size_t>(chords) * Work::kept);
     std::vector<Section> sections;
     for (int s = 0; s < chords + (whole ? 0 : 1); ++s) {
         const double t = angle * s / chords;
@@ -132,7 +133,8 @@ Body revolution(const std::vector<Face>& areas, const Vector& origin, const Vect
     return loft(sections, whole);
 }
 
-Body alongPath(const std::vector<Face>& areas, const BentPath& path) {
+Body alongPath(const std::vector<Face>& areas, const BentPath& path, Work& work) {
+    work.add(countPoints(areas) * path.size() * Work::kept);
     constexpr double sharpestBend = 0.05;
     Affine start;
     start.z = path.after(0);

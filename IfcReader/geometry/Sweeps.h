@@ -6,6 +6,7 @@
 
 #include "geometry/BentPath.h"
 #include "geometry/Body.h"
+#include "geometry/Work.h"
 
 namespace IfcReader {
 
@@ -24,14 +25,15 @@ Body pyramid(const Loop& base, const Vector& tip);
  */
 Body loft(const std::vector<std::vector<Face>>& sections, bool closed);
 
-/** What @p areas pass through when they turn by @p angle around an axis of length 1. */
-Body revolution(const std::vector<Face>& areas, const Vector& origin, const Vector& axis, double angle);
+/** What @p areas pass through when they turn by @p angle around an axis of length 1. @throw LimitError */
+Body revolution(const std::vector<Face>& areas, const Vector& origin, const Vector& axis, double angle, Work& work);
 
 /**
  * Sections along a path: each goes from the place of the one before it, along the path, up to the plane that halves
  * the bend.
  * @param areas around the origin in the plane z = 0, which is put at a right angle to the path
+ * @throw LimitError
  */
-Body alongPath(const std::vector<Face>& areas, const BentPath& path);
+Body alongPath(const std::vector<Face>& areas, const BentPath& path, Work& work);
 
 } // namespace IfcReader

@@ -34,7 +34,7 @@ Body revolved(const Item& item) {
         item.fail("its angle is 0");
     }
     const std::vector<Face> areas = profileAreas(item.child(0));
-    return revolution(areas, axis.origin, axis.z, angle);
+    return revolution(areas, axis.origin, axis.z, angle, item.items().work());
 }
 
 /** The path of a solid that is swept along a curve, whose ends stand in two arguments. */
@@ -46,7 +46,6 @@ Loop directrix(const Item& item, std::size_t curve, std::size_t start) {
     if (path.size() < 2) {
         item.fail("its path has no length");
     }
-    item.items().work().add(path.size() * 64);
     return path;
 }
 
@@ -62,7 +61,7 @@ Body sweptDisk(const Item& item) {
         const Loop hole = Curves::ellipse(inner, inner);
         ring.holes.emplace_back(hole.rbegin(), hole.rend());
     }
-    return alongPath({ring}, BentPath(path));
+    return alongPath({ring}, BentPath(path), item.items().work());
 }
 
 /** Where a section stands in the plane that halves a bend; it is stretched across the bend. */
@@ -87,7 +86,7 @@ Body sweptOnSurface(const Item& item) {
     const BentPath bent(directrix(item, 2, 3));
     const Item surface = item.child(5);
     const std::vector<Face> areas = profileAreas(item.child(0));
-    item.items().work().add(countPoints(areas) * bent.size());
+    item.items().work().add(countPoints(areas) * bent.size() * Work::kept);
     std::vector<std::vector<Face>> sections;
     for (std::size_t i = 0; i + (bent.closed() ? 1 : 0) < bent.size(); ++i) {
         const Affine place = sectionPlace(bent, i, surfaceNormal(surface, bent[i]));

@@ -28,7 +28,9 @@ public:
 class Work {
 public:
     /** About as many points as may be read, made or looked at for one product. */
-    static constexpr std::size_t limit = 50'000'000;
+    static constexpr std::size_t limit = 100'000'000;
+    /** What a point counts that is kept: it takes memory as well as time. */
+    static constexpr std::size_t kept = 10;
     /** How deep items may stand within each other. */
     static constexpr std::size_t deepest = 500;
 

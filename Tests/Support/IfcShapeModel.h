@@ -57,7 +57,7 @@ inline std::string inUnits(std::string_view text, const ModelUnits& units) {
             continue;
         }
         double value = 0.0;
-        const char* const end = std::from_chars(&text[i + 1], text.data() + text.size(), value).ptr;
+        const char* const end = std::from_chars(text.data() + i + 1, text.data() + text.size(), value).ptr;
         value *= text[i] == '{' ? 1.0 / units.metre : 0.017453292519943295 / units.radian;
         char number[40];
         *std::to_chars(number, number + sizeof number - 1, value, std::chars_format::scientific).ptr = 0;
@@ -71,8 +71,8 @@ inline std::string inUnits(std::string_view text, const ModelUnits& units) {
     return result;
 }
 
-/** A file with some usual instances (#10 to #16) and those of @p data. */
-inline std::string ifcText(const std::string& data, const ModelUnits& units = metres) {
+/** A file with some usual instances (#10 to #19) and those of @p data, as they stand. */
+inline std::string ifcFile(const std::string& data, const ModelUnits& units) {
     return "ISO-10303-21;\nHEADER;\nFILE_DESCRIPTION((''),'2;1');\nFILE_NAME('','',(''),(''),'','','');\n"
            "FILE_SCHEMA(('IFC2X3'));\nENDSEC;\nDATA;\n" +
            std::string(units.text) +
@@ -86,7 +86,12 @@ inline std::string ifcText(const std::string& data, const ModelUnits& units = me
            "#17=IFCLOCALPLACEMENT($,#11);\n"
            "#18=IFCGEOMETRICREPRESENTATIONCONTEXT($,'Model',3,1.E-5,#11,$);\n"
            "#19=IFCPROJECT('0000000000000000000001',$,'Project',$,$,$,$,(#18),#1);\n" +
-           inUnits(data, units) + "ENDSEC;\nEND-ISO-10303-21;\n";
+           data + "ENDSEC;\nEND-ISO-10303-21;\n";
+}
+
+/** The same with lengths and angles as inUnits() writes them. */
+inline std::string ifcText(const std::string& data, const ModelUnits& units = metres) {
+    return ifcFile(inUnits(data, units), units);
 }
 
 /** A product at placement #17 whose body is item #100; its instances end at #32. */

@@ -1,0 +1,277 @@
+/**
+ * @file IfcShapeTest.cpp
+ * Shapes of products: where they stand, their openings, and what is told of those that can't be built.
+ */
+#include "Support/IfcShapeModel.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstring>
+#include <thread>
+
+using namespace IfcReader;
+
+namespace {
+
+std::string number(int id) {
+    return '#' + std::to_string(id);
+}
+
+/** A product with one body; it takes the numbers up to @p id + 2. */
+std::string product(int id, const char* keyword, const std::string& placement, int item, const char* name = "Body") {
+    char globalId[23];
+    std::snprintf(globalId, sizeof globalId, "%022d", id);
+    return number(id) + '=' + keyword + "('" + globalId + "',$,$,$,$," + placement + ',' + number(id + 1) + ",$);\n" +
+           number(id + 1) + "=IFCPRODUCTDEFINITIONSHAPE($,$,(" + number(id + 2) + "));\n" + number(id + 2) +
+           "=IFCSHAPEREPRESENTATION(#18,'" + name + "','Any',(" + number(item) + "));\n";
+}
+
+/** A placement in another one; it takes the numbers up to @p id + 2. */
+std::string placement(int id, const std::string& in, const std::string& point, const std::string& axes = "$,$") {
+    return number(id) + "=IFCLOCALPLACEMENT(" + in + ',' + number(id + 1) + ");\n" + number(id + 1) +
+           "=IFCAXIS2PLACEMENT3D(" + number(id + 2) + ',' + axes + ");\n" + number(id + 2) + "=IFCCARTESIANPOINT((" +
+           point + "));\n";
+}
+
+std::string relation(int id, const char* keyword, const std::string& whole, const std::string& parts) {
+    char globalId[23];
+    std::snprintf(globalId, sizeof globalId, "%022d", id);
+    return number(id) + '=' + keyword + "('" + globalId + "',$,$,$," + whole + ',' + parts + ");\n";
+}
+
+const std::string block = "#100=IFCBLOCK(#11,{1},{2},{3});\n";
+
+/** A wall, block #100, with two openings in it, somewhere in the world. */
+std::string wallWithOpenings(const char* where) {
+    return block + placement(40, "$", where, "#14,#16") + placement(43, "#40", "{0.25},{0.5},{1}") +
+           placement(46, "#43", "{0},{0},{1}") + "#101=IFCBLOCK(#11,{0.5},{0.5},{0.5});\n" +
+           "#102=IFCRIGHTCIRCULARCYLINDER(#11,{0.5},{0.1});\n" + product(30, "IFCWALL", "#40", 100) +
+           product(50, "IFCOPENINGELEMENT", "#43", 101) + product(53, "IFCOPENINGELEMENT", "#46", 102) +
+           relation(60, "IFCRELVOIDSELEMENT", "#30", "#50") + relation(61, "IFCRELVOIDSELEMENT", "#30", "#53");
+}
+
+bool sameParts(const Shape& a, const Shape& b) {
+    if (a.parts.size() != b.parts.size() || a.doubts != b.doubts) {
+        return false;
+    }
+    for (std::size_t i = 0; i < a.parts.size(); ++i) {
+        const ShapePart& p = a.parts[i];
+        const ShapePart& q = b.parts[i];
+        if (p.items != q.items || p.polygons != q.polygons || p.closed != q.closed ||
+            p.vertices.size() != q.vertices.size() ||
+            std::memcmp(p.vertices.data(), q.vertices.data(), p.vertices.size() * sizeof(Point)) != 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
+TEST(IfcShapeTest, openingsAreCutWhereverTheModelStands) {
+    const Shape here = ShapeModel(ifcText(wallWithOpenings("{1},{0},{0}"))).builder.build(30);
+    const Shape farAway = ShapeModel(ifcText(wallWithOpenings("{100000},{-300000},{7}"))).builder.build(30);
+    EXPECT_TRUE(here.doubts.empty());
+    const ShapeNumbers numbers(here);
+    EXPECT_NEAR(numbers.volume, 6 - 0.125 - 0.005 * 3.1415, 1e-4);
+    EXPECT_LT(numbers.gap, 1e-9);
+    EXPECT_NEAR(numbers.low.x, -1.0, 1e-9); // turned by a quarter
+    EXPECT_NEAR(numbers.high.x, 1.0, 1e-9);
+    EXPECT_EQ(here.parts.at(0).items, std::vector<std::uint64_t>{100});
+    EXPECT_EQ(farAway.origin.y, -300000.0);
+    EXPECT_TRUE(sameParts(here, farAway));
+}
+
+TEST(IfcShapeTest, openingsOfWholesAreCutFromTheirParts) {
+    const ShapeModel model(
+        ifcText(block + "#101=IFCBLOCK(#11,{0.5},{5},{1});\n#102=IFCBLOCK(#11,{1},{1},{1});\n" +
+                product(30, "IFCWALL", "#17", 100) + product(33, "IFCOPENINGELEMENT", "#17", 101) +
+                product(36, "IFCMEMBER", "#17", 102) +
+                "#40=IFCELEMENTASSEMBLY('0000000000000000000040',$,$,$,$,#17,$,$,.SITE.,.NOTDEFINED.);\n" +
+                relation(41, "IFCRELAGGREGATES", "#40", "(#30)") + relation(42, "IFCRELAGGREGATES", "#30", "(#36)") +
+                relation(43, "IFCRELVOIDSELEMENT", "#40", "#33")));
+    EXPECT_NEAR(ShapeNumbers(model.builder.build(30)).volume, 6 - 1, 1e-9);
+    EXPECT_NEAR(ShapeNumbers(model.builder.build(36)).volume, 0.5, 1e-9);
+    EXPECT_TRUE(model.builder.build(40).parts.empty());
+    EXPECT_TRUE(model.builder.build(40).doubts.empty());
+    EXPECT_NEAR(ShapeNumbers(model.builder.build(33)).volume, 2.5, 1e-9);
+}
+
+TEST(IfcShapeTest, gridPlacements) {
+    const std::string grid =
+        block + placement(40, "$", "{10},{0},{5}", "#14,#16") + product(30, "IFCCOLUMN", "#60", 100) +
+        "#50=IFCGRID('0000000000000000000050',$,$,$,$,#40,$,(#51),(#52),$);\n"
+        "#51=IFCGRIDAXIS('A',#53,.T.);\n#52=IFCGRIDAXIS('1',#55,.F.);\n"
+        "#53=IFCLINE(#54,#56);\n#54=IFCCARTESIANPOINT(({0},{1}));\n#56=IFCVECTOR(#57,{1});\n#57=IFCDIRECTION((1.,0.));"
+        "\n"
+        "#55=IFCPOLYLINE((#58,#59));\n#58=IFCCARTESIANPOINT(({3},{5}));\n#59=IFCCARTESIANPOINT(({3},{9}));\n"
+        "#60=IFCGRIDPLACEMENT(#61,$);\n";
+    // In the grid's own coordinates: lines y = 1 and x = 3, the first moved to its left, the second, which runs
+    // downwards, to its left as well.
+    const ShapeModel model(ifcText(grid + "#61=IFCVIRTUALGRIDINTERSECTION((#51,#52),({0.5},{0.25},{2}));\n"));
+    const Shape shape = model.builder.build(30);
+    EXPECT_TRUE(shape.doubts.empty());
+    EXPECT_NEAR(shape.origin.x, 10 - 1.5, 1e-9);
+    EXPECT_NEAR(shape.origin.y, 3.25, 1e-9);
+    EXPECT_NEAR(shape.origin.z, 7, 1e-9);
+    EXPECT_NEAR(ShapeNumbers(shape).high.y, 4.25, 1e-9);
+    // Turned towards another crossing.
+    const ShapeModel turned(ifcText(grid + "#61=IFCVIRTUALGRIDINTERSECTION((#51,#52),(0.,0.));\n"
+                                           "#62=IFCVIRTUALGRIDINTERSECTION((#51,#52),({1},0.));\n"));
+    EXPECT_EQ(turned.builder.build(30).doubts.size(), 0u);
+}
+
+TEST(IfcShapeTest, representations) {
+    // Only the body counts where there is one; curves have none.
+    const ShapeModel model(ifcText(
+        block +
+        "#101=IFCPOLYLINE((#10,#102));\n#102=IFCCARTESIANPOINT(({1},{0},{0}));\n"
+        "#103=IFCBOUNDINGBOX(#10,{9},{9},{9});\n#104=IFCSPHERE(#11,{0});\n"
+        "#30=IFCWALL('0000000000000000000030',$,$,$,$,#17,#31,$);\n"
+        "#31=IFCPRODUCTDEFINITIONSHAPE($,$,(#32,#33,#34));\n#32=IFCSHAPEREPRESENTATION(#18,'Axis','Curve2D',(#101));\n"
+        "#33=IFCSHAPEREPRESENTATION(#18,'Body','CSG',(#100));\n"
+        "#34=IFCSHAPEREPRESENTATION(#18,'Box','BoundingBox',(#103));\n" +
+        product(40, "IFCWALL", "#17", 101, "Axis") + product(43, "IFCWALL", "#17", 101) +
+        "#50=IFCWALL('0000000000000000000050',$,$,$,$,#17,#51,$);\n#51=IFCPRODUCTDEFINITIONSHAPE($,$,(#52,#34));\n"
+        "#52=IFCSHAPEREPRESENTATION(#18,'Body','CSG',(#104));\n"
+        "#60=IFCWALL('0000000000000000000060',$,$,$,$,$,$,$);\n"));
+    EXPECT_NEAR(ShapeNumbers(model.builder.build(30)).volume, 6, 1e-9);
+    for (const std::uint64_t bodyless : {40u, 43u, 60u}) {
+        EXPECT_TRUE(model.builder.build(bodyless).parts.empty());
+        EXPECT_TRUE(model.builder.build(bodyless).doubts.empty());
+    }
+    // What can't be built has its bounding box, which encloses nothing that may be counted.
+    const Shape boxed = model.builder.build(50);
+    ASSERT_EQ(boxed.doubts.size(), 1u);
+    EXPECT_NE(boxed.doubts[0].find("IFCSPHERE"), std::string::npos);
+    EXPECT_FALSE(boxed.parts.at(0).closed);
+    EXPECT_NEAR(ShapeNumbers(boxed).high.z, 9, 1e-9);
+}
+
+TEST(IfcShapeTest, itemsFromTheOutermostToTheInnermost) {
+    const ShapeModel model(ifcText(
+        "#100=IFCMAPPEDITEM(#101,#104);\n#101=IFCREPRESENTATIONMAP(#11,#102);\n"
+        "#102=IFCSHAPEREPRESENTATION(#18,'Body','CSG',(#103,#107));\n"
+        "#104=IFCCARTESIANTRANSFORMATIONOPERATOR3D($,$,#10,$,$);\n#103=IFCBOOLEANRESULT(.DIFFERENCE.,#105,#106);\n"
+        "#105=IFCBLOCK(#11,{1},{2},{3});\n#106=IFCBLOCK(#11,{0.5},{0.5},{0.5});\n#107=IFCCSGSOLID(#105);\n" +
+        std::string(productOf100)));
+    const Shape shape = model.builder.build(30);
+    ASSERT_EQ(shape.parts.size(), 2u);
+    EXPECT_EQ(shape.parts[0].items, (std::vector<std::uint64_t>{100, 103, 105}));
+    EXPECT_EQ(shape.parts[1].items, (std::vector<std::uint64_t>{100, 107, 105}));
+}
+
+/** One doubt for a product that asks for too much, soon, and the same however often and by how many it is asked. */
+TEST(IfcShapeTest, bombs) {
+    std::string doubling = "#300=IFCSHAPEREPRESENTATION(#18,'Body','CSG',(#100));\n#100=IFCBLOCK(#11,{1},{1},{1});\n"
+                           "#299=IFCCARTESIANTRANSFORMATIONOPERATOR3D($,$,#10,$,$);\n";
+    for (int i = 0; i < 60; ++i) { // each shape is the one before it, ten times
+        doubling += number(400 + i) + "=IFCREPRESENTATIONMAP(#11," + number(300 + i) + ");\n" + number(500 + i) +
+                    "=IFCMAPPEDITEM(" + number(400 + i) + ",#299);\n" + number(301 + i) +
+                    "=IFCSHAPEREPRESENTATION(#18,'Body','CSG',(" + number(500 + i);
+        for (int k = 1; k < 10; ++k) {
+            doubling += ',' + number(500 + i);
+        }
+        doubling += "));\n";
+    }
+    const std::string cases[] = {
+        doubling + product(30, "IFCWALL", "#17", 559),
+        // a shape within itself
+        "#100=IFCMAPPEDITEM(#101,#104);\n#101=IFCREPRESENTATIONMAP(#11,#102);\n"
+        "#102=IFCSHAPEREPRESENTATION(#18,'Body','CSG',(#100));\n"
+        "#104=IFCCARTESIANTRANSFORMATIONOPERATOR3D($,$,#10,$,$);\n" +
+            product(30, "IFCWALL", "#17", 100),
+        "#100=IFCBOOLEANRESULT(.UNION.,#100,#100);\n" + product(30, "IFCWALL", "#17", 100),
+        "#100=IFCCSGSOLID(#100);\n" + product(30, "IFCWALL", "#17", 100),
+        "#100=IFCEXTRUDEDAREASOLID(#101,#11,#14,{3});\n#101=IFCCOMPOSITEPROFILEDEF(.AREA.,$,(#101,#101),$);\n" +
+            product(30, "IFCWALL", "#17", 100),
+        "#100=IFCEXTRUDEDAREASOLID(#101,#11,#14,{3});\n#101=IFCARBITRARYCLOSEDPROFILEDEF(.AREA.,$,#102);\n"
+        "#102=IFCCOMPOSITECURVE((#103,#103),.F.);\n#103=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.T.,#102);\n" +
+            product(30, "IFCWALL", "#17", 100),
+        // placements in a circle
+        block + "#40=IFCLOCALPLACEMENT(#41,#11);\n#41=IFCLOCALPLACEMENT(#40,#11);\n" +
+            product(30, "IFCWALL", "#40", 100),
+    };
+    for (const std::string& text : cases) {
+        SCOPED_TRACE(text.substr(0, 120));
+        const ShapeModel model(ifcText(text));
+        const Shape shape = model.builder.build(30);
+        EXPECT_EQ(shape.doubts.size(), 1u);
+        EXPECT_TRUE(sameParts(shape, model.builder.build(30)));
+    }
+}
+
+TEST(IfcShapeTest, wrongNumbersAreDoubts) {
+    const char* const items[] = {
+        "#100=IFCBLOCK(#101,{1},{1},{1});\n#101=IFCAXIS2PLACEMENT3D(#102,$,$);\n#102=IFCCARTESIANPOINT((1.E300,0.,0.));"
+        "\n",
+        "#100=IFCBLOCK(#101,{1},{1},{1});\n#101=IFCAXIS2PLACEMENT3D(#102,$,$);\n#102=IFCCARTESIANPOINT(());\n",
+        "#100=IFCBLOCK(#101,{1},{1},{1});\n#101=IFCAXIS2PLACEMENT3D(#102,$,$);\n#102=IFCCARTESIANPOINT((1.,2.,3.,4.));"
+        "\n",
+        "#100=IFCBLOCK(#101,{1},{1},{1});\n#101=IFCAXIS2PLACEMENT3D(#10,#102,$);\n#102=IFCDIRECTION((0.,0.,0.));\n",
+        "#100=IFCREVOLVEDAREASOLID(#101,#11,#102,0.);\n#101=IFCCIRCLEPROFILEDEF(.AREA.,$,#13,{1});\n"
+        "#102=IFCAXIS1PLACEMENT(#10,$);\n",
+        "#100=IFCSWEPTDISKSOLID(#101,{0.1},{0.2},0.,1.);\n#101=IFCPOLYLINE((#10,#102));\n#102=IFCCARTESIANPOINT((1.,0.,"
+        "0.));\n",
+        "#100=IFCSWEPTDISKSOLID(#101,{0.1},$,0.,1.);\n#101=IFCPOLYLINE((#10,#10));\n",
+        "#100=IFCFACETEDBREP(#101);\n#101=IFCCLOSEDSHELL(());\n",
+        "#100=IFCMAPPEDITEM(#101,#104);\n#101=IFCREPRESENTATIONMAP(#11,#102);\n"
+        "#102=IFCSHAPEREPRESENTATION(#18,'Body','CSG',(#103));\n#103=IFCBLOCK(#11,{1},{1},{1});\n"
+        "#104=IFCCARTESIANTRANSFORMATIONOPERATOR3D($,$,#10,0.,$);\n",
+        "#100=IFCNOSUCHSOLID(#11);\n",
+        "#100=IFCBOOLEANRESULT(.DIFFERENCE.,#101,#102);\n#101=IFCHALFSPACESOLID(#103,.T.);\n#102=IFCBLOCK(#11,{1},{1},{"
+        "1});\n"
+        "#103=IFCPLANE(#11);\n",
+    };
+    for (const char* const item : items) {
+        SCOPED_TRACE(item);
+        const Shape shape = ShapeModel(ifcText(item + std::string(productOf100))).builder.build(30);
+        EXPECT_TRUE(shape.parts.empty());
+        ASSERT_EQ(shape.doubts.size(), 1u);
+        EXPECT_EQ(shape.doubts[0].substr(0, 3), "IFC") << shape.doubts[0];
+    }
+}
+
+/** What is cut by something that can't be built stays uncut, with a doubt. */
+TEST(IfcShapeTest, uncutIsBetterThanNothing) {
+    const ShapeModel model(ifcText("#100=IFCBOOLEANRESULT(.DIFFERENCE.,#101,#102);\n#101=IFCBLOCK(#11,{1},{1},{1});\n"
+                                   "#102=IFCSPHERE(#11,{-1});\n#103=IFCBLOCK(#11,{1},{1},{0});\n" +
+                                   std::string(productOf100) + product(40, "IFCOPENINGELEMENT", "#17", 103) +
+                                   relation(43, "IFCRELVOIDSELEMENT", "#30", "#40")));
+    const Shape shape = model.builder.build(30);
+    EXPECT_NEAR(ShapeNumbers(shape).volume, 1, 1e-9);
+    EXPECT_EQ(shape.doubts.size(), 2u);
+}
+
+TEST(IfcShapeTest, manyThreadsBuildTheSame) {
+    std::string text =
+        "#101=IFCREPRESENTATIONMAP(#11,#102);\n#102=IFCSHAPEREPRESENTATION(#18,'Body','CSG',(#103,#108));\n"
+        "#104=IFCCARTESIANTRANSFORMATIONOPERATOR3D($,$,#10,$,$);\n#108=IFCSPHERE(#11,{0});\n"
+        "#103=IFCBOOLEANRESULT(.DIFFERENCE.,#105,#106);\n#105=IFCBLOCK(#11,{1},{2},{3});\n"
+        "#106=IFCSPHERE(#11,{0.5});\n#100=IFCMAPPEDITEM(#101,#104);\n";
+    constexpr int products = 60;
+    for (int i = 0; i < products; ++i) {
+        text += product(1000 + 3 * i, "IFCFURNISHINGELEMENT", "#17", 100);
+    }
+    const ShapeModel model(ifcText(text));
+    const ShapeModel other(ifcText(text));
+    std::vector<Shape> shapes(products);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([&, t] {
+            for (int i = t; i < products; i += 4) {
+                shapes[static_cast<std::size_t>(i)] = model.builder.build(static_cast<std::uint64_t>(1000 + 3 * i));
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    for (int i = 0; i < products; ++i) {
+        const Shape alone = other.builder.build(static_cast<std::uint64_t>(1000 + 3 * i));
+        EXPECT_EQ(alone.doubts.size(), 1u);
+        EXPECT_TRUE(sameParts(alone, shapes[static_cast<std::size_t>(i)]));
+    }
+    EXPECT_EQ(model.builder.work(), other.builder.work());
+}
+
+} // namespace
