@@ -7,7 +7,7 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-$root/build/package}
 consumer=$root/Tests/Package
-packages=(libimport-common0.1 libimport-common-dev)
+packages=(libimport-common0.1 libimport-common-dev import-host)
 warnings=(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 
 step() { printf -- '-- %s\n' "$*"; }
@@ -55,8 +55,8 @@ mkdir -p "$system/var/lib/dpkg/info" "$system/var/lib/dpkg/updates" "$system/var
 touch "$system/var/lib/dpkg/status"
 
 step "Packages"
-options=(-DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr -DIMPORTCOMMON_BUILD_EXAMPLES=OFF
-    -DIMPORTCOMMON_BUILD_TESTS=OFF -DIMPORTCOMMON_BUILD_BENCHMARKS=OFF -DIMPORTCOMMON_WERROR=ON)
+options=(-DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr -DIMPORTCOMMON_BUILD_TESTS=OFF
+    -DIMPORTCOMMON_BUILD_BENCHMARKS=OFF -DIMPORTCOMMON_WERROR=ON)
 quietly build cmake -S "$root" -B "$build/library" -G Ninja "${options[@]}"
 quietly build cmake --build "$build/library"
 (cd "$build/library" && quietly cpack cpack -B "$build/packages")
@@ -81,6 +81,20 @@ quietly examples cmake -S "$system/usr/share/import-common/examples" -B "$build/
 quietly examples cmake --build "$build/examples"
 "$root/Scripts/check-guide.py" Docs/plugin-guide.md Examples/ToyPlugin "$build/guide" "$system/usr"
 "$root/Scripts/check-guide.py" Docs/cityjson-plugin.md Examples/CityJsonPlugin "$build/cityjson-guide" "$system/usr"
+
+step "The installed host"
+host=$build/host
+mkdir -p "$host"
+for file in bin/import-host share/man/man1/import-host.1.gz share/bash-completion/completions/import-host; do
+    [ -e "$system/usr/$file" ] || fail "the package import-host has no $file"
+done
+result=0
+LD_LIBRARY_PATH=$libraries "$system/usr/bin/import-host" --exit-code --compare --report "$host/report.json" \
+    --picture "$host/picture.svg" --html "$host/page.html" --csv "$host/changes.csv" --bcf "$host/changes.bcf" \
+    "$root/Examples/Models/house.ifc" "$root/Examples/Models/house-revised.ifc" >"$host/table.txt" 2>"$host/errors.txt" ||
+    result=$?
+[ "$result" -eq 3 ] || { cat "$host/errors.txt" >&2; fail "the installed host gave $result"; }
+[ "$(ls "$host" | wc -l)" -eq 7 ] || fail "the installed host did not write everything"
 
 step "Removal"
 quietly remove in_root --purge "${packages[@]}"

@@ -6,9 +6,11 @@
 
 #include "Failure.h"
 #include "Support/SampleComparison.h"
+#include "output/plan/Outline.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdio>
 #include <map>
 #include <pugixml.hpp>
@@ -195,6 +197,53 @@ TEST_F(PictureTest, aFirstImportShowsTheModelAndNoStatus) {
     }
     const Comparison empty;
     EXPECT_EQ(headings(parsed(pictureText({model_, previous_, empty}))), std::vector<std::string>());
+}
+
+double area(const std::vector<Point>& loop) {
+    double sum = 0.0;
+    for (std::size_t i = 0; i < loop.size(); ++i) {
+        const Point& a = loop[i];
+        const Point& b = loop[(i + 1) % loop.size()];
+        sum += (a.x * b.y - b.x * a.y) / 2.0;
+    }
+    return sum;
+}
+
+TEST(OutlineTest, onlyTheBorderIsLeft) {
+    const auto box = [](double x, double y, double width, double depth) {
+        return std::vector<Point>{{x, y}, {x + width, y}, {x + width, y + depth}, {x, y + depth}};
+    };
+    const double far = 1e10;
+    const struct {
+        const char* what;
+        Footprint footprint;
+        std::multiset<long> areas; ///< of the loops; those of holes are negative
+    } cases[] = {
+        {"nothing", {}, {}},
+        {"one polygon", {box(0, 0, 2, 3)}, {6}},
+        {"triangles", {{{0, 0}, {4, 0}, {4, 4}}, {{0, 0}, {4, 4}, {0, 4}}}, {16}},
+        {"top and bottom cut in two ways",
+         {{{0, 0}, {4, 0}, {4, 4}}, {{0, 0}, {4, 4}, {0, 4}}, {{0, 0}, {4, 0}, {0, 4}}, {{4, 0}, {4, 4}, {0, 4}}},
+         {16}},
+        {"top and bottom that have a part in common",
+         {box(0, 0, 4, 2), box(0, 2, 4, 2), {{0, 2}, {4, 2}, {4, 4}}, {{0, 2}, {4, 4}, {0, 4}}},
+         {16}},
+        {"a frame", {box(0, 0, 10, 1), box(0, 9, 10, 1), box(0, 1, 1, 8), box(9, 1, 1, 8)}, {100, -64}},
+        {"a hole with a seam",
+         {{{0, 0}, {6, 0}, {6, 6}, {0, 6}, {0, 0}, {2, 2}, {2, 4}, {4, 4}, {4, 2}, {2, 2}}},
+         {36, -4}},
+        {"side by side with other corners", {box(0, 0, 6, 2), box(0, 2, 3, 2), box(3, 2, 3, 2)}, {24}},
+        {"apart", {box(0, 0, 1, 1), box(5, 5, 2, 2)}, {1, 4}},
+        {"far away", {box(far, 0, 4, 4), box(far, 0, 4, 4)}, {16, 16}},
+        {"without extent", {{{1, 1}}, {{1, 1}, {1, 1}}}, {0, 0}},
+    };
+    for (const auto& [what, footprint, areas] : cases) {
+        std::multiset<long> found;
+        for (const auto& loop : outlineOf(footprint)) {
+            found.insert(std::lround(area(loop)));
+        }
+        EXPECT_EQ(found, areas) << what;
+    }
 }
 
 } // namespace

@@ -39,7 +39,7 @@ if(TARGET import-host)
     install(TARGETS ifc-plugin LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/import-host COMPONENT Host)
     set(pages ${PROJECT_BINARY_DIR}/ImportHost/pages)
     if(TARGET import-host-manual)
-        install(FILES ${pages}/import-host.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT Host)
+        install(FILES ${pages}/import-host.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT Host)
         install(FILES ${pages}/import-host.bash RENAME import-host
             DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT Host)
         install(FILES ${pages}/_import-host DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT Host)

@@ -86,7 +86,7 @@ public:
     /** @p drawn  gets the place for what is drawn, of the size of a swatch */
     template <typename Function>
     void add(const std::string& label, const Function& drawn) {
-        const double needed = swatch + 5.0 + textWidth(label, textSize) + 16.0;
+        const double needed = swatch + 5.0 + textWidth(label, textSize) + 17.0;
         if (x_ > 0.0 && x_ + needed > width_) {
             x_ = 0.0;
             y_ += lineHeight + 2.0;

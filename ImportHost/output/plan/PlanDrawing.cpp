@@ -63,7 +63,9 @@ Frame frameOf(const Storey& storey) {
 class Projection {
 public:
     Projection(const Frame& frame, const SheetBox& box, double scale)
-        : scale_(scale), middle_(frame.centre()), x_(box.x + box.width / 2.0),
+        : scale_(scale),
+          middle_(frame.centre()),
+          x_(box.x + box.width / 2.0),
           y_(box.y + (box.height - scaleHeight) / 2.0) {}
 
     double scale() const { return scale_; }

@@ -1,6 +1,7 @@
 #include "output/plan/Storeys.h"
 
 #include "comparison/Displaced.h"
+#include "output/plan/Outline.h"
 
 #include <algorithm>
 #include <map>
@@ -10,7 +11,7 @@ namespace {
 /** What an object covers; its box where nothing else is known, and nothing for an object without extent. */
 Footprint footprintOf(const ObjectRecord& record) {
     if (!record.footprint.empty()) {
-        return record.footprint;
+        return outlineOf(record.footprint);
     }
     const Box& box = record.box;
     if (box.size(0) <= 0.0 && box.size(1) <= 0.0) {

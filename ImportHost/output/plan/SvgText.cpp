@@ -8,7 +8,7 @@
 namespace {
 
 /** Of a sans-serif font, a little more than letters are wide on average. */
-constexpr double letterWidth = 0.58;
+constexpr double letterWidth = 0.56;
 
 bool continuesCharacter(char c) {
     return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
