@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <new>
 #include <set>
 
@@ -22,6 +23,9 @@ struct Launch {
     std::unique_ptr<Signal> started;
     Launch* earlier;
 };
+
+/** A thread that was created may create others while its creator still enters it here. */
+std::mutex listsMutex;
 
 /** Threads that were created and not closed yet. */
 std::set<pthread_t> s_pthreads;
@@ -46,7 +50,7 @@ void* threadStart(void* argument) {
 
 pthread_t ThreadOperations::createThread(unsigned int (*function)(void* data, unsigned long size), const void* data,
                                          unsigned long size, bool) {
-    std::unique_ptr<Launch> launch(new (std::nothrow) Launch{function, data, size, nullptr, latestLaunch});
+    std::unique_ptr<Launch> launch(new (std::nothrow) Launch{function, data, size, nullptr, nullptr});
     if (!launch) {
         return pthread_t{};
     }
@@ -58,8 +62,10 @@ pthread_t ThreadOperations::createThread(unsigned int (*function)(void* data, un
     if (pthread_create(&thread, nullptr, threadStart, launch.get()) != 0) {
         return pthread_t{};
     }
-    latestLaunch = launch.release();
     node.value() = thread;
+    const std::lock_guard<std::mutex> lock(listsMutex);
+    launch->earlier = latestLaunch;
+    latestLaunch = launch.release();
     s_pthreads.insert(std::move(node));
     return thread;
 }
@@ -73,10 +79,12 @@ int ThreadOperations::closeThread(pthread_t thread) {
     }
     void* exitValue = nullptr;
     pthread_join(thread, &exitValue);
+    const std::lock_guard<std::mutex> lock(listsMutex);
     return static_cast<int>(s_pthreads.erase(thread));
 }
 
 bool ThreadOperations::hasEnded(pthread_t thread, unsigned int*) {
+    const std::lock_guard<std::mutex> lock(listsMutex);
     return s_pthreads.count(thread) != 0;
 }
 

@@ -10,7 +10,7 @@
 
 namespace ImportCommon {
 
-/** Threads. Only one thread at a time may create, close or ask about threads. */
+/** Threads. Any thread may create, close and ask about threads; each thread is closed by one. */
 class IMPORT_COMMON_API ThreadOperations {
 public:
     /**
