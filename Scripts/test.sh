@@ -7,7 +7,8 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-$root/build}
 [ $# -eq 0 ] || shift
 
-"$root/Scripts/install-packages.sh" g++ cmake ninja-build libgtest-dev nlohmann-json3-dev
+"$root/Scripts/install-packages.sh" g++ cmake ninja-build libgtest-dev nlohmann-json3-dev \
+    libjs-three libzip-dev libpugixml-dev python3 python3-jsonschema
 cmake -S "$root" -B "$build" -G Ninja -DIMPORTCOMMON_BUILD_BENCHMARKS=OFF "$@"
 cmake --build "$build"
 
