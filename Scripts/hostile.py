@@ -121,7 +121,7 @@ def limits():
     def limited(what, value):
         return lambda: resource.setrlimit(what, (value, value))
     steps = {
-        "memory": (resource.RLIMIT_AS, [n << 20 for n in range(4, 400, 2 if is_full else 24)]),
+        "memory": (resource.RLIMIT_AS, [n << 18 for n in range(16, 480, 1 if is_full else 24)]),
         "descriptors": (resource.RLIMIT_NOFILE, range(3, 64, 1 if is_full else 5)),
         "filesize": (resource.RLIMIT_FSIZE, range(0, 120_000, 400 if is_full else 8000)),
     }

@@ -167,6 +167,21 @@ TEST_F(BadPluginTest, whatDoesNotReachAStreamFailsTheImport) {
     }
 }
 
+TEST_F(BadPluginTest, textsAreComparedAndNotTheirSpelling) {
+    for (const char* const how : {"escapes-small", "escapes-capital", "escapes-small"}) {
+        setenv("BAD_PLUGIN", how, 1);
+        EXPECT_EQ(runBad("--report report.json").exitCode, 0);
+    }
+    const json report = json::parse(readFile(file("report.json")));
+    EXPECT_EQ(report["counts"]["unchanged"], 1) << report;
+}
+
+TEST_F(BadPluginTest, veryManyValuesOfOneNameAreCompared) {
+    setenv("BAD_PLUGIN", "attributes-alike", 1);
+    EXPECT_EQ(runBad("").exitCode, 0);
+    EXPECT_EQ(runBad("").exitCode, 0) << "each with each other would take hours";
+}
+
 TEST_F(BadPluginTest, oneImportOfAStateRunsAtATime) {
     writeFile(file("running"), "");
     setenv("BAD_PLUGIN_WAITS_FOR", file("running").c_str(), 1);

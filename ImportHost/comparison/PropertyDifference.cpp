@@ -5,6 +5,7 @@
 #include <PluginKit/Text.h>
 
 #include <algorithm>
+#include <iterator>
 #include <tuple>
 
 namespace {
@@ -78,21 +79,35 @@ Range takeRange(std::vector<Entry>::const_iterator& next, std::vector<Entry>::co
     return {first, next};
 }
 
+constexpr std::size_t mostAlike = 1000;
+
+/** The values of a range that another one, sorted as it is, does not have as they stand. */
+std::vector<std::string_view> valuesBeside(const Range& range, const Range& other) {
+    std::vector<Entry> entries;
+    std::set_difference(range.first, range.second, other.first, other.second, std::back_inserter(entries),
+                        [](const Entry& a, const Entry& b) { return a.value < b.value; });
+    std::vector<std::string_view> values;
+    values.reserve(entries.size());
+    for (const Entry& entry : entries) {
+        values.push_back(entry.value);
+    }
+    return values;
+}
+
 /** Compares values of one name: equal ones go together, and the others in their order. */
 void compareRanges(const Range& old, const Range& fresh, const ValueComparison& comparison,
                    std::vector<PropertyDifference>& differences) {
-    std::vector<std::string_view> gone;
-    for (auto entry = old.first; entry != old.second; ++entry) {
-        gone.push_back(entry->value);
-    }
+    std::vector<std::string_view> gone = valuesBeside(old, fresh);
     std::vector<std::string_view> added;
-    for (auto entry = fresh.first; entry != fresh.second; ++entry) {
-        const auto partner = std::find_if(gone.begin(), gone.end(),
-                                          [&](std::string_view value) { return comparison.same(value, entry->value); });
-        if (partner != gone.end()) {
+    for (const std::string_view value : valuesBeside(fresh, old)) {
+        // Of thousands of values with one name, which no model needs, only equal ones go together.
+        const auto end = gone.size() > mostAlike ? gone.begin() : gone.end();
+        const auto partner =
+            std::find_if(gone.begin(), end, [&](std::string_view other) { return comparison.same(other, value); });
+        if (partner != end) {
             gone.erase(partner);
         } else {
-            added.push_back(entry->value);
+            added.push_back(value);
         }
     }
     const Entry& entry = old.first != old.second ? *old.first : *fresh.first;

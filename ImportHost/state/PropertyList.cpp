@@ -3,6 +3,7 @@
 #include <PluginKit/Text.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <iterator>
@@ -71,6 +72,28 @@ std::string valueOf(std::string_view type, std::string_view value, std::string_v
     return std::string(value);
 }
 
+/**
+ * Spells every escape in the one way, whatever the plug-in's or an older state's was: lists are compared as texts. The
+ * order is that of the texts.
+ */
+void respell(PropertyList& list) {
+    if (list.text.find('%') == std::string::npos) {
+        return;
+    }
+    const std::vector<std::string_view> fields = split(list.text, '\t');
+    std::vector<std::array<std::string, 3>> properties(fields.size() / 3);
+    for (std::size_t i = 0; i < properties.size() * 3; ++i) {
+        properties[i / 3][i % 3] = escaped(unescaped(fields[i]));
+    }
+    std::sort(properties.begin(), properties.end());
+    std::string text;
+    for (const auto& [set, name, value] : properties) {
+        text.append(text.empty() ? "" : "\t").append(set).append("\t").append(name).append("\t").append(value);
+    }
+    list.text = std::move(text);
+    list.digest = checksum(list.text);
+}
+
 /** Goes through the lines of an attributes stream. */
 class AttributesReader {
 public:
@@ -106,6 +129,7 @@ private:
         }
         list.isKnown = true;
         list.digest = checksum(list.text);
+        respell(list);
         return list;
     }
 
@@ -208,5 +232,6 @@ PropertyList propertyListFromFields(std::string_view fields) {
     if (list.isKnown ? list.digest.size() != 16 || (end < fields.size() && tabs % 3 != 2) : end < fields.size()) {
         throw std::runtime_error("not a list of properties");
     }
+    respell(list);
     return list;
 }

@@ -132,6 +132,16 @@ int nested() {
     return ImportResult_Done;
 }
 
+/** Very many values of one name, others in each process. */
+int alike() {
+    StreamWriter writer(env);
+    good(writer);
+    for (int i = 0; i < 100'000; ++i) {
+        writer.property(integerProperty("Value", i * 100'000LL + ::getpid()));
+    }
+    return ImportResult_Done;
+}
+
 int overflow(int depth) {
     volatile char block[4096] = {};
     block[0] = static_cast<char>(depth);
@@ -275,6 +285,9 @@ const std::map<std::string, std::function<int()>> behaviours = {
     {"solids-vertices", [] { return withSolid(words({1, 0, 0xFFFFFFFF, 0})); }},
     {"solids-polygons", [] { return withSolid(words({1, 0, 0, 0xFFFFFFFF, 0, 0})); }},
     {"solids-corner", [] { return withSolid(words({1, 0, 0, 1, 1, 5})); }},
+    {"escapes-small", [] { return behind(env.attributes, "set\t1\t-\tcustom\t-\tS%1f\t\nproperty\t0\tN%0a\t\ttext\t%c3%a4%1f\n"); }},
+    {"escapes-capital", [] { return behind(env.attributes, "set\t1\t-\tcustom\t-\tS%1F\t\nproperty\t0\tN%0A\t\ttext\t%C3%A4%1F\n"); }},
+    {"attributes-alike", alike},
     {"log-garbage", [] { return behind(env.log, "garbage\n\t\n\0"); }},
     {"progress-garbage", [] { return with(env.progress, "x\n-1\tx\nnan\n1e999\tx\n\n0.5\t\x1B[31m\n"); }},
     {"info-garbage", [] { return behind(env.info, "garbage\n"); }},
