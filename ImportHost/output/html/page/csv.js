@@ -4,39 +4,72 @@ function csvCell(value) {
     if (/^[=+\-@\t\r]/.test(text) && !/^[+-]?[0-9.]+(e[+-]?[0-9]+)?$/i.test(text)) {
         text = `'${text}`;
     }
-    return `"${text.replace(/"/g, '""')}"`;
+    return `"${text.replace(/"/g, '""').replace(/\0/g, '')}"`;
 }
 
-/** Each change of an object as attribute, old and new value; one without attribute where nothing can be said. */
+const csvColumns = ['object', 'storey', 'status', 'attribute', 'old', 'new', 'class', 'name'];
+
+function sizeCell(box) {
+    return [0, 1, 2].map((axis) => (box[1][axis] - box[0][axis]).toFixed(3)).join(' x ');
+}
+
+function placeCell(box) {
+    return [0, 1, 2].map((axis) => ((box[1][axis] + box[0][axis]) / 2).toFixed(3)).join(' ');
+}
+
+function volumeCell(volume) {
+    return typeof volume === 'number' ? volume.toFixed(6) : '';
+}
+
+/** Each change of an object as attribute, old and new value, as in the table that import-host writes itself. */
 function changesOf(object) {
-    const before = object.before || {};
+    const before = { class: object.class, box: object.box, volume: object.volume, ...object.before };
     const rows = [];
-    const add = (attribute, old, now) => rows.push([attribute, old, now]);
-    if (object.previousIdentity) {
-        add('GlobalId', object.previousIdentity, object.identity);
-    }
-    if (before.class) {
-        add('Class', before.class, object.class);
-    }
-    if (object.move) {
-        const { dx, dy, dz, angle } = object.move;
-        add('Place', '', `${short(dx)} ${short(dy)} ${short(dz)} m${angle ? `, ${short(angle)}°` : ''}`);
-    }
-    if (object.changes.includes('reshaped')) {
-        add('Volume', before.volume === undefined ? object.volume : before.volume, object.volume);
+    const add = (attribute, old = '', now = '') => rows.push([attribute, old, now]);
+    for (const change of object.changes) {
+        if (change === 'added' || change === 'removed') {
+            add('');
+        } else if (change === 'reidentified') {
+            add('identity', object.previousIdentity, object.identity);
+        } else if (change === 'reclassed') {
+            add('class', before.class, object.class);
+        } else if (change === 'moved') {
+            add('position', placeCell(before.box), placeCell(object.box));
+        } else if (change === 'reshaped') {
+            const [oldSize, size] = [sizeCell(before.box), sizeCell(object.box)];
+            const [oldVolume, volume] = [volumeCell(before.volume), volumeCell(object.volume)];
+            if (oldSize !== size) {
+                add('size', oldSize, size);
+            }
+            if (oldVolume !== volume) {
+                add('volume', oldVolume, volume);
+            }
+            if (oldSize === size && oldVolume === volume) {
+                add('shape');
+            }
+        }
     }
     for (const property of object.properties) {
         add(`${property.set}.${property.name}`, property.old, property.new);
     }
-    return rows.length ? rows : [['', '', '']];
+    if (object.perhaps) {
+        const { identity, confidence } = object.perhaps;
+        const isGone = object.status === 'removed';
+        add(`perhaps, with confidence ${confidence.toFixed(2)}`, isGone ? '' : identity, isGone ? identity : '');
+    }
+    object.notes.forEach((note) => add('note', '', note));
+    if (rows.length === 0) {
+        add('');
+    }
+    return rows;
 }
 
 function csvText(objects) {
-    const lines = [['Object', 'Class', 'Name', 'Tag', 'Storey', 'Status', 'Attribute', 'Old', 'New']];
+    const lines = [csvColumns];
     for (const object of objects) {
         for (const change of changesOf(object)) {
-            lines.push([object.identity, object.class, object.name, object.tag,
-                object.storey === noStorey ? '' : object.storey, object.status, ...change]);
+            lines.push([object.identity, object.storey === noStorey ? '' : object.storey, object.status, ...change,
+                object.class, object.name]);
         }
     }
     return `\ufeff${lines.map((cells) => cells.map(csvCell).join(',')).join('\r\n')}\r\n`;
