@@ -14,8 +14,16 @@ namespace {
 
 using Row = std::array<std::string, 7>;
 
-std::string fixed(double value, int digits, const char* unit) {
-    return std::isnan(value) ? "-" : fixedText(value, digits) + unit;
+std::string movedBy(const Change& change) {
+    if (std::isnan(change.distance)) {
+        return "-";
+    }
+    const double angle = change.move ? change.move->angle : 0.0;
+    return fixedText(change.distance, 3) + " m" + (angle == 0.0 ? "" : ", " + fixedText(angle, 2) + " degrees");
+}
+
+std::string fixed(double value, int digits) {
+    return std::isnan(value) ? "-" : fixedText(value, digits);
 }
 
 std::string alignedText(const std::vector<Row>& rows) {
@@ -46,7 +54,7 @@ std::string tableText(const Comparison& comparison, bool firstImport) {
             const ObjectRecord& record = change.record();
             if (change.status() == status && status != Status::Unchanged) {
                 rows.push_back({printable(record.className), printable(record.name), printable(identityText(record)),
-                                changeText(change), fixed(change.similarity, 3, ""), fixed(change.distance, 3, " m"),
+                                changeText(change), fixed(change.similarity, 3), movedBy(change),
                                 shortText(change.properties)});
             }
         }
