@@ -2,6 +2,7 @@
 #include <ImportCommon/Signal.h>
 #include <ImportCommon/ThreadOperations.h>
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <pthread.h>
@@ -19,6 +20,26 @@
 using ImportCommon::CriticalSection;
 using ImportCommon::Signal;
 using ImportCommon::ThreadOperations;
+
+namespace {
+
+std::function<void()> afterJoin; // called once, between the end of a thread and what the library does then
+
+} // namespace
+
+/** A sanitizer's own, where there is one. */
+extern "C" __attribute__((weak)) int __interceptor_pthread_join(pthread_t thread, void** result);
+
+extern "C" int pthread_join(pthread_t thread, void** result) {
+    using Join = int (*)(pthread_t, void**);
+    static const auto next = reinterpret_cast<Join>(dlsym(RTLD_NEXT, "pthread_join"));
+    const Join join = __interceptor_pthread_join != nullptr ? &__interceptor_pthread_join : next;
+    const int error = join(thread, result);
+    if (afterJoin) {
+        std::exchange(afterJoin, nullptr)();
+    }
+    return error;
+}
 
 namespace {
 
@@ -179,6 +200,21 @@ TEST_F(ThreadTest, dataIsReleasedHoweverTheThreadEnds) {
         EXPECT_EQ(ThreadOperations::closeThread(thread), 1);
         EXPECT_EQ(mallinfo2().hblkhd, before);
     }
+}
+
+// The system gives a new thread the handle of one that was joined, also while the library still has that one listed.
+TEST_F(ThreadTest, aHandleThatIsUsedAgainIsAThreadOfItsOwn) {
+    const auto create = [] {
+        return ThreadOperations::createThread([](void*, unsigned long) { return 0U; }, nullptr, 0, false);
+    };
+    const pthread_t first = create();
+    pthread_t second{};
+    afterJoin = [&] { second = create(); };
+    EXPECT_EQ(ThreadOperations::closeThread(first), 1);
+    EXPECT_EQ(second, first) << "the test shows nothing otherwise";
+    EXPECT_TRUE(ThreadOperations::hasEnded(second, nullptr));
+    EXPECT_EQ(ThreadOperations::closeThread(second), 1);
+    EXPECT_FALSE(ThreadOperations::hasEnded(second, nullptr));
 }
 
 } // namespace

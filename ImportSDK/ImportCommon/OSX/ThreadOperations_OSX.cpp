@@ -24,11 +24,11 @@ struct Launch {
     Launch* earlier;
 };
 
-/** A thread that was created may create others while its creator still enters it here. */
+/** Guards both lists. Held while a thread is created, so that nothing it does comes before it is entered. */
 std::mutex listsMutex;
 
-/** Threads that were created and not closed yet. */
-std::set<pthread_t> s_pthreads;
+/** Threads that were created and not closed yet. A handle is in use again as soon as its first thread was joined. */
+std::multiset<pthread_t> s_pthreads;
 
 Launch* latestLaunch = nullptr;
 
@@ -56,14 +56,14 @@ pthread_t ThreadOperations::createThread(unsigned int (*function)(void* data, un
     }
     launch->started = std::make_unique<Signal>();
     // The place in the set comes first: once the thread runs nothing may fail any more.
-    std::set<pthread_t> place = {pthread_t{}};
+    std::multiset<pthread_t> place = {pthread_t{}};
     auto node = place.extract(place.begin());
     pthread_t thread;
+    const std::lock_guard<std::mutex> lock(listsMutex);
     if (pthread_create(&thread, nullptr, threadStart, launch.get()) != 0) {
         return pthread_t{};
     }
     node.value() = thread;
-    const std::lock_guard<std::mutex> lock(listsMutex);
     launch->earlier = latestLaunch;
     latestLaunch = launch.release();
     s_pthreads.insert(std::move(node));
@@ -80,7 +80,12 @@ int ThreadOperations::closeThread(pthread_t thread) {
     void* exitValue = nullptr;
     pthread_join(thread, &exitValue);
     const std::lock_guard<std::mutex> lock(listsMutex);
-    return static_cast<int>(s_pthreads.erase(thread));
+    const auto place = s_pthreads.find(thread);
+    if (place == s_pthreads.end()) {
+        return 0;
+    }
+    s_pthreads.erase(place);
+    return 1;
 }
 
 bool ThreadOperations::hasEnded(pthread_t thread, unsigned int*) {
