@@ -6,14 +6,15 @@ set -euo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-$root/build/border}
-flags="-I '$root/ImportSDK/ImportCommon/Include' -I '$root/DbFast/Include' -fsyntax-only"
+flags="-I '$root/ImportSDK/ImportCommon/Include' -I '$root/DbFast/Include' -I '$root/PluginKit/Include' -fsyntax-only"
 flags="$flags -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror"
 
 rm -rf "$build"
 mkdir -p "$build/headers"
 
 echo "-- Every header alone"
-for header in "$root"/ImportSDK/ImportCommon/Include/ImportCommon/*.h "$root"/DbFast/Include/DbFast/*.h; do
+for header in "$root"/ImportSDK/ImportCommon/Include/ImportCommon/*.h "$root"/DbFast/Include/DbFast/*.h \
+    "$root"/PluginKit/Include/PluginKit/*.h; do
     name=$(basename "$(dirname "$header")")/$(basename "$header")
     source=$build/headers/$(basename "$header" .h)
     # Twice, since a header may be included by several others.

@@ -14,6 +14,7 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <random>
 #include <set>
 
 using namespace PluginKit;
@@ -359,6 +360,61 @@ TEST_F(PluginKitTest, faultsAreNamedWithTheirPlace) {
               "attributes stream, line 2: field value: 'TRUE' is not a value of type 'boolean'");
     EXPECT_EQ(fault<Attribute>("attributes", set + "sets\n"),
               "attributes stream, line 2: neither a set nor a property");
+}
+
+TEST_F(PluginKitTest, damagedStreamsAreReadOrRefused) {
+    writer_.material({{0.5, 0.5, 0.5, 1}, "grey"});
+    for (int i = 0; i < 3; ++i) {
+        writer_.object(box(), {1, 2, "0123456789012345678901"});
+        writer_.shape({triangle(), triangle()});
+        writer_.set({1, "p", "custom", "s", "Set", "", ""});
+        writer_.property(complexProperty("Complex"));
+        writer_.property(realProperty("Real", 0.5));
+    }
+    writer_.texture({"wood.png", "bytes"});
+    writer_.end();
+    const auto readAll = [](const char* stream, const std::string& content, auto line) {
+        try {
+            StreamReader reader(stream, content);
+            while (reader.read(line)) {
+                if constexpr (std::is_same_v<decltype(line), SolidLine>) {
+                    solidBytes(surfacesOf(line.bytes));
+                }
+            }
+            return true;
+        } catch (const std::runtime_error& e) {
+            EXPECT_NE(std::string(e.what()), "");
+            return false;
+        }
+    };
+    const auto readAs = [&](const std::string& name, const std::string& content) {
+        return name == "objects"      ? readAll("objects", content, std::variant<ObjectLine, EndLine>())
+               : name == "attributes" ? readAll("attributes", content, std::variant<SetLine, PropertyLine>())
+               : name == "polygons"   ? readAll("polygons", content, PolygonsLine())
+               : name == "solids"     ? readAll("solids", content, SolidLine())
+               : name == "textures"   ? readAll("textures", content, TextureLine())
+               : name == "materials"  ? readAll("materials", content, MaterialLine())
+                                      : readAll("foreignobjects", content, ForeignObjectLine());
+    };
+    std::mt19937 random(4711);
+    for (const StreamName& stream : streamNames) {
+        const std::string whole = content(stream.handle);
+        if (whole.empty()) {
+            continue;
+        }
+        EXPECT_TRUE(readAs(stream.name, whole)) << stream.name;
+        int refused = 0;
+        for (int run = 0; run < 2000; ++run) {
+            std::string damaged = whole;
+            for (auto changes = 1 + random() % 3; changes > 0; --changes) {
+                damaged[random() % damaged.size()] =
+                    random() % 2 == 0 ? whole[random() % whole.size()] : static_cast<char>(random());
+            }
+            damaged.resize(damaged.size() - (run % 4 == 0 ? random() % damaged.size() : 0));
+            refused += readAs(stream.name, damaged) ? 0 : 1;
+        }
+        EXPECT_GT(refused, 100) << stream.name;
+    }
 }
 
 TEST_F(PluginKitTest, aStreamThatTheHostDidNotOpenIsLeftOut) {

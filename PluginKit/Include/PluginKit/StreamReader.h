@@ -33,6 +33,7 @@ public:
      */
     StreamReader(std::string stream, std::string_view content) : stream_(std::move(stream)), rest_(content) {}
 
+    /** @return whether there was another line; what it says is in @p line */
     bool read(ForeignObjectLine& line);
     bool read(PolygonsLine& line);
     bool read(MaterialLine& line);

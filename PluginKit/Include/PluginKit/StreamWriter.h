@@ -32,6 +32,7 @@ public:
     /** A fact about the model; the keys that hosts know stand in FORMATS.md. */
     void info(std::string_view key, std::string_view value);
 
+    /** Something that people should know, though the import goes on. */
     void warning(std::string_view text);
 
     /** Why the import fails; the host shows the last one. */
@@ -43,7 +44,10 @@ public:
     /** Materials are numbered from 0 in the order of the calls. @return the number of this one */
     std::uint32_t material(const MaterialLine& material);
 
+    /** A storey. */
     void layer(const LayerLine& layer);
+
+    /** A product and the one that holds it; for every product, with or without geometry. */
     void hierarchy(const HierarchyLine& place);
 
     /** An object and its runtime ids. @return its number, from 1 */
@@ -64,6 +68,7 @@ public:
     /** The polygons and the solid of the object that was written last. */
     void shape(const std::vector<SolidSurface>& surfaces);
 
+    /** An image. */
     void texture(const TextureLine& texture);
 
     /** A property set whose properties the next calls of property() give. */
