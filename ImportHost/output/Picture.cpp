@@ -28,7 +28,7 @@ constexpr double gap = 18.0; ///< between two plans
 constexpr double headingHeight = 18.0;
 
 /** Storeys are drawn to one scale unless that makes one of them smaller than it could be by this factor. */
-constexpr double maxScaleRatio = 2.0;
+constexpr double maxScaleRatio = 3.0;
 
 struct Sheet {
     double width;
@@ -39,7 +39,7 @@ struct Sheet {
 struct Grid {
     std::size_t columns;
     std::size_t rows;
-    double scale; ///< of the plan that is drawn smallest, for the choice between grids
+    double scale; ///< of the plan that is drawn smallest
 };
 
 Grid bestGrid(const std::vector<Storey>& storeys, double width, double height) {
@@ -48,13 +48,12 @@ Grid bestGrid(const std::vector<Storey>& storeys, double width, double height) {
         const std::size_t rows = (storeys.size() + columns - 1) / columns;
         const double cellWidth = (width + gap) / static_cast<double>(columns) - gap;
         const double cellHeight = height / static_cast<double>(rows) - gap - headingHeight;
-        double sum = 0.0;
+        double scale = std::numeric_limits<double>::infinity();
         for (const Storey& storey : storeys) {
-            const double aspect = aspectOf(storey);
-            sum += std::min(cellWidth, cellHeight * aspect) * std::min(cellWidth / aspect, cellHeight);
+            scale = std::min(scale, largestScale(storey, {0.0, 0.0, cellWidth, cellHeight}));
         }
-        if (cellWidth > 0.0 && cellHeight > 0.0 && sum > best.scale) {
-            best = {columns, rows, sum};
+        if (cellWidth > 0.0 && cellHeight > 0.0 && scale > best.scale) {
+            best = {columns, rows, scale};
         }
     }
     return best;

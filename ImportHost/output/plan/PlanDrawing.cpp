@@ -202,11 +202,6 @@ std::vector<const PlanObject*> drawingOrder(const Storey& storey) {
 
 } // namespace
 
-double aspectOf(const Storey& storey) {
-    const Frame frame = frameOf(storey);
-    return frame.width() / frame.depth();
-}
-
 double largestScale(const Storey& storey, const SheetBox& box) {
     const Frame frame = frameOf(storey);
     return std::min(box.width / frame.width(), (box.height - scaleHeight) / frame.depth());

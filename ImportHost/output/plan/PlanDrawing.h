@@ -16,9 +16,6 @@ struct SheetBox {
     double height;
 };
 
-/** Width divided by height of what a storey covers. */
-double aspectOf(const Storey& storey);
-
 /** How many units of the sheet a metre may take at most for a storey to fit into a part of the sheet. */
 double largestScale(const Storey& storey, const SheetBox& box);
 
