@@ -29,14 +29,14 @@ std::array<double, Count> rotatedMoments(const std::array<double, Count>& moment
         tensor[i] = moments[packedIndex<Degree>(i)];
     }
     for (std::size_t stride = 1; stride < size; stride *= 3) {
-        for (std::size_t i = 0; i < size; ++i) {
-            if (i / stride % 3 != 0) {
-                continue;
+        for (std::size_t block = 0; block < size; block += 3 * stride) {
+            for (std::size_t i = block; i < block + stride; ++i) {
+                const Vector3 turned =
+                    rotated(Vector3{tensor[i], tensor[i + stride], tensor[i + 2 * stride]}, rotation);
+                tensor[i] = turned[0];
+                tensor[i + stride] = turned[1];
+                tensor[i + 2 * stride] = turned[2];
             }
-            const Vector3 turned = rotated(Vector3{tensor[i], tensor[i + stride], tensor[i + 2 * stride]}, rotation);
-            tensor[i] = turned[0];
-            tensor[i + stride] = turned[1];
-            tensor[i + 2 * stride] = turned[2];
         }
     }
     std::array<double, Count> result{};
