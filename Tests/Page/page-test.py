@@ -380,6 +380,20 @@ class PageTest(unittest.TestCase):
             pdf = self.browser.print(page={"width": width, "height": height})
             self.assertEqual(len(re.findall(rb"/Type\s*/Page\b", pdf)), len(plans))
 
+    def test_list_and_plans_work_where_nothing_can_be_drawn(self):
+        with webdriver.Browser(arguments=["--disable-3d-apis"]) as browser:
+            browser.open(self.house)
+            browser.wait("window.page && window.page.isReady", "the page")
+            self.assertIn("can't draw", browser.run("return document.getElementById('canvas-frame').innerText"))
+            browser.click(f"#row-{self.index_of('Planter')}")
+            self.assertIn("Planter", browser.run("return document.querySelector('.details').innerText"))
+            browser.click("[data-view=top]")
+            browser.click("#theme-button")
+            browser.click("[data-status=added]")
+            self.assertEqual(browser.run("return page.list.places.has(page.selected)"), False)
+            browser.click("#plans-tab")
+            browser.wait("page.plans.sections[0].drawing?.querySelector('path')", "a plan")
+
     def test_places_far_from_the_origin_are_drawn_exactly(self):
         far = (500_000.0, 5_400_000.0)
         boxes = [(f"B{i}", far[0] + 0.25 * i, far[1] + 3 * (i % 7), 0, 0.1) for i in range(50)]

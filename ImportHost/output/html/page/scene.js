@@ -61,8 +61,8 @@ const context = 3;
 const chosen = 4;
 
 /** So many triangles are drawn until it is known how fast the machine draws; never fewer than the second number. */
-const firstTriangles = 300000;
-const fewestTriangles = 150000;
+const firstTriangles = 150000;
+const fewestTriangles = 100000;
 
 /** So many of a layer while a slow machine turns the view: those of its largest objects. */
 const movingTriangles = 30000;
@@ -111,6 +111,7 @@ class Scene {
         this.camera.controls.addEventListener('start', () => {
             this.isTouched = true;
         });
+        this.resize();
         new ResizeObserver(() => this.resize()).observe(frame);
     }
 
@@ -322,12 +323,18 @@ class Scene {
     resize() {
         const width = Math.max(this.frame.clientWidth, 1);
         const height = Math.max(this.frame.clientHeight, 1);
+        if (this.size === `${width} ${height}`) {
+            return;
+        }
+        this.size = `${width} ${height}`;
         this.renderer.setSize(width, height);
         this.camera.resize(width, height);
         if (!this.isTouched) {
             this.fit(viewDirections.corner);
         }
-        this.drawNow();
+        if (this.isShown) {
+            this.drawNow(); // at once: a canvas of another size is empty
+        }
     }
 
     /** The view is turned: on a slow machine without lines until it stands still. */
@@ -355,6 +362,7 @@ class Scene {
     }
 
     drawNow() {
+        this.isShown = true;
         const plain = this.isMoving && this.isSlow;
         for (const layer of this.layers) {
             layer.mesh.visible = layer.isUsed && !(plain && (layer.lines || layer.depthOnly));
