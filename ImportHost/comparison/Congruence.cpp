@@ -80,6 +80,11 @@ public:
                 }
             }
         }
+        if (!isClear(from.values[0], from.values[2])) {
+            for (const Vector3& axis : noRotation) { // it spreads alike in all directions, as a cube does
+                tryAboutAxis(noRotation, axis);
+            }
+        }
         return best_;
     }
 
@@ -115,8 +120,8 @@ private:
     void tryAboutAxis(const Rotation& first, const Vector3& axis) {
         consider(first);
         const Rotation upright = rotationBetween(axis, {0.0, 0.0, 1.0});
-        const std::vector<Harmonic> a = harmonicsOf(rotated(from_, product(upright, first)), tolerances_);
-        const std::vector<Harmonic> b = harmonicsOf(rotated(to_, upright), tolerances_);
+        const std::vector<Harmonic> a = harmonicsOf(rotated(from_, product(upright, first)), shapeTolerance);
+        const std::vector<Harmonic> b = harmonicsOf(rotated(to_, upright), shapeTolerance);
         std::size_t clearest = 0;
         double clearness = 0.0;
         for (std::size_t i = 0; i < a.size(); ++i) {
@@ -126,7 +131,7 @@ private:
                 clearest = i;
             }
         }
-        constexpr double noise = 4.0;
+        constexpr double noise = 2.0;
         if (clearness <= noise) {
             return; // it is round
         }

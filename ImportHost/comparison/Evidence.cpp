@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numeric>
 
 namespace {
 
@@ -31,13 +32,8 @@ double ofAttribute(const ObjectRecord& before, const ObjectRecord& now, std::str
     return a == b ? weight : -weight;
 }
 
-/** The same shape counts most; of others, those that differ in one dimension were perhaps made longer. */
-double ofShapes(const Body& before, const Body& now) {
-    constexpr double congruent = 3.0;
-    const double alike = likeness(before, now);
-    if (alike == 1.0) {
-        return congruent;
-    }
+/** Of shapes that are not the same, those that differ in one dimension were perhaps made longer. */
+double ofOtherShapes(const Body& before, const Body& now, double alike) {
     std::array<double, 3> ratios{};
     for (std::size_t i = 0; i < ratios.size(); ++i) {
         constexpr double thinnest = 0.001;
@@ -52,6 +48,33 @@ double ofShapes(const Body& before, const Body& now) {
         return 2.5 * alike;
     }
     return alike > halfAlike ? 2.0 * alike - 1.0 : -2.0;
+}
+
+/** For each body the logarithm of how many there are to one of its shape; more than some are as good as many. */
+std::vector<double> raritiesOf(const std::vector<Body>& bodies) {
+    constexpr std::size_t many = 50;
+    std::vector<std::size_t> order(bodies.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    const auto size = [&](std::size_t i) { return bodies[i].spread[0]; };
+    std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return size(a) < size(b); });
+    std::vector<double> rarities(bodies.size());
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        constexpr double tolerance = 0.0005;
+        std::size_t count = 1;
+        const auto look = [&](std::size_t other) {
+            if (std::fabs(size(order[other]) - size(order[i])) > tolerance || count >= many) {
+                return false;
+            }
+            count += measureAlike(bodies[order[other]], bodies[order[i]]) ? 1 : 0;
+            return true;
+        };
+        for (std::size_t other = i + 1; other < std::min(order.size(), i + many) && look(other); ++other) {
+        }
+        for (std::size_t other = i; other > 0 && i - other < many && look(other - 1); --other) {
+        }
+        rarities[order[i]] = std::log(static_cast<double>(bodies.size()) / static_cast<double>(count));
+    }
+    return rarities;
 }
 
 /** Near is likely; but whatever is moved may be moved anywhere. */
@@ -110,7 +133,8 @@ bool CopyCheck::isCopy(const ObjectRecord& before, const ObjectRecord& now) cons
     return belongsToAnother(names_, before.name, now.name) || belongsToAnother(tags_, tagOf(before), tagOf(now));
 }
 
-Evidence::Evidence(const Pairing& pairing) : pairing_(pairing), copies_(pairing) {
+Evidence::Evidence(const Pairing& pairing)
+    : pairing_(pairing), copies_(pairing), rarities_(raritiesOf(pairing.before())) {
     Numbering numbering;
     for (const Body& body : pairing.before()) {
         propertiesBefore_.push_back(numberedProperties(*body.record, numbering));
@@ -142,7 +166,7 @@ double Evidence::score(std::size_t before, std::size_t now) const {
     if (copies_.isCopy(*a.record, *b.record)) {
         score -= 3.0;
     }
-    return score + ofShapes(a, b) + ofProperties(before, now) + ofDistance(distanceBetween(a, b));
+    return score + ofShapes(before, now) + ofProperties(before, now) + ofDistance(distanceBetween(a, b));
 }
 
 double Evidence::ofNames(const ObjectRecord& before, const ObjectRecord& now) const {
@@ -166,6 +190,13 @@ double Evidence::ofTags(const ObjectRecord& before, const ObjectRecord& now) con
     const TextCounts::Count count = copies_.tags().of(b);
     const bool isUnique = count.before == 1 && count.now == 1;
     return a == b ? (isUnique ? 2.5 : 0.5) : -0.5;
+}
+
+double Evidence::ofShapes(std::size_t before, std::size_t now) const {
+    const Body& a = pairing_.before()[before];
+    const Body& b = pairing_.now()[now];
+    const double alike = likeness(a, b);
+    return alike == 1.0 ? 2.5 + std::min(1.0, 0.25 * rarities_[before]) : ofOtherShapes(a, b, alike);
 }
 
 double Evidence::ofProperties(std::size_t before, std::size_t now) const {

@@ -61,10 +61,12 @@ public:
 private:
     double ofNames(const ObjectRecord& before, const ObjectRecord& now) const;
     double ofTags(const ObjectRecord& before, const ObjectRecord& now) const;
+    double ofShapes(std::size_t before, std::size_t now) const;
     double ofProperties(std::size_t before, std::size_t now) const;
 
     const Pairing& pairing_;
     CopyCheck copies_;
+    std::vector<double> rarities_; ///< of the shapes of the old objects: how little of the model has one like it
     std::vector<std::vector<std::size_t>> propertiesBefore_; ///< numbers of the properties of each object, sorted
     std::vector<std::vector<std::size_t>> propertiesNow_;
     std::vector<double> weights_; ///< of each property: the rarer the greater

@@ -46,10 +46,37 @@ std::array<double, Count> rotatedMoments(const std::array<double, Count>& moment
     return result;
 }
 
+/** Powers of how far the surface reaches along an axis, from the zeroth to the third. */
+using Powers = std::array<double, 4>;
+
+/**
+ * Tolerances of the moments of a degree: the means of products of up to three coordinates, which are their derivatives,
+ * are no larger than the products of the fourth roots of the means of fourth powers.
+ */
+template <std::size_t Degree, std::size_t Count>
+std::array<double, Count> tolerancesOf(const std::array<Powers, 3>& powers, double distance) {
+    std::array<double, Count> result{};
+    for (std::size_t notX = 0, index = 0; notX <= Degree; ++notX) {
+        for (std::size_t z = 0; z <= notX; ++z, ++index) {
+            const std::array<std::size_t, 3> exponents = {Degree - notX, notX - z, z};
+            for (std::size_t axis = 0; axis < 3; ++axis) {
+                double derivative = static_cast<double>(exponents[axis]);
+                for (std::size_t k = 0; k < 3 && exponents[axis] > 0; ++k) {
+                    // The derivative's own exponent is less by one, and at most three; others are at most three then.
+                    derivative *= powers[k][exponents[k] - (k == axis ? 1 : 0)];
+                }
+                result[index] += derivative * distance;
+            }
+        }
+    }
+    return result;
+}
+
 template <std::size_t Count>
-bool agree(const std::array<double, Count>& a, const std::array<double, Count>& b, double tolerance) {
+bool agree(const std::array<double, Count>& a, const std::array<double, Count>& b,
+           const std::array<double, Count>& tolerances) {
     for (std::size_t i = 0; i < Count; ++i) {
-        if (!(std::fabs(a[i] - b[i]) <= tolerance)) {
+        if (!(std::fabs(a[i] - b[i]) <= tolerances[i])) {
             return false;
         }
     }
@@ -67,13 +94,15 @@ Shape rotated(const Shape& shape, const Rotation& rotation) {
 }
 
 MomentTolerances::MomentTolerances(const Shape& shape, double distance) {
-    // Means of powers of the distance from the centroid: the derivatives of the moments are no larger.
-    const double square = shape.second[0] + shape.second[3] + shape.second[5];
-    const auto& q = shape.fourth;
-    const double fourthPower = q[0] + q[10] + q[14] + 2.0 * (q[3] + q[5] + q[12]);
-    second = 2.0 * std::sqrt(square) * distance;
-    third = 3.0 * square * distance;
-    fourth = 4.0 * std::sqrt(square * std::fmax(fourthPower, 0.0)) * distance;
+    std::array<Powers, 3> powers{};
+    const double fourthPowers[] = {shape.fourth[0], shape.fourth[10], shape.fourth[14]};
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        const double reach = std::sqrt(std::sqrt(std::fmax(fourthPowers[axis], 0.0))) + distance;
+        powers[axis] = {1.0, reach, reach * reach, reach * reach * reach};
+    }
+    second = tolerancesOf<2, Shape::secondCount>(powers, distance);
+    third = tolerancesOf<3, Shape::thirdCount>(powers, distance);
+    fourth = tolerancesOf<4, Shape::fourthCount>(powers, distance);
 }
 
 bool agree(const Shape& a, const Shape& b, const MomentTolerances& tolerances) {
@@ -81,20 +110,21 @@ bool agree(const Shape& a, const Shape& b, const MomentTolerances& tolerances) {
            agree(a.fourth, b.fourth, tolerances.fourth);
 }
 
-std::vector<Harmonic> harmonicsOf(const Shape& shape, const MomentTolerances& tolerances) {
+std::vector<Harmonic> harmonicsOf(const Shape& shape, double distance) {
+    const MomentTolerances t(shape, distance);
     const auto& [xx, xy, xz, yy, yz, zz] = shape.second;
     const auto& [xxx, xxy, xxz, xyy, xyz, xzz, yyy, yyz, yzz, zzz] = shape.third;
     const auto& [xxxx, xxxy, xxxz, xxyy, xxyz, xxzz, xyyy, xyyz, xyzz, xzzz, yyyy, yyyz, yyzz, yzzz, zzzz] =
         shape.fourth;
-    return {{2, {xx - yy, 2.0 * xy}, tolerances.second},
-            {1, {xzz, yzz}, tolerances.third},
-            {1, {xxx + xyy, xxy + yyy}, tolerances.third},
-            {2, {xxz - yyz, 2.0 * xyz}, tolerances.third},
-            {3, {xxx - 3.0 * xyy, 3.0 * xxy - yyy}, tolerances.third},
-            {2, {xxzz - yyzz, 2.0 * xyzz}, tolerances.fourth},
-            {2, {xxxx - yyyy, 2.0 * (xxxy + xyyy)}, tolerances.fourth},
-            {3, {xxxz - 3.0 * xyyz, 3.0 * xxyz - yyyz}, tolerances.fourth},
-            {4, {xxxx - 6.0 * xxyy + yyyy, 4.0 * (xxxy - xyyy)}, tolerances.fourth}};
+    return {{2, {xx - yy, 2.0 * xy}, t.second[0] + t.second[3]},
+            {1, {xzz, yzz}, t.third[5] + t.third[8]},
+            {1, {xxx + xyy, xxy + yyy}, t.third[0] + t.third[6]},
+            {2, {xxz - yyz, 2.0 * xyz}, t.third[2] + t.third[7]},
+            {3, {xxx - 3.0 * xyy, 3.0 * xxy - yyy}, t.third[0] + t.third[6]},
+            {2, {xxzz - yyzz, 2.0 * xyzz}, t.fourth[5] + t.fourth[12]},
+            {2, {xxxx - yyyy, 2.0 * (xxxy + xyyy)}, t.fourth[0] + t.fourth[10]},
+            {3, {xxxz - 3.0 * xyyz, 3.0 * xxyz - yyyz}, t.fourth[2] + t.fourth[11]},
+            {4, {xxxx - 6.0 * xxyy + yyyy, 4.0 * (xxxy - xyyy)}, t.fourth[0] + t.fourth[10]}};
 }
 
 Eigenvectors<3> principalAxes(const Shape& shape) {

@@ -13,13 +13,13 @@
 /** The shape turned about its centroid, which stays. */
 Shape rotated(const Shape& shape, const Rotation& rotation);
 
-/** How much moments of each degree may differ, if no point of the surface moved farther than @p distance. */
+/** How much each moment may differ, if no point of the surface moved farther than some distance along any axis. */
 struct MomentTolerances {
     MomentTolerances(const Shape& shape, double distance);
 
-    double second;
-    double third;
-    double fourth;
+    std::array<double, Shape::secondCount> second;
+    std::array<double, Shape::thirdCount> third;
+    std::array<double, Shape::fourthCount> fourth;
 };
 
 bool agree(const Shape& a, const Shape& b, const MomentTolerances& tolerances);
@@ -31,8 +31,8 @@ struct Harmonic {
     double tolerance; ///< what may be noise
 };
 
-/** Always in the same sequence. */
-std::vector<Harmonic> harmonicsOf(const Shape& shape, const MomentTolerances& tolerances);
+/** Always in the same sequence; @p distance as for the tolerances. */
+std::vector<Harmonic> harmonicsOf(const Shape& shape, double distance);
 
 /** The axes about which the surface spreads most, second and least, with the squares of how far. */
 Eigenvectors<3> principalAxes(const Shape& shape);

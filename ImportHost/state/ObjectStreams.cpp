@@ -2,10 +2,14 @@
 
 #include "Failure.h"
 #include "state/Files.h"
+#include "state/Numbers.h"
 #include "state/ShapeMeasure.h"
 
+#include <PluginKit/Solids.h>
 #include <PluginKit/Text.h>
 
+#include <algorithm>
+#include <iterator>
 #include <stdexcept>
 
 namespace {
@@ -49,11 +53,46 @@ void takeData(std::string_view stream, std::vector<ObjectRecord>& records) {
     }
 }
 
+/** Measures all surfaces of an object. Throws std::runtime_error for coordinates out of range. */
+void takeShape(const std::vector<SolidSurface>& surfaces, ObjectRecord& record) {
+    const std::optional<Box> box = boxOf(surfaces);
+    if (!box) {
+        return;
+    }
+    if (largestPart(box->low) > farthest || largestPart(box->high) > farthest) {
+        throw std::runtime_error("a coordinate of object " + identityText(record) + " is out of range");
+    }
+    record.box = *box;
+    record.shape = shapeOf(surfaces);
+}
+
+/** The parts of an object's shape stand together. */
 void takeShapes(std::string_view stream, std::vector<ObjectRecord>& records) {
-    readSolids(stream, records.size(), [&](std::size_t object, const std::vector<Surface>& surfaces) {
-        records[object].shape = shapeOf(surfaces);
-        records[object].box = boxOf(surfaces).value_or(records[object].box);
-    });
+    std::vector<bool> isTaken(records.size(), false);
+    std::vector<SolidSurface> surfaces;
+    std::size_t object = 0;
+    const auto finish = [&] {
+        if (object > 0) {
+            takeShape(surfaces, records[object - 1]);
+            isTaken[object - 1] = true;
+        }
+        surfaces.clear();
+    };
+    SolidsReader reader(stream);
+    for (Solid solid; reader.next(solid);) {
+        if (solid.object < 1 || solid.object > records.size()) {
+            throw std::runtime_error("there is no object " + std::to_string(solid.object));
+        }
+        if (solid.object != object) {
+            finish();
+            object = solid.object;
+            if (isTaken[object - 1]) {
+                throw std::runtime_error("the solids of object " + std::to_string(object) + " do not stand together");
+            }
+        }
+        std::move(solid.surfaces.begin(), solid.surfaces.end(), std::back_inserter(surfaces));
+    }
+    finish();
 }
 
 } // namespace

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+using PluginKit::SolidSurface;
+
 namespace {
 
 /** Corners measured from a point of the object, which may be far from the origin. */
@@ -11,37 +13,36 @@ struct Triangle {
     double area; ///< negative where a concave polygon's fan leaves the polygon
 };
 
-void addTriangles(const Surface& surface, const std::vector<std::uint32_t>& polygon, const Vector3& base,
+void addTriangles(const SolidSurface& surface, const std::uint32_t* polygon, std::size_t size, const Vector3& base,
                   std::vector<Triangle>& triangles) {
-    if (polygon.size() < 3) {
-        return;
-    }
     const auto corner = [&](std::size_t i) { return surface.vertices[polygon[i]] - base; };
     const std::size_t first = triangles.size();
-    const Vector3 a = corner(0);
     Vector3 normal{};
-    for (std::size_t i = 1; i + 1 < polygon.size(); ++i) {
+    for (std::size_t i = 1; i + 1 < size; ++i) {
+        const Vector3 a = corner(0);
         const Vector3 b = corner(i);
         const Vector3 c = corner(i + 1);
         triangles.push_back({{a, b, c}, 0.0});
         normal = normal + cross(b - a, c - a);
     }
-    const double size = length(normal);
-    if (size == 0.0) {
+    const double twiceArea = length(normal);
+    if (twiceArea == 0.0) {
         triangles.resize(first);
         return;
     }
     for (std::size_t i = first; i < triangles.size(); ++i) {
-        const auto& corners = triangles[i].corners;
-        triangles[i].area = dot(cross(corners[1] - corners[0], corners[2] - corners[0]), normal) / size / 2.0;
+        const auto& [a, b, c] = triangles[i].corners;
+        triangles[i].area = dot(cross(b - a, c - a), normal) / twiceArea / 2.0;
     }
 }
 
-std::vector<Triangle> trianglesOf(const std::vector<Surface>& surfaces, const Vector3& base) {
+std::vector<Triangle> trianglesOf(const std::vector<SolidSurface>& surfaces, const Vector3& base) {
     std::vector<Triangle> triangles;
-    for (const Surface& surface : surfaces) {
-        for (const std::vector<std::uint32_t>& polygon : surface.polygons) {
-            addTriangles(surface, polygon, base, triangles);
+    for (const SolidSurface& surface : surfaces) {
+        const std::uint32_t* polygon = surface.corners.data();
+        for (const std::uint32_t size : surface.sizes) {
+            addTriangles(surface, polygon, size, base, triangles);
+            polygon += size;
         }
     }
     return triangles;
@@ -100,7 +101,7 @@ void divideByArea(Shape& shape) {
 
 } // namespace
 
-Shape shapeOf(const std::vector<Surface>& surfaces) {
+Shape shapeOf(const std::vector<SolidSurface>& surfaces) {
     const std::optional<Box> box = boxOf(surfaces);
     Shape shape;
     if (!box) {
@@ -130,19 +131,17 @@ Shape shapeOf(const std::vector<Surface>& surfaces) {
     return shape;
 }
 
-std::optional<Box> boxOf(const std::vector<Surface>& surfaces) {
+std::optional<Box> boxOf(const std::vector<SolidSurface>& surfaces) {
     std::optional<Box> box;
-    for (const Surface& surface : surfaces) {
-        for (const std::vector<std::uint32_t>& polygon : surface.polygons) {
-            for (const std::uint32_t index : polygon) {
-                const Vector3& vertex = surface.vertices[index];
-                if (!box) {
-                    box = Box{vertex, vertex};
-                }
-                for (std::size_t k = 0; k < vertex.size(); ++k) {
-                    box->low[k] = std::min(box->low[k], vertex[k]);
-                    box->high[k] = std::max(box->high[k], vertex[k]);
-                }
+    for (const SolidSurface& surface : surfaces) {
+        for (const std::uint32_t index : surface.corners) {
+            const Vector3& vertex = surface.vertices[index];
+            if (!box) {
+                box = Box{vertex, vertex};
+            }
+            for (std::size_t k = 0; k < vertex.size(); ++k) {
+                box->low[k] = std::min(box->low[k], vertex[k]);
+                box->high[k] = std::max(box->high[k], vertex[k]);
             }
         }
     }

@@ -5,13 +5,14 @@
 #pragma once
 
 #include "state/Shape.h"
-#include "state/Solids.h"
+
+#include <PluginKit/Solids.h>
 
 #include <optional>
 #include <vector>
 
 /** The shape of all surfaces together; its area is 0 where there is none. */
-Shape shapeOf(const std::vector<Surface>& surfaces);
+Shape shapeOf(const std::vector<PluginKit::SolidSurface>& surfaces);
 
 /** The box around the vertices of all polygons; nothing where there is none. */
-std::optional<Box> boxOf(const std::vector<Surface>& surfaces);
+std::optional<Box> boxOf(const std::vector<PluginKit::SolidSurface>& surfaces);
