@@ -113,6 +113,34 @@ TEST(ComparisonTest, theDisplacementOfTheWholeIsSaidOnceWhateverWasEdited) {
     }
 }
 
+TEST(ComparisonTest, aModelOfNothingButEqualObjectsIsLaidOverTheOtherOne) {
+    // Rows of equal desks without names, of which some went and some were moved.
+    const RigidMotion motion = {rotationAbout({0.0, 0.0, 1.0}, 2.5), {100.0, 40.0, 3.0}};
+    Records before;
+    Records now;
+    std::mt19937 random(5);
+    for (int i = 0; i < 400; ++i) {
+        const Vector3 place = {2.0 * (i % 20), 3.0 * (i / 20), 0.0};
+        const PluginKit::SolidSurface desk = shifted(block(1.6, 0.8 + 0.1 * (i % 2), 0.75), place);
+        before.push_back(object("a" + std::to_string(i), "", desk, "IFCDESK"));
+        const double edit = random() % 20 == 0 ? 0.2 : 0.0;
+        if (random() % 20 != 0) {
+            now.push_back(
+                object("b" + std::to_string(i), "", placed(shifted(desk, {edit, 0.0, 0.0}), motion), "IFCDESK"));
+        }
+    }
+    const Comparison comparison = compare(before, now);
+    ASSERT_TRUE(comparison.displacement);
+    EXPECT_NEAR(comparison.displacement->turn, 2.5 * 180.0 / pi, 1e-3);
+    EXPECT_NEAR(length(comparison.displacement->shift - motion.shift), 0.0, 1e-3);
+    EXPECT_EQ(comparison.count(Status::Reidentified), now.size());
+    for (const Change& change : comparison.changes) {
+        if (change.now != nullptr && change.before != nullptr) {
+            EXPECT_EQ(identityText(*change.before).substr(1), identityText(*change.now).substr(1));
+        }
+    }
+}
+
 TEST(ComparisonTest, aPartOfTheModelThatMovedIsNoDisplacement) {
     const Records before = Office().objects("a");
     Records now = before;

@@ -18,10 +18,7 @@ Body bodyOf(const ObjectRecord& object) {
     body.volume = volumeOf(object);
     body.centre = body.hasSurface() ? object.shape.centroid : centreOf(object.box);
     if (body.hasSurface()) {
-        const Eigenvectors<3> axes = principalAxes(body.shape);
-        for (std::size_t i = 0; i < body.spread.size(); ++i) {
-            body.spread[i] = std::sqrt(std::fmax(axes.values[i], 0.0));
-        }
+        body.spread = spreadOf(body.shape);
     } else {
         for (std::size_t i = 0; i < body.spread.size(); ++i) {
             body.spread[i] = object.box.size(i) / 2.0;

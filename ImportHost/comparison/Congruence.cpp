@@ -162,10 +162,8 @@ bool measureAlike(const Body& a, const Body& b) {
 }
 
 bool lieAlike(const Body& a, const Body& b) {
-    if (!measureAlike(a, b) || !sameBoxSize(a, b)) {
-        return false;
-    }
-    return !bothHaveSurface(a, b) || agree(a.shape, b.shape, MomentTolerances(b.shape, shapeTolerance));
+    return measureAlike(a, b) && sameBoxSize(a, b) &&
+           (!bothHaveSurface(a, b) || agree(a.shape, b.shape, MomentTolerances(b.shape, shapeTolerance)));
 }
 
 bool areInPlace(const Body& a, const Body& b) {

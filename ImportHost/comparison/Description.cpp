@@ -21,7 +21,7 @@ Motion motionOf(const Body& before, const Body& now, const Rotation& turn) {
 } // namespace
 
 void describe(Change& change, const Body& before, const Body& now) {
-    if (identityText(*before.record) != identityText(*now.record)) {
+    if (!haveSameIdentity(*before.record, *now.record)) {
         change.changes.push_back(Status::Reidentified);
     }
     if (before.record->className != now.record->className) {

@@ -36,3 +36,6 @@ std::vector<Harmonic> harmonicsOf(const Shape& shape, double distance);
 
 /** The axes about which the surface spreads most, second and least, with the squares of how far. */
 Eigenvectors<3> principalAxes(const Shape& shape);
+
+/** How far the surface lies from its centroid along these axes, in metres. */
+Vector3 spreadOf(const Shape& shape);

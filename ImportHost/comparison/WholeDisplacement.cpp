@@ -1,6 +1,8 @@
 #include "comparison/WholeDisplacement.h"
 
 #include "comparison/Congruence.h"
+#include "comparison/Grid.h"
+#include "comparison/Registration.h"
 
 #include <algorithm>
 #include <cmath>
@@ -209,14 +211,8 @@ RigidMotion simplestMotion(const std::vector<PointPair>& pairs) {
     return any;
 }
 
-} // namespace
-
-std::optional<RigidMotion> displacementOf(const Pairing& pairing) {
-    const Witnesses witnesses = witnessesOf(pairing);
-    if (witnesses.size() < fewestObjects) {
-        return std::nullopt;
-    }
-    RigidMotion motion = Consensus(witnesses).result();
+/** The motion that a first guess leads to, if the witnesses bear it out. */
+std::optional<RigidMotion> confirmed(RigidMotion motion, const Witnesses& witnesses) {
     std::vector<PointPair> pairs;
     constexpr int refinements = 3;
     for (int i = 0; i < refinements; ++i) {
@@ -245,4 +241,67 @@ std::optional<RigidMotion> displacementOf(const Pairing& pairing) {
         });
     }
     return static_cast<double>(stayed) <= share(mostThatStayed) ? std::optional<RigidMotion>(motion) : std::nullopt;
+}
+
+/** The free objects with those near the places to which a motion takes the old ones. */
+Witnesses witnessesOf(const Pairing& pairing, const RigidMotion& motion) {
+    constexpr double reach = 0.05;
+    constexpr double cell = 1.0;
+    Grid grid(cell);
+    for (const std::size_t i : pairing.freeBefore()) {
+        grid.add(motion.apply(pairing.before()[i].centre), i);
+    }
+    grid.sort();
+    Witnesses witnesses;
+    for (const std::size_t i : pairing.freeNow()) {
+        Witness& witness = witnesses.emplace_back();
+        witness.now = pairing.now()[i].centre;
+        grid.forEachNear(witness.now, reach, [&](std::size_t before) {
+            if (pairing.before()[before].record->className == pairing.now()[i].record->className) {
+                witness.before.push_back(pairing.before()[before].centre);
+            }
+        });
+    }
+    return witnesses;
+}
+
+/** Whether most objects of both models have no partner. */
+bool areMostFree(const Pairing& pairing) {
+    return 2 * pairing.freeNow().size() > pairing.now().size() &&
+           2 * pairing.freeBefore().size() > pairing.before().size();
+}
+
+/** Objects at the distance of a centimetre or two agree badly with a first guess: it is made better step by step. */
+RigidMotion refined(RigidMotion motion, const Witnesses& witnesses) {
+    for (const double allowed : {0.05, 0.02}) {
+        std::vector<PointPair> pairs;
+        for (const Witness& witness : witnesses) {
+            for (const Vector3& before : witness.before) {
+                if (largestPart(motion.apply(before) - witness.now) <= allowed) {
+                    pairs.emplace_back(before, witness.now);
+                }
+            }
+        }
+        if (pairs.size() >= fewestObjects) {
+            motion = fittedTurnAboutZ(pairs);
+        }
+    }
+    return motion;
+}
+
+} // namespace
+
+std::optional<RigidMotion> displacementOf(const Pairing& pairing) {
+    const Witnesses witnesses = witnessesOf(pairing);
+    if (witnesses.size() >= fewestObjects) {
+        if (const std::optional<RigidMotion> motion = confirmed(Consensus(witnesses).result(), witnesses)) {
+            return motion;
+        }
+    }
+    const std::optional<RigidMotion> guess = areMostFree(pairing) ? registeredMotion(pairing) : std::nullopt;
+    if (!guess) {
+        return std::nullopt;
+    }
+    const Witnesses all = witnessesOf(pairing, *guess);
+    return confirmed(refined(*guess, all), all);
 }

@@ -4,6 +4,7 @@
 
 #include <PluginKit/Text.h>
 
+#include <cstring>
 #include <stdexcept>
 
 using namespace ImportCommon;
@@ -202,6 +203,15 @@ std::optional<std::string> attributeOf(const ObjectRecord& record, std::string_v
 
 std::string identityText(const ObjectRecord& record) {
     return record.sourceId.empty() ? guidText(record.identity) : record.sourceId;
+}
+
+bool haveSameIdentity(const ObjectRecord& a, const ObjectRecord& b) {
+    if (!a.sourceId.empty() || !b.sourceId.empty()) {
+        return identityText(a) == identityText(b);
+    }
+    unsigned int size = 0;
+    const char* const bytes = a.identity.getBytes(&size);
+    return std::memcmp(bytes, b.identity.getBytes(&size), size) == 0;
 }
 
 std::string recordToLine(const ObjectRecord& record) {

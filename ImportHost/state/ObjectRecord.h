@@ -44,6 +44,9 @@ std::optional<std::string> attributeOf(const ObjectRecord& record, std::string_v
  */
 std::string identityText(const ObjectRecord& record);
 
+/** Whether that is the same for both. */
+bool haveSameIdentity(const ObjectRecord& a, const ObjectRecord& b);
+
 /** The line of the state. */
 std::string recordToLine(const ObjectRecord& record);
 
