@@ -39,9 +39,13 @@ std::string_view argumentOf(const StepInstance& instance, std::size_t number) {
     return StepArguments(instance.arguments).nextAfter(number);
 }
 
-std::optional<std::string> textAt(const StepInstance& instance, std::size_t number) {
-    const auto quoted = stepQuoted(argumentOf(instance, number));
+std::optional<std::string> textOf(std::string_view argument) {
+    const auto quoted = stepQuoted(argument);
     return quoted ? std::optional<std::string>(decodeStepText(*quoted)) : std::nullopt;
+}
+
+std::optional<std::string> textAt(const StepInstance& instance, std::size_t number) {
+    return textOf(argumentOf(instance, number));
 }
 
 } // namespace
@@ -94,9 +98,10 @@ Place Model::Parts::place(std::size_t index) const {
 }
 
 void Model::Parts::describe(Product& product, const StepInstance& instance) const {
-    product.name = textAt(instance, nameArgument);
-    product.description = textAt(instance, nameArgument + 1);
-    product.objectType = textAt(instance, nameArgument + 2);
+    StepArguments arguments(instance.arguments);
+    product.name = textOf(arguments.nextAfter(nameArgument));
+    product.description = textOf(arguments.nextAfter(0));
+    product.objectType = textOf(arguments.nextAfter(0));
     if (!isSpatial(instance.keyword)) {
         product.tag = textAt(instance, instance.keyword == "IFCPROXY" ? tagArgument + 1 : tagArgument);
     }

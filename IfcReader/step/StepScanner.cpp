@@ -36,6 +36,20 @@ constexpr std::array<bool, 256> meaningTable() {
 }
 constexpr std::array<bool, 256> meaning = meaningTable();
 
+/** Characters of words as upper case; 0 for all others. */
+constexpr std::array<char, 256> wordTable() {
+    std::array<char, 256> table{};
+    for (char c = 'A'; c <= 'Z'; ++c) {
+        table[static_cast<unsigned char>(c)] = c;
+        table[static_cast<unsigned char>(c - 'A' + 'a')] = c;
+    }
+    for (const char c : {'0', '1', '2', '3', '4', '5', '6', '7', '8', '9', '_', '-', '!'}) {
+        table[static_cast<unsigned char>(c)] = c;
+    }
+    return table;
+}
+constexpr std::array<char, 256> wordCharacters = wordTable();
+
 /** A report for so many bytes. */
 constexpr std::size_t reportStep = std::size_t{1} << 20;
 
@@ -89,10 +103,11 @@ void StepScanner::skipText(char quote) {
 std::string_view StepScanner::takeWord() {
     const std::size_t begin = place_;
     for (; place_ < size_; ++place_) {
-        const char c = text_[place_] = upper(text_[place_]);
-        if (!(c >= 'A' && c <= 'Z') && !isDigit(c) && c != '_' && c != '-' && c != '!') {
+        const char c = wordCharacters[static_cast<unsigned char>(text_[place_])];
+        if (c == 0) {
             break;
         }
+        text_[place_] = c;
     }
     return std::string_view(text_ + begin, place_ - begin);
 }
@@ -298,7 +313,13 @@ void StepScanner::noteReference() {
 }
 
 std::uint32_t StepScanner::keywordNumber(std::string_view keyword) {
+    // The classes of instances come in rows: most keywords were met just before.
+    std::uint32_t& latest = latestKeywords_[keyword.size() % latestKeywords_.size()];
+    if (latest < file_.keywords_.size() && file_.keywords_[latest] == keyword) {
+        return latest;
+    }
     const auto [found, isNew] = keywordNumbers_.emplace(keyword, static_cast<std::uint32_t>(file_.keywords_.size()));
+    latest = found->second;
     if (isNew) {
         file_.keywords_.push_back(keyword);
         counts_.push_back(argumentCount(keyword));

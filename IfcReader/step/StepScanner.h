@@ -52,7 +52,8 @@ private:
     std::size_t nextReport_ = 0;
 
     std::unordered_map<std::string_view, std::uint32_t> keywordNumbers_;
-    std::vector<std::size_t> counts_; ///< arguments that each keyword asks for
+    std::array<std::uint32_t, 32> latestKeywords_{}; ///< by length
+    std::vector<std::size_t> counts_;                ///< arguments that each keyword asks for
 
     /** Numbers that arguments refer to: a bit for each of the small ones, the others one by one. */
     std::vector<bool> needed_;
