@@ -34,6 +34,47 @@ std::size_t BspTree::bestOf(const std::vector<FlatPolygon>& polygons) const {
     return best;
 }
 
+/**
+ * A plane at a right angle to an axis that has about as many polygons on either side and goes through no corner; none
+ * for few polygons, or where most lie across. A round body has no face whose plane others lie in front of: without such
+ * planes its tree would be one long chain.
+ */
+Plane BspTree::halvingPlane(const std::vector<FlatPolygon>& polygons) const {
+    constexpr std::size_t fewPolygons = 48;
+    if (polygons.size() < fewPolygons) {
+        return {};
+    }
+    Plane best;
+    std::size_t leastCost = polygons.size() * 3 / 4;
+    for (const Vector& axis : {Vector{1, 0, 0}, Vector{0, 1, 0}, Vector{0, 0, 1}}) {
+        std::vector<double> corners;
+        for (const FlatPolygon& polygon : polygons) {
+            for (const Vector& p : polygon.points) {
+                corners.push_back(dot(axis, p));
+            }
+        }
+        std::sort(corners.begin(), corners.end());
+        std::size_t widest = corners.size() / 3;
+        for (std::size_t i = widest; i < corners.size() * 2 / 3; ++i) {
+            widest = corners[i + 1] - corners[i] > corners[widest + 1] - corners[widest] ? i : widest;
+        }
+        const Plane plane{axis, (corners[widest] + corners[widest + 1]) / 2.0};
+        std::size_t front = 0;
+        std::size_t back = 0;
+        for (const FlatPolygon& polygon : polygons) {
+            const Side side = sideOf(polygon, plane, thickness_);
+            front += (side & inFront) != 0 ? 1 : 0;
+            back += (side & behind) != 0 ? 1 : 0;
+        }
+        const bool isClear = corners[widest + 1] - corners[widest] > 4.0 * thickness_;
+        if (isClear && front > 0 && back > 0 && std::max(front, back) < leastCost) {
+            leastCost = std::max(front, back);
+            best = plane;
+        }
+    }
+    return best;
+}
+
 BspTree::Index BspTree::build(std::vector<FlatPolygon> polygons, int depth) {
     if (polygons.empty()) {
         return nothing;
@@ -42,10 +83,12 @@ BspTree::Index BspTree::build(std::vector<FlatPolygon> polygons, int depth) {
         throw LimitError("a body with too many faces to be cut");
     }
     work_.add(polygons.size() * 8);
-    const std::size_t best = bestOf(polygons);
+    Plane plane = halvingPlane(polygons);
+    const bool halves = plane.isKnown();
+    const std::size_t best = halves ? polygons.size() : bestOf(polygons);
+    plane = halves ? plane : polygons[best].plane;
     const Index index = static_cast<Index>(nodes_.size());
-    const Plane plane = polygons[best].plane;
-    nodes_.push_back({plane});
+    nodes_.push_back({plane, halves});
     std::vector<FlatPolygon> front;
     std::vector<FlatPolygon> back;
     for (std::size_t i = 0; i < polygons.size(); ++i) {
@@ -87,6 +130,9 @@ bool BspTree::clip(Index node, const FlatPolygon& polygon, const Keep& keep, std
     work_.add(polygon.points.size());
     const Plane& plane = nodes_[static_cast<std::size_t>(node)].plane;
     const Side side = sideOf(polygon, plane, thickness_);
+    if (side == onPlane && nodes_[static_cast<std::size_t>(node)].halves) {
+        return clipBeside(node, true, polygon, keep, kept); // what is on either side of the plane is the same there
+    }
     if (side == onPlane) {
         const bool alike = dot(polygon.plane.normal, plane.normal) > 0.0;
         if (keep.onSurface != Keep::OnSurface::bothSides) {

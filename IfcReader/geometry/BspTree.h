@@ -44,11 +44,13 @@ private:
 
     struct Node {
         Plane plane;
+        bool halves = false; ///< it only parts space between the polygons; no face lies in it
         Index front = nothing;
         Index back = nothing;
     };
 
     Index build(std::vector<FlatPolygon> polygons, int depth);
+    Plane halvingPlane(const std::vector<FlatPolygon>& polygons) const;
     std::size_t bestOf(const std::vector<FlatPolygon>& polygons) const;
     bool clip(Index node, const FlatPolygon& polygon, const Keep& keep, std::vector<FlatPolygon>& kept) const;
     bool clipBeside(Index node, bool front, const FlatPolygon& polygon, const Keep& keep,
