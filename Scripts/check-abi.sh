@@ -13,6 +13,8 @@ headers=(ImportSDK/ImportCommon/Include DbFast/Include)
 rm -rf "$build"
 mkdir -p "$build"
 
+library() { echo "$build/$1/ImportSDK/ImportCommon/libimport-common.so"; }
+
 # dump NAME SOURCES: builds the library of a source tree and writes what it shows to NAME.abi.
 dump() {
     local folder=$build/$1 sources=$2 options=()
@@ -23,14 +25,13 @@ dump() {
         options+=(--headers-dir "$sources/$header")
     done
     abidw --no-corpus-path --no-comp-dir-path "${options[@]}" --out-file "$build/$1.abi" \
-        "$folder/ImportSDK/ImportCommon/libimport-common.so"
+        "$(library "$1")"
 }
 
-library=$build/now/ImportSDK/ImportCommon/libimport-common.so
 dump now "$root"
 
 # The dump has to know what each exported function takes and returns; a constructor's two names are one.
-nm -D --defined-only "$library" | awk '{ print $3 }' | sort >"$build/exported"
+nm -D --defined-only "$(library now)" | awk '{ print $3 }' | sort >"$build/exported"
 grep -o "elf-symbol name='[^']*'" "$build/now.abi" | cut -d"'" -f2 | sort -u >"$build/symbols"
 described=$(grep -c "<function-decl .*elf-symbol-id=" "$build/now.abi")
 if [ ! -s "$build/exported" ] || ! cmp "$build/exported" "$build/symbols" || [ "$described" -lt 200 ]; then
@@ -54,7 +55,7 @@ name() { readelf -d "$1" | sed -n 's/.*soname: \[\(.*\)\]/\1/p'; }
 if [ $((result & 3)) -ne 0 ]; then
     echo "check-abi.sh: the comparison failed" >&2
     exit 1
-elif [ $((result & 8)) -ne 0 ] && [ "$(name "$library")" = "$(name "${library/now/before}")" ]; then
+elif [ $((result & 8)) -ne 0 ] && [ "$(name "$(library now)")" = "$(name "$(library before)")" ]; then
     echo "check-abi.sh: programs built with $commit would break: take back the change, or count the version up" >&2
     exit 1
 fi

@@ -52,7 +52,7 @@ void IFC2X3PropertySet::emplace(Arguments&&... arguments) {
 
 IFC2X3PropertySet::IFC2X3PropertySet() noexcept = default;
 
-/** A set that is still to be copied, and where to: sets nest as deep as a file says, so no call may stand for a level. */
+/** A set that is still to be copied, and where to. A list of them, not recursion: sets nest as deep as a file says. */
 struct IFC2X3PropertySet::Copying {
     const IFC2X3PropertySet* from;
     IFC2X3PropertySet* to;

@@ -51,7 +51,7 @@ constexpr std::size_t chunkSize = 64; // characters that are looked at together
 enum class Way { CountPlain, DecodePlain, DecodePairs, DecodeTriples, EncodePlain, EncodePairs, EncodeTriples };
 
 #ifdef IMPORT_COMMON_COUNT_WAYS
-/** Told how many characters went which way; a test defines it, which can't see otherwise that a way is never taken. */
+/** Hears how many characters went which way. A test defines it: no result shows that a way is never taken. */
 void taken(Way way, std::size_t characters);
 #else
 constexpr void taken(Way /*way*/, std::size_t /*characters*/) {

@@ -14,7 +14,7 @@ namespace PluginKit {
  * The identity of an object that its source knows by a text of any length: a 128-bit hash of the text in the form of a
  * PX GUID, the same on every system and in every version.
  *
- * Two ids share a hash about as often as two of 2^64 do: never, unless somebody makes them so on purpose. Keep the id
+ * With fewer than some 2^60 ids no two have the same hash, unless somebody makes them so on purpose. Keep the id
  * itself beside the object (ObjectLine::sourceId), for whoever reads the report. An id of exactly 22 characters that
  * is an IFC GlobalId is better given to ExternalGUID::fromIFCGlobalID, which cuts longer ones.
  *

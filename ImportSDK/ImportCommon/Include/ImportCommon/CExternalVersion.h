@@ -33,7 +33,8 @@ enum ExternalVersionType_e : unsigned int {
  *
  * Numbers are taken as they come. A value that is not a number agrees with every value, since no difference from it is
  * larger than a tolerance; keep such values out. Pointers must not be null. A getter that says something on the log
- * also stops in a debugger that is attached, see KitDebugBreak.
+ * also stops in a debugger that is attached, and so does fromByteStream at the first fault of each kind; see
+ * KitDebugBreak.
  */
 class IMPORT_COMMON_API CExternalVersion {
 public:
@@ -96,10 +97,10 @@ public:
      * How alike two versions are, from 0 (different) to 1 (the same), scored by the kind of this object:
      * a.similarity(b) and b.similarity(a) differ between kinds. What the other does not carry counts as its zeros.
      * Invalid and unknown kinds score 0. Differences are measured by the mean distance, so that two solids or
-     * geometries whose distances are all zero score NaN, and a NaN among the values can make any score one.
+     * geometries whose distances are all zero score NaN, and a NaN among the values can make the score NaN.
      *
-     * The score is not bounded by 1: of two negative volumes the smaller one divided by the larger one is above 1, and
-     * so are negative distances whose mean is below zero. Only volumes and distances of 0 and above stay within 0 to 1.
+     * The score is not bounded by 1: negative volumes can take it above 1, and so can distances whose mean is below
+     * zero. It stays between 0 and 1 only if no volume and no distance is negative.
      * @param other  the version to compare with
      * @return the score
      */

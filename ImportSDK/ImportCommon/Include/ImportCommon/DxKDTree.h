@@ -50,9 +50,9 @@ public:
     unsigned int find(const double* vector);
 
     /**
-     * The vector of a node, owned by the tree and valid as long as it.
+     * The vector of a node, owned by the tree and valid as long as the tree.
      * @param id  compared with the room in the tree only: an id at or above getCount() may give a vector without
-     * meaning
+     *            meaning
      * @return null when the id is beyond the tree's blocks of 1024 nodes
      */
     const double* getVector(unsigned int id);

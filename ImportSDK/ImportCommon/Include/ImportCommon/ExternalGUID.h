@@ -27,9 +27,9 @@ struct PXGUID_t {
  * |      8 |   88 | spatial hash: 11 doubles; GlobalId: 22 characters; PX: 16 bytes;         |
  * |        |      | Halvorne: signed 32-bit integer; the rest is zero                        |
  *
- * A value class: it owns one heap block, and copies are deep. The first call of a getter for another kind in a process
- * stops in an attached debugger. Without memory for the block a value is empty; an empty
- * value reads as an all-zero record of kind GUIDTypeNone and ignores what is assigned to it. Nothing throws.
+ * A value class: it owns one heap block, and copies are deep. A getter that is called for another kind stops in an
+ * attached debugger, the first time in a process. Without memory for the block a value is empty; an empty value reads
+ * as an all-zero record of kind GUIDTypeNone and ignores what is assigned to it. Nothing throws.
  */
 class IMPORT_COMMON_API ExternalGUID {
 public:

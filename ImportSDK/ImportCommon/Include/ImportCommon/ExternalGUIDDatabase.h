@@ -23,10 +23,9 @@ enum ExternalGUIDRuntimeID_e : int {
  * their kind. Nothing is ever removed. Not safe for use by several threads at a time. Nothing throws.
  *
  * Spatial hashes are kept in a k-d tree of their own and get its node numbers. A hash gets the id of an earlier one
- * when the absolute differences of their 11 values add up to less than 0.01, and the search comes by it: the search
- * goes down one side of each split and never looks at the other. Two hashes that close to each other, but on different
- * sides of the split of a third one, get different ids. Which of several that match is found depends on the order of
- * insertion.
+ * when the absolute differences of their 11 values add up to less than 0.01 and the search passes it: the search goes
+ * down one side of each split and never looks at the other. Two hashes as close as that, but on different sides of the
+ * split of a third one, get different ids. Which of several matches is found depends on the order of insertion.
  */
 class IMPORT_COMMON_API ExternalGUIDDatabase {
 public:

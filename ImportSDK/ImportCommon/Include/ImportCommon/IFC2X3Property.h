@@ -17,8 +17,8 @@ class IFC2X3PropertyComplex; // whose header may be in the middle of including t
  * A property: name, description, and one typed value or a nested set. A value class; copies are deep.
  *
  * Texts hold 256 characters, stored inline, and end with a zero; longer ones are cut, as
- * IFC2X3PropertySingleValue::getStringValue says. Copying a property with a nested set, and
- * constructing one, throws `std::bad_alloc` without memory; nothing else throws.
+ * IFC2X3PropertySingleValue::getStringValue says. Constructing or copying a property with a nested set throws
+ * `std::bad_alloc` without memory; nothing else throws.
  */
 class IMPORT_COMMON_API IFC2X3Property {
 public:

@@ -59,11 +59,15 @@ IMPORT_COMMON_API bool IsDebuggerPresent();
  * Stops at a breakpoint when IsDebuggerPresent says so, and does nothing otherwise. A tracer that doesn't expect
  * breakpoints ends the process with a signal.
  *
- * In the library the first misuse of each of these functions comes here: the getters of CExternalVersion, ExternalGUID
- * and IFC2X3PropertySingleValue for a kind or type that they don't serve, and createPropertySingleValueInteger,
- * createPropertySingleValueInteger64 and createPropertySingleValueReal for a type that they don't make; so does the
- * first failure of each that writes a warning to the log: StringOperations for invalid UTF-8 (and with it whatever
- * decodes text), ForeignObjectSolid without memory, and DynamicLibrary for a library that can't be loaded.
+ * The library calls it the first time that
+ * - a getter of CExternalVersion, ExternalGUID or IFC2X3PropertySingleValue is called for a kind or type that it
+ *   doesn't serve (each getter has a first time of its own);
+ * - createPropertySingleValueInteger, createPropertySingleValueInteger64 or createPropertySingleValueReal is given a
+ *   type that it doesn't make;
+ * - fromByteStream of a version finds too few bytes for volume and centroid, too few for distances, or another number
+ *   than those of a box;
+ * - a function writes its warning to the log: StringOperations for invalid UTF-8 (and with it whatever decodes text),
+ *   ForeignObjectSolid without memory, DynamicLibrary for a library that can't be loaded.
  */
 IMPORT_COMMON_API void KitDebugBreak();
 

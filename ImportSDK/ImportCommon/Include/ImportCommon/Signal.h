@@ -17,7 +17,7 @@ class IMPORT_COMMON_API Signal {
 public:
     /** An event that is not raised. */
     Signal();
-    /** Waits for threads that are still inside of raise. REQUIRES: no thread waits, or will raise or wait. */
+    /** Waits for threads that are still inside raise. REQUIRES: no thread waits, or will raise or wait. */
     ~Signal();
 
     /** Not copied: others refer to it. */

@@ -20,7 +20,7 @@ namespace ImportCommon {
  * and third byte of a sequence are taken as they come, and overlong forms are accepted. Stored data depends on these
  * rules, so they are kept as they are.
  *
- * Each function that meets invalid UTF-8 says so once per process on the log, which stops in an attached debugger, and
+ * Each function that meets invalid UTF-8 says so once per process on the log, stops in an attached debugger then, and
  * gives the result named at it. Functions that return or fill a string throw `std::bad_alloc` without memory, and so
  * does the buffer form of ConvertToCurrentLocale; nothing else is ever thrown.
  *

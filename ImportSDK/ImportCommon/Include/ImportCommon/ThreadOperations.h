@@ -10,7 +10,7 @@
 
 namespace ImportCommon {
 
-/** Threads. Any thread may create, close and ask about threads; each thread is closed by one. */
+/** Threads. Any thread may create, close and ask about threads; each is closed once. */
 class IMPORT_COMMON_API ThreadOperations {
 public:
     /**
