@@ -139,6 +139,14 @@ TEST(IfcModelTest, everyProductHasItsPlaceInTheTree) {
     EXPECT_DOUBLE_EQ(*model->product(2).elevation, 3.0);
 }
 
+TEST(IfcModelTest, aBodyThatItsOpeningTakesAwayIsToldOf) {
+    const Product wall = productNamed("Wall", "#70=IFCOPENINGELEMENT('x',$,'All',$,$,#11,#56,$);"
+                                              "#71=IFCRELVOIDSELEMENT('x',$,$,$,#30,#70);");
+    EXPECT_TRUE(wall.shape.parts.empty());
+    ASSERT_EQ(wall.shape.doubts.size(), 1u);
+    EXPECT_NE(wall.shape.doubts.front().find("nothing of its body is left"), std::string::npos);
+}
+
 TEST(IfcModelTest, circlesAndRepetitionsInTheTreeLoseNothing) {
     const auto model =
         Model::ofText(fileOf("#70=IFCSLAB('0000000000000000000070',$,'A',$,$,#11,#56,$,$);#71=IFCSLAB('"

@@ -166,6 +166,7 @@ void ShapeBuilder::build(std::uint64_t product, Work& work, Shape& shape) const 
     ItemBuilder builder(items, mapped_);
     try {
         appendBodies(item, builder);
+        const bool hasBody = !builder.bodies.empty();
         const std::vector<std::uint64_t> openings = openings_.openingsOf(product);
         if (!builder.bodies.empty() && !openings.empty()) {
             Cutters cutters(items, mapped_, placements_);
@@ -175,6 +176,9 @@ void ShapeBuilder::build(std::uint64_t product, Work& work, Shape& shape) const 
             cutters.cut(builder.bodies, builder.doubts);
         }
         appendParts(builder.bodies, world, shape);
+        if (hasBody && shape.parts.empty() && builder.doubts.empty()) {
+            builder.doubts.push_back(std::string(item.keyword()) + ": nothing of its body is left");
+        }
     } catch (const LimitError& error) {
         shape.parts.clear();
         builder.doubts.assign(1, error.what());
