@@ -23,7 +23,7 @@ constexpr double cosineOfEdge = 0.9063;
 
 template <typename Number>
 void appendNumber(std::string& bytes, Number number) {
-    // Targets are little-endian; a page is read by machines that are as well, or swapped by its reader.
+    // The page reads numbers as its machine has them, and machines with browsers have the low byte first.
     bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
 }
 

@@ -25,6 +25,8 @@ class Camera {
         if (!box.isEmpty()) {
             box.getCenter(this.middle);
             this.radius = Math.max(box.getSize(new THREE.Vector3()).length() / 2, 0.5);
+            this.controls.minDistance = 0.2;
+            this.controls.maxDistance = 30 * this.radius;
         }
     }
 
