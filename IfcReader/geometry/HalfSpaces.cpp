@@ -139,10 +139,10 @@ Body unbounded(const Item& item, const Ball& ball) {
     if (surface.is("IFCSURFACEOFLINEAREXTRUSION")) {
         return besideExtrusion(surface, agrees, ball);
     }
-    if (surface.is("IFCSURFACEOFREVOLUTION")) {
-        return besideRevolution(surface, agrees, ball, item.items().work());
+    if (!surface.is("IFCSURFACEOFREVOLUTION")) {
+        surface.fail("it can't be made a half-space");
     }
-    surface.fail("it can't be made a half-space");
+    return besideRevolution(surface, agrees, ball, item.items().work());
 }
 
 /** What lies above and below a polygon. */

@@ -130,10 +130,10 @@ Body ItemBuilder::solidBody(const Item& item) {
     if (item.is("IFCCSGSOLID")) {
         return body(item.child(0));
     }
-    if (isPrimitive(item)) {
-        return primitiveOf(item);
+    if (!isPrimitive(item)) {
+        item.fail("no shape that is known");
     }
-    item.fail("no shape that is known");
+    return primitiveOf(item);
 }
 
 Body ItemBuilder::secondOperand(const Item& item, const Body& first) {

@@ -69,10 +69,10 @@ Vector surfaceNormal(const Item& surface, const Vector& p) {
     if (basis.is("IFCSURFACEOFLINEAREXTRUSION")) {
         return extrusionNormal(basis, p);
     }
-    if (basis.is("IFCSURFACEOFREVOLUTION")) {
-        return revolutionNormal(basis, p);
+    if (!basis.is("IFCSURFACEOFREVOLUTION")) {
+        basis.fail("no surface that is known");
     }
-    basis.fail("no surface that is known");
+    return revolutionNormal(basis, p);
 }
 
 } // namespace IfcReader
