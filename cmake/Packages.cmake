@@ -29,7 +29,6 @@ if(TARGET import-host)
     set(CPACK_DEBIAN_HOST_PACKAGE_NAME import-host)
     set(CPACK_DEBIAN_HOST_PACKAGE_SECTION utils)
     set(CPACK_DEBIAN_HOST_PACKAGE_DEPENDS "libimport-common${IMPORTCOMMON_ABI} (= ${PROJECT_VERSION})")
-    set(CPACK_DEBIAN_HOST_PACKAGE_GENERATE_SHLIBS OFF) # its plug-in is no library for others
     set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/ImportSDK/ImportCommon)
 endif()
 
