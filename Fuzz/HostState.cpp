@@ -98,15 +98,20 @@ void checkState(const std::string& content) {
     require(linesOf(StateFolder(folder.path()).objects()) == lines, "state read back");
 }
 
-void checkStreams(const std::string& objects, const std::string& polygons, const std::string& attributes) {
+void checkStreams(const std::string& objects, const std::string& polygons, const std::string& attributes,
+                  const std::string& solids) {
     static const Folder folder;
     write(folder.path() + "/objects", objects);
     write(folder.path() + "/polygons", polygons);
     write(folder.path() + "/attributes", attributes);
+    write(folder.path() + "/solids", solids);
     try {
-        for (const ObjectRecord& record : readObjects(folder.path(), "plugin")) {
+        const std::vector<ObjectRecord> records = readObjects(folder.path(), "plugin");
+        for (const ObjectRecord& record : records) {
             checkLine(recordToLine(record));
         }
+        require(compare({}, records).changes.size() == records.size(), "one change for each object");
+        compare(records, {records.rbegin(), records.rend()});
     } catch (const Failure&) {
     }
 }
@@ -125,7 +130,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     case 2: {
         const std::string objects = input.field('\0');
         const std::string polygons = input.field('\0');
-        checkStreams(objects, polygons, input.bytes());
+        const std::string attributes = input.field('\0');
+        checkStreams(objects, polygons, attributes, input.bytes());
         break;
     }
     default:

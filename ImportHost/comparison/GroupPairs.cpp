@@ -62,10 +62,15 @@ private:
 std::vector<Candidate> candidatesOf(const Pairing& pairing) {
     constexpr std::size_t mostOfAShape = 600; // of more equal objects every shift fits some
     constexpr std::size_t most = 400000;
-    const CopyCheck copies(pairing);
-    const ByArea byArea(pairing.before(), pairing.freeBefore());
     std::vector<Candidate> candidates;
-    for (const std::size_t now : pairing.freeNow()) {
+    const std::vector<std::size_t> freeBefore = pairing.freeBefore();
+    const std::vector<std::size_t> freeNow = pairing.freeNow();
+    if (freeBefore.empty() || freeNow.empty()) {
+        return candidates;
+    }
+    const CopyCheck copies(pairing);
+    const ByArea byArea(pairing.before(), freeBefore);
+    for (const std::size_t now : freeNow) {
         const std::size_t first = candidates.size();
         const Body& body = pairing.now()[now];
         byArea.forEachAlike(body, [&](std::size_t before) {

@@ -207,8 +207,8 @@ void pairIdentities(Pairing& pairing) {
     pairByDatabase(
         pairing, [](const ObjectRecord& record) -> const ExternalGUID& { return record.identity; }, 1.0,
         [](const Body& before, const Body& now) {
-            const bool areNamed = before.record->sourceId.empty() && now.record->sourceId.empty();
-            return areNamed && (!isPlaceholder(*now.record) || haveSameClassAndShape(before, now));
+            const bool oneHasNoSourceId = before.record->sourceId.empty() || now.record->sourceId.empty();
+            return oneHasNoSourceId && (!isPlaceholder(*now.record) || haveSameClassAndShape(before, now));
         });
 }
 

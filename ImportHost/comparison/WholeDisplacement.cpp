@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <random>
+#include <string>
 
 namespace {
 
@@ -29,17 +31,12 @@ struct Witness {
 
 using Witnesses = std::vector<Witness>;
 
-/** Orders objects by all that a displacement does not change, but for the last digits. */
+/** All of an object that a displacement does not change, but for the last digits. */
 struct Kind {
-    const std::string* className;
-    const std::string* name;
+    std::size_t text; ///< hash of class and name: two that fall together make a kind less clear, and no more
     long size;
 
-    friend bool operator<(const Kind& a, const Kind& b) {
-        const int names =
-            a.className->compare(*b.className) != 0 ? a.className->compare(*b.className) : a.name->compare(*b.name);
-        return names != 0 ? names < 0 : a.size < b.size;
-    }
+    friend bool operator<(const Kind& a, const Kind& b) { return a.text != b.text ? a.text < b.text : a.size < b.size; }
 };
 
 struct KindOfBody {
@@ -49,12 +46,13 @@ struct KindOfBody {
 
 std::vector<KindOfBody> kindsOf(const std::vector<Body>& bodies, const std::vector<std::size_t>& numbers) {
     constexpr double step = 0.02; // of the logarithm of the area
+    const std::hash<std::string> hash;
     std::vector<KindOfBody> kinds;
     for (const std::size_t i : numbers) {
         const Body& body = bodies[i];
         if (body.hasSurface()) {
-            kinds.push_back(
-                {{&body.record->className, &body.record->name, std::lround(std::log(body.shape.area) / step)}, i});
+            const std::size_t text = hash(body.record->className) * 31 + hash(body.record->name);
+            kinds.push_back({{text, std::lround(std::log(body.shape.area) / step)}, i});
         }
     }
     std::stable_sort(kinds.begin(), kinds.end(),

@@ -206,8 +206,8 @@ std::string identityText(const ObjectRecord& record) {
 }
 
 bool haveSameIdentity(const ObjectRecord& a, const ObjectRecord& b) {
-    if (!a.sourceId.empty() || !b.sourceId.empty()) {
-        return identityText(a) == identityText(b);
+    if (!a.sourceId.empty() && !b.sourceId.empty()) {
+        return a.sourceId == b.sourceId;
     }
     unsigned int size = 0;
     const char* const bytes = a.identity.getBytes(&size);

@@ -44,7 +44,7 @@ std::optional<std::string> attributeOf(const ObjectRecord& record, std::string_v
  */
 std::string identityText(const ObjectRecord& record);
 
-/** Whether that is the same for both. */
+/** Whether that is the same for both; where one has no id of its source, whether their identities are. */
 bool haveSameIdentity(const ObjectRecord& a, const ObjectRecord& b);
 
 /** The line of the state. */
