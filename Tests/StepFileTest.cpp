@@ -80,6 +80,7 @@ TEST(StepFileTest, damagedFilesAreRefusedInOneLine) {
         {begin + "\n\n#1=A(1));" + end, "no semicolon behind #1 (line 8)"},
         {begin + "#1=A(1)#2=B();" + end, "no semicolon behind #1"},
         {begin + "#1A();" + end, "no = behind #1"},
+        {begin + "#1=A(\"0,#2\");" + end, "a binary value that is none"},
         {begin + "#=A();" + end, "without a number"},
         {begin + "#1=A(#);" + end, "without a number"},
         {begin + "1=A();" + end, "between the instances"},

@@ -18,6 +18,7 @@ TEST(StepTextTest, textsOfEveryEncodingBecomeUtf8) {
                                                          {"\\X2\\D83DDE00\\X0\\", "\U0001F600"},
                                                          {"\\X4\\0001F6000000004F\\X0\\", "\U0001F600O"},
                                                          {"\\S\\i\\S\\D", "\u00E9\u00C4"},
+                                                         {"\\S\\'' 5 ''a''", "\u00A7 5 'a'"},
                                                          {"\\PE\\\\S\\P\\PG\\\\S\\a\\PA\\\\S\\a", "\u0430\u03B1\u00E1"},
                                                          {"\\PB\\\\S\\1 \\PI\\\\S\\P", "\u0105 \u011E"},
                                                          {"\\PF\\\\S\\!", "\uFFFD"},

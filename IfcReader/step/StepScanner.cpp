@@ -92,12 +92,26 @@ void StepScanner::blankComment() {
 }
 
 /** Of two quotes that stand for one, the second begins the text again. */
-void StepScanner::skipText(char quote) {
-    const void* end = std::memchr(text_ + place_ + 1, quote, size_ - place_ - 1);
+void StepScanner::skipText() {
+    const void* end = std::memchr(text_ + place_ + 1, '\'', size_ - place_ - 1);
     if (end == nullptr) {
         failTruncated();
     }
     place_ = static_cast<std::size_t>(static_cast<const char*>(end) - text_) + 1;
+}
+
+/** Whoever reads arguments later relies on there being nothing but digits between these quotes. */
+void StepScanner::skipBinary() {
+    const std::size_t start = place_++;
+    while (isDigit(at(place_)) || (upper(at(place_)) >= 'A' && upper(at(place_)) <= 'F')) {
+        ++place_;
+    }
+    if (place_ >= size_) {
+        failTruncated();
+    }
+    if (text_[place_++] != '"') {
+        failAt(start, "a binary value that is none");
+    }
 }
 
 std::string_view StepScanner::takeWord() {
@@ -278,7 +292,7 @@ std::size_t StepScanner::scanArguments() {
         }
         isEmpty = isEmpty && c == ')';
         if (c == '\'' || c == '"') {
-            skipText(c);
+            c == '"' ? skipBinary() : skipText();
             continue;
         }
         ++place_;

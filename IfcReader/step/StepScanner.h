@@ -28,7 +28,8 @@ private:
     char at(std::size_t place) const { return place < size_ ? text_[place] : '\0'; }
     void skipBlanks();
     void blankComment();
-    void skipText(char quote);
+    void skipText();
+    void skipBinary();
     std::string_view takeWord();
     bool takeNumber(std::uint64_t& number);
     void takeEnd(const char* behindWhat);

@@ -329,8 +329,9 @@ std::string decodeStepText(std::string_view text) {
             appendUtf8(out, takeHex(text, 2).value_or('?'));
         } else if (text.size() > 3 && takePrefix(text, "\\S\\")) {
             appendUtf8(out, isoLatinCharacter(part, static_cast<unsigned char>(0x80 | text[0])));
-            text.remove_prefix(1);
-        } else if (text.size() > 3 && text[1] == 'P' && text[3] == '\\' && text[2] >= 'A' && text[2] <= 'I') {
+            text.remove_prefix(text.substr(0, 2) == "''" ? 2 : 1); // an apostrophe is doubled here as well
+        } else if (text.size() > 3 && text[0] == '\\' && text[1] == 'P' && text[3] == '\\' && text[2] >= 'A' &&
+                   text[2] <= 'I') {
             part = text[2] - 'A' + 1;
             text.remove_prefix(4);
         } else if (takePrefix(text, "\\N\\")) {
