@@ -176,9 +176,10 @@ struct Attempt {
 };
 
 Attempt tryToCombine(Operation operation, const Body& first, const Body& second, double thickness, Work& work) {
+    constexpr std::size_t perAttempt = 400; // what even two small bodies take
     const Operand a(first, thickness);
     const Operand b(second, thickness);
-    work.add(a.polygons.size() + b.polygons.size());
+    work.add(a.polygons.size() + b.polygons.size() + perAttempt);
     if (a.polygons.empty() || b.polygons.empty() || !a.box.meets(b.box, 2.0 * thickness)) {
         return {apart(operation, first, second), 0.0};
     }

@@ -7,6 +7,8 @@
 #include "geometry/Shells.h"
 #include "geometry/SweptSolids.h"
 
+#include <algorithm>
+
 namespace IfcReader {
 
 namespace {
@@ -14,13 +16,13 @@ namespace {
 /** Items that stand in a representation without being a body. */
 bool hasNoBody(const Item& item) {
     const std::string_view keyword = item.keyword();
-    if (item.is("IFCSURFACECURVESWEPTAREASOLID")) {
+    if (item.is("IFCSURFACECURVESWEPTAREASOLID") || item.is("IFCCURVEBOUNDEDPLANE")) {
         return false;
     }
     return keyword.find("CURVE") != std::string_view::npos || item.is("IFCPOLYLINE") || item.is("IFCLINE") ||
            item.is("IFCCIRCLE") || item.is("IFCELLIPSE") || item.is("IFCGEOMETRICSET") || item.is("IFCBOUNDINGBOX") ||
            item.is("IFCCARTESIANPOINT") || item.is("IFCTEXTLITERAL") || item.is("IFCTEXTLITERALWITHEXTENT") ||
-           item.is("IFCANNOTATIONFILLAREA") || item.is("IFCLIGHTSOURCE") || item.is("IFCSTYLEDITEM");
+           item.is("IFCANNOTATIONFILLAREA") || item.is("IFCSTYLEDITEM");
 }
 
 Operation operationOf(const Item& item) {
@@ -33,13 +35,20 @@ Operation operationOf(const Item& item) {
 
 } // namespace
 
+void ItemBuilder::addDoubt(const std::string& doubt) {
+    constexpr std::size_t most = 20; // a small file may give millions of them
+    if (doubts.size() < most && std::find(doubts.begin(), doubts.end(), doubt) == doubts.end()) {
+        doubts.push_back(doubt);
+    }
+}
+
 void ItemBuilder::append(std::uint64_t id) {
     const std::size_t before = bodies.size();
     try {
         appendItem(items_.at(id));
     } catch (const ItemError& error) {
         bodies.resize(before);
-        doubts.push_back(error.what());
+        addDoubt(error.what());
     }
     for (std::size_t i = before; i < bodies.size(); ++i) {
         bodies[i].items.insert(bodies[i].items.begin(), id);
@@ -102,7 +111,7 @@ void ItemBuilder::appendMapped(const Item& item) {
         transform(bodies.back(), target);
     }
     work.add(shape->doubts.size());
-    doubts.insert(doubts.end(), shape->doubts.begin(), shape->doubts.end());
+    std::for_each(shape->doubts.begin(), shape->doubts.end(), [&](const std::string& doubt) { addDoubt(doubt); });
 }
 
 /** The body of an item; its own number is the first of the body's items. */
@@ -120,7 +129,7 @@ Body ItemBuilder::solidBody(const Item& item) {
     if (item.is("IFCFACETEDBREP") || item.is("IFCFACETEDBREPWITHVOIDS")) {
         Body brep = brepOf(item);
         if (!brep.solid) {
-            doubts.push_back(std::string(item.keyword()) + ": it isn't closed");
+            addDoubt(std::string(item.keyword()) + ": it isn't closed");
         }
         return brep;
     }
@@ -157,12 +166,12 @@ Body ItemBuilder::combined(const Item& item) {
         const Body second = secondOperand(secondItem, first);
         CutResult result = combine(operation, first, second, items_.work());
         if (first.solid && !result.closed) {
-            doubts.push_back(std::string(item.keyword()) + ": what is left isn't closed");
+            addDoubt(std::string(item.keyword()) + ": what is left isn't closed");
             result.body.solid = false;
         }
         return std::move(result.body);
     } catch (const ItemError& error) { // better uncut than not there
-        doubts.push_back(error.what());
+        addDoubt(error.what());
         return first;
     }
 }

@@ -28,6 +28,9 @@ public:
     /** The bodies of all items of a representation. @throw LimitError */
     void appendRepresentation(const Item& representation);
 
+    /** Notes a doubt: each one once, and no more of them than anybody would read. */
+    void addDoubt(const std::string& doubt);
+
     std::vector<Body> bodies;
     std::vector<std::string> doubts; ///< kind of item, and reason
 

@@ -10,10 +10,11 @@ namespace IfcReader {
 
 ProductPlacements::ProductPlacements(const StepFile& file, const Units& units) : file_(file), units_(units) {
     readGrids();
+    Work work; // of all together: axes of a grid may be long, and placed upon by many
     for (std::size_t i = 0; i < file.size(); ++i) {
         const StepInstance instance = file[i];
         if (instance.keyword == "IFCLOCALPLACEMENT" || instance.keyword == "IFCGRIDPLACEMENT") {
-            place(instance.id);
+            place(instance.id, work);
         }
     }
 }
@@ -53,7 +54,7 @@ ProductPlacements::Step ProductPlacements::stepOf(std::uint64_t id, Work& work) 
 }
 
 /** Works its way up to a placement that is known, and down again: chains may be as long as the file. */
-void ProductPlacements::place(std::uint64_t id) {
+void ProductPlacements::place(std::uint64_t id, Work& work) {
     std::vector<std::pair<std::uint64_t, Affine>> open;
     bool isRight = true;
     while (isRight && id != 0 && worlds_.find(id) == worlds_.end()) {
@@ -62,7 +63,6 @@ void ProductPlacements::place(std::uint64_t id) {
         if (isRight) {
             open.emplace_back(id, Affine{});
             try {
-                Work work;
                 const Step step = stepOf(id, work);
                 open.back().second = step.own;
                 id = step.parent;

@@ -39,7 +39,7 @@ private:
 
     Step stepOf(std::uint64_t id, Work& work) const;
     void readGrids();
-    void place(std::uint64_t id);
+    void place(std::uint64_t id, Work& work);
     std::vector<std::uint64_t> chainOf(std::uint64_t id, Work& work) const;
 
     const StepFile& file_;

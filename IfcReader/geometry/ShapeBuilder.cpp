@@ -47,12 +47,12 @@ void appendBodies(const Item& product, ItemBuilder& builder) {
             builder.appendRepresentation(representation);
         }
     } catch (const ItemError& error) {
-        builder.doubts.push_back(error.what());
+        builder.addDoubt(error.what());
     }
 }
 
 /** Puts bodies together that are apart from each other, so that they can be cut in one go. */
-std::vector<Body> grouped(std::vector<Body>&& bodies) {
+std::vector<Body> grouped(std::vector<Body>&& bodies, Work& work) {
     constexpr double apart = 1e-3;
     std::vector<Body> groups;
     std::vector<std::vector<Box>> boxes;
@@ -60,7 +60,10 @@ std::vector<Body> grouped(std::vector<Body>&& bodies) {
         Box box;
         box.add(body);
         std::size_t g = 0;
-        const auto meets = [&](const Box& other) { return box.meets(other, apart); };
+        const auto meets = [&](const Box& other) {
+            work.add(1);
+            return box.meets(other, apart);
+        };
         while (g < groups.size() && std::any_of(boxes[g].begin(), boxes[g].end(), meets)) {
             ++g;
         }
@@ -91,7 +94,7 @@ public:
             }
         } catch (const ItemError& error) {
             builder_.bodies.resize(before);
-            builder_.doubts.push_back(error.what());
+            builder_.addDoubt(error.what());
         }
     }
 
@@ -107,7 +110,7 @@ public:
             doubts.push_back("opening: it isn't closed");
             cutters.erase(firstOpen, cutters.end());
         }
-        const std::vector<Body> groups = grouped(std::move(cutters));
+        const std::vector<Body> groups = grouped(std::move(cutters), items_.work());
         for (Body& body : bodies) {
             for (const Body& group : groups) {
                 CutResult result = combine(Operation::difference, body, group, items_.work());

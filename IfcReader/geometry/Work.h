@@ -31,6 +31,8 @@ public:
     static constexpr std::size_t limit = 100'000'000;
     /** What a point counts that is kept: it takes memory as well as time. */
     static constexpr std::size_t kept = 10;
+    /** What an item counts that is built within another one, however small it is. */
+    static constexpr std::size_t nested = 20;
     /** How deep items may stand within each other. */
     static constexpr std::size_t deepest = 500;
 
@@ -57,6 +59,7 @@ public:
         /** @throw LimitError */
         explicit Level(Work& work) : work_(work) {
             work_.reach(1);
+            work_.add(nested);
             ++work_.depth_;
         }
         ~Level() { --work_.depth_; }
