@@ -125,6 +125,13 @@ TEST_P(IfcSolidTest, swept) {
          0.015 * pi * pi,
          {-1.1, -1.1, -0.1},
          {1.1, 1.1, 0.1}},
+        {"part of an arc that passes half a turn, in a composite path",
+         "#100=IFCSWEPTDISKSOLID(#101,{0.1},$,[0],[45]);\n#101=IFCCOMPOSITECURVE((#102),.F.);\n"
+         "#102=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.T.,#103);\n#104=IFCCIRCLE(#11,{1});\n"
+         "#103=IFCTRIMMEDCURVE(#104,(IFCPARAMETERVALUE([135])),(IFCPARAMETERVALUE([225])),.T.,.PARAMETER.);\n",
+         0.0025 * pi * pi,
+         {-1.1, 0, -0.1},
+         {-0.6364, 0.7778, 0.1}},
         {"part of a composite path",
          "#100=IFCSWEPTDISKSOLID(#101,{0.1},$,0.5,1.5);\n#101=IFCCOMPOSITECURVE((#102,#103),.F.);\n"
          "#102=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.T.,#104);\n#104=IFCPOLYLINE((#106,#107));\n"
@@ -429,6 +436,13 @@ TEST_P(IfcSolidTest, mapped) {
          6,
          {1, -2, 0},
          {2, 0, 3},
+         flat},
+        {"mirrored by the second axis that is left out",
+         source + "#100=IFCMAPPEDITEM(#101,#104);\n#112=IFCDIRECTION((-1.,0.,0.));\n"
+                  "#104=IFCCARTESIANTRANSFORMATIONOPERATOR3D(#112,$,#10,1.,#14);\n",
+         6,
+         {-2, 0, 0},
+         {-1, 2, 3},
          flat},
         {"scaled unevenly",
          source + "#100=IFCMAPPEDITEM(#101,#104);\n"

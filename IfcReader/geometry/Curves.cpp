@@ -215,6 +215,9 @@ Loop bezier(const Item& curve) {
         curve.fail("its degree or its points are wrong");
     }
     const auto n = static_cast<std::size_t>(degree);
+    if ((ids.size() - 1) % n != 0) {
+        curve.fail("its points don't make whole pieces");
+    }
     std::vector<double> weights(ids.size(), 1.0);
     if (curve.is("IFCRATIONALBEZIERCURVE")) {
         weights = curve.numbers(5);
@@ -247,8 +250,9 @@ double parameterLength(const Item& curve, const Loop& path) {
         const Item basis = curve.child(0);
         if (isConic(basis)) {
             const Conic conic(basis);
-            const double sweep = std::abs(conic.angleOf(path.back()) - conic.angleOf(path.front()));
-            return (curve.word(3) != "F" ? sweep : 2 * pi - sweep) / curve.items().units().radian;
+            const double from = conic.angleOf(path.front());
+            const double to = reachedAngle(from, conic.angleOf(path.back()), curve.word(3) != "F");
+            return std::abs(to - from) / curve.items().units().radian;
         }
         if (basis.is("IFCLINE")) {
             return length(path.back() - path.front()) / length(Line(basis).unit);

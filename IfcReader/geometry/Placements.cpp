@@ -100,7 +100,10 @@ Affine operatorOf(const Item& item) {
         map.x = usualAxisBeside(map.z);
     }
     map.y = cross(map.z, map.x);
-    if (item.given(1) && dot(directionOf(item.child(1)), map.y) < 0.0) {
+    // In space the second axis that a file leaves out is (0, 1, 0), even where that mirrors.
+    const bool hasSecond = item.given(1) || is3D;
+    const Vector second = item.given(1) ? directionOf(item.child(1)) : Vector{0, 1, 0};
+    if (hasSecond && dot(second, map.y) < -1e-9) {
         map.y = -map.y;
     }
     map.origin = pointOf(item.child(2));
