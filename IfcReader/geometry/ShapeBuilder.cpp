@@ -54,19 +54,22 @@ void appendBodies(const Item& product, ItemBuilder& builder) {
 /** Puts bodies together that are apart from each other, so that they can be cut in one go. */
 std::vector<Body> grouped(std::vector<Body>&& bodies, Work& work) {
     constexpr double apart = 1e-3;
+    constexpr std::size_t boxesPerPoint = 32; // that are looked at in the time that a point takes
     std::vector<Body> groups;
     std::vector<std::vector<Box>> boxes;
     for (Body& body : bodies) {
         Box box;
         box.add(body);
         std::size_t g = 0;
+        std::size_t looked = 0;
         const auto meets = [&](const Box& other) {
-            work.add(1);
+            ++looked;
             return box.meets(other, apart);
         };
         while (g < groups.size() && std::any_of(boxes[g].begin(), boxes[g].end(), meets)) {
             ++g;
         }
+        work.add(looked / boxesPerPoint);
         if (g == groups.size()) {
             groups.emplace_back();
             boxes.emplace_back();
