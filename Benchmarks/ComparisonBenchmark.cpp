@@ -10,7 +10,9 @@
 #include <PluginKit/Checksum.h>
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -33,7 +35,7 @@ public:
     const std::string& name() const { return name_; }
 
 private:
-    const std::string name_ = "comparison-benchmark.ifc";
+    const std::string name_ = (std::filesystem::temp_directory_path() / "comparison-benchmark.ifc").string();
 };
 
 Surfaces surfacesOf(const IfcReader::Shape& shape) {
