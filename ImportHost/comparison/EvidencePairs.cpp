@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <map>
 #include <string>
 #include <unordered_map>
 
@@ -29,8 +28,7 @@ struct Candidate {
 /** Finds old objects that may be some new one without looking at all of them. */
 class CandidateSearch {
 public:
-    CandidateSearch(const std::vector<Body>& bodies, const std::vector<std::size_t>& numbers)
-        : bodies_(bodies), grid_(cell) {
+    CandidateSearch(const std::vector<Body>& bodies, const std::vector<std::size_t>& numbers) : grid_(cell) {
         for (const std::size_t i : numbers) {
             const Body& body = bodies[i];
             byClass_[body.record->className].push_back(i);
@@ -79,7 +77,6 @@ private:
         }
     }
 
-    const std::vector<Body>& bodies_;
     std::unordered_map<std::string, std::vector<std::size_t>> byClass_;
     std::unordered_map<std::string, std::vector<std::size_t>> byName_;
     std::unordered_map<long, std::vector<std::size_t>> byArea_;
