@@ -3,6 +3,7 @@
 #include "comparison/Grid.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -41,28 +42,30 @@ public:
         for (std::size_t i = 0; i < changes.size(); ++i) {
             if (changes[i].status() == status) {
                 grid_.add(centreOf(changes[i].record().box), i);
-                ++count_;
+                all_.push_back(i);
             }
         }
         grid_.sort();
     }
 
-    bool isEmpty() const { return count_ == 0; }
+    bool isEmpty() const { return all_.empty(); }
 
     /** Calls @p action for pieces of a class that lie in one box, and not in the other. */
     template <typename Action>
     void forEachIn(const Box& whole, const Box& rest, const std::string& className, const Action& action) const {
-        constexpr double farthestSearch = 20.0; // of the cells, so that a huge object does not look everywhere
-        const double radius = length(whole.high - whole.low) / 2.0;
-        if (radius > farthestSearch * cell) {
-            return;
-        }
-        grid_.forEachNear(centreOf(whole), radius, [&](std::size_t i) {
+        const auto look = [&](std::size_t i) {
             const ObjectRecord& piece = changes_[i].record();
             if (piece.className == className && contains(whole, piece.box) && !overlap(rest, piece.box)) {
                 action(changes_[i]);
             }
-        });
+        };
+        // Of a large box all pieces are looked at sooner than its cells.
+        const double radius = length(whole.high - whole.low) / 2.0;
+        if (std::pow(2.0 * radius / cell + 1.0, 3.0) > static_cast<double>(all_.size())) {
+            std::for_each(all_.begin(), all_.end(), look);
+        } else {
+            grid_.forEachNear(centreOf(whole), radius, look);
+        }
     }
 
 private:
@@ -70,7 +73,7 @@ private:
 
     std::vector<Change>& changes_;
     Grid grid_;
-    std::size_t count_ = 0;
+    std::vector<std::size_t> all_;
 };
 
 } // namespace
