@@ -241,6 +241,8 @@ TEST_F(ImportCommandTest, whatMakesNoSenseIsRefused) {
         {"--pattern '*.x' house.ifc", "--pattern goes with a folder"},
         {"--state state .", "not with a folder"},
         {"--list state house.ifc", "without a model"},
+        {"--list state --report new.json", "writes no file"},
+        {"--output new --report new/house.ifc.svg house.ifc", "same file"},
     };
     for (const auto& [arguments, reason] : calls) {
         expectFailure(arguments, 2, reason, "usage: ");

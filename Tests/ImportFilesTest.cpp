@@ -67,6 +67,8 @@ TEST_F(ImportFilesTest, nothingIsWrittenOverWhatIsInUse) {
     fs::create_symlink("garden.toy", file("model.json"));
     fs::create_symlink("plugin.so", file("plugin.json"));
     fs::create_symlink("one.json", file("other.json"));
+    fs::create_directory(file("linked"));
+    fs::create_symlink("../garden.toy", file("linked/garden.toy.json"));
     const std::string before = readFile(file("state/objects.state"));
     const std::pair<const char*, const char*> targets[] = {{"--report state.json", "is in the state folder"},
                                                            {"--report later.json", "is in the state folder"},
@@ -74,6 +76,8 @@ TEST_F(ImportFilesTest, nothingIsWrittenOverWhatIsInUse) {
                                                            {"--report model.json", "is the model itself"},
                                                            {"--report plugin.so", "is the plug-in"},
                                                            {"--report plugin.json", "is the plug-in"},
+                                                           {"--output linked", "is the model itself"},
+                                                           {"--output state", "is in the state folder"},
                                                            {"--report one.json --picture other.json", "the same file"},
                                                            {"--report one.json --picture ./one.json", "the same file"}};
     for (const auto& [options, reason] : targets) {
@@ -83,6 +87,7 @@ TEST_F(ImportFilesTest, nothingIsWrittenOverWhatIsInUse) {
         EXPECT_EQ(readFile(file("state/objects.state")), before);
     }
     EXPECT_EQ(readFile(file("plugin.so")), readFile(TOY_PLUGIN));
+    EXPECT_EQ(readFile(file("garden.toy")), readFile(TOY_MODELS_DIR "/garden.toy"));
     EXPECT_FALSE(fs::exists(file("one.json")));
 }
 
@@ -95,6 +100,14 @@ TEST_F(ImportFilesTest, pipesAreNotWaitedFor) {
     fs::rename(file("pipe"), file("piped/objects.state"));
     expectFailure("--list piped", 1, "objects.state: ", "not a regular file");
     expectFailure("--plugin '" TOY_PLUGIN "' --state piped garden.toy", 1, "objects.state: ", "not a regular file");
+
+    // The pipe behind this name has no other.
+    EXPECT_EQ(
+        std::system((std::string("'" IMPORT_HOST "' -q --plugin '" TOY_PLUGIN "' --state '") + file("state").string() +
+                     "' --report /dev/stdout '" + file("garden.toy").string() + "' | cat >stdout.json")
+                        .c_str()),
+        0);
+    EXPECT_TRUE(isReport("stdout.json"));
 
     ASSERT_EQ(std::system("mkfifo read && (cat read >copy.json &)"), 0);
     EXPECT_EQ(importGarden("--report read").exitCode, 0);

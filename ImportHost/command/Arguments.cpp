@@ -6,6 +6,7 @@
 
 #include <PluginKit/Text.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <limits>
 #include <vector>
@@ -83,50 +84,12 @@ private:
     bool optionsEnd_ = false;
 };
 
-/** Nothing that is written may take the place of something else. */
-void checkTargets(const Arguments& arguments) {
-    std::vector<const Option*> written;
-    for (const char* const name : {"--report", "--picture", "--html", "--csv", "--bcf"}) {
-        const Option* const option = findOption(name);
-        const std::string& target = arguments.*std::get<std::string Arguments::*>(option->target);
-        if (target.empty()) {
-            continue;
-        }
-        for (const Option* const other : written) {
-            if (isSameFile(target, arguments.*std::get<std::string Arguments::*>(other->target))) {
-                throw UsageError(other->name + " and " + name + " are the same file");
-            }
-        }
-        written.push_back(option);
-        if (target == "-") {
-            continue;
-        }
-        for (const std::string& model : {arguments.model, arguments.old}) {
-            if (!model.empty() && isSameFile(target, model)) {
-                throw UsageError(printable(target) + " is the model itself");
-            }
-        }
-        if (isSameFile(target, arguments.plugin)) {
-            throw UsageError(printable(target) + " is the plug-in");
-        }
-        if (!arguments.state.empty() && isInside(target, arguments.state)) {
-            throw UsageError(printable(target) + " is in the state folder");
-        }
-    }
-    if (!arguments.state.empty() && isSameFile(arguments.state, arguments.model)) {
-        throw UsageError(printable(arguments.state) + " is the model itself");
-    }
-}
-
 /** Options that say something about one thing must not be given with another. */
 void checkCombination(const Arguments& arguments) {
     if (arguments.folder) {
-        for (const std::string& single :
-             {arguments.state, arguments.report, arguments.picture, arguments.html, arguments.csv, arguments.bcf}) {
-            if (!single.empty()) {
-                throw UsageError("--state, --report, --picture, --html, --csv and --bcf go with one model, not with a "
-                                 "folder; see --output");
-            }
+        if (!arguments.state.empty() || !outputsOf(arguments).empty()) {
+            throw UsageError("--state, --report, --picture, --html, --csv and --bcf go with one model, not with a "
+                             "folder; see --output");
         }
     } else if (!arguments.pattern.empty()) {
         throw UsageError("--pattern goes with a folder");
@@ -167,8 +130,49 @@ void readModels(const std::vector<std::string>& models, Arguments& arguments) {
 
 } // namespace
 
+std::vector<std::string> outputsOf(const Arguments& arguments) {
+    std::vector<std::string> outputs = {arguments.report, arguments.picture, arguments.html, arguments.csv,
+                                        arguments.bcf};
+    outputs.erase(std::remove(outputs.begin(), outputs.end(), ""), outputs.end());
+    return outputs;
+}
+
 std::string defaultState(const std::string& model) {
     return model + ".import";
+}
+
+void checkTargets(const Arguments& arguments) {
+    std::vector<const Option*> written;
+    for (const char* const name : {"--report", "--picture", "--html", "--csv", "--bcf"}) {
+        const Option* const option = findOption(name);
+        const std::string& target = arguments.*std::get<std::string Arguments::*>(option->target);
+        if (target.empty()) {
+            continue;
+        }
+        for (const Option* const other : written) {
+            if (isSameFile(target, arguments.*std::get<std::string Arguments::*>(other->target))) {
+                throw UsageError(other->name + " and " + name + " are the same file");
+            }
+        }
+        written.push_back(option);
+        if (target == "-") {
+            continue;
+        }
+        for (const std::string& model : {arguments.model, arguments.old}) {
+            if (!model.empty() && isSameFile(target, model)) {
+                throw UsageError(printable(target) + " is the model itself");
+            }
+        }
+        if (isSameFile(target, arguments.plugin)) {
+            throw UsageError(printable(target) + " is the plug-in");
+        }
+        if (!arguments.state.empty() && isInside(target, arguments.state)) {
+            throw UsageError(printable(target) + " is in the state folder");
+        }
+    }
+    if (!arguments.state.empty() && isSameFile(arguments.state, arguments.model)) {
+        throw UsageError(printable(arguments.state) + " is the model itself");
+    }
 }
 
 Arguments readArguments(int count, char** texts) {
@@ -181,6 +185,9 @@ Arguments readArguments(int count, char** texts) {
     if (!arguments.list.empty()) {
         if (!reader.models.empty()) {
             throw UsageError("--list goes without a model");
+        }
+        if (!outputsOf(arguments).empty() || !arguments.output.empty()) {
+            throw UsageError("--list shows what is known, and writes no file");
         }
         return arguments;
     }

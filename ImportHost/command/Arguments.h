@@ -6,6 +6,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 /** A command line that says nothing the program can do; the text names the option or argument. */
 class UsageError : public std::runtime_error {
@@ -43,6 +44,12 @@ struct Arguments {
 
 /** Reads the command line. Throws UsageError. */
 Arguments readArguments(int count, char** texts);
+
+/** Throws UsageError when something that is written would take the place of something else. */
+void checkTargets(const Arguments& arguments);
+
+/** The files that are written, "-" for the standard output among them. */
+std::vector<std::string> outputsOf(const Arguments& arguments);
 
 /** Where the state of a model is kept unless the command line says otherwise. */
 std::string defaultState(const std::string& model);

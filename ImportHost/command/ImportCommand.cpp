@@ -82,13 +82,8 @@ std::vector<ObjectRecord> importInto(StateFolder& state, const std::string& mode
 }
 
 bool usesStandardOutput(const Arguments& arguments) {
-    for (const std::string& target :
-         {arguments.report, arguments.picture, arguments.html, arguments.csv, arguments.bcf}) {
-        if (target == "-") {
-            return true;
-        }
-    }
-    return false;
+    const std::vector<std::string> outputs = outputsOf(arguments);
+    return std::find(outputs.begin(), outputs.end(), "-") != outputs.end();
 }
 
 /** What a model is compared with. */
@@ -194,6 +189,7 @@ Arguments withOutputs(Arguments arguments, const std::string& folder) {
     if (findOption("--html")->missing.empty()) {
         setUnlessGiven(arguments.html, ".html");
     }
+    checkTargets(arguments);
     return arguments;
 }
 

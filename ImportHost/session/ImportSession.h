@@ -17,7 +17,7 @@ struct ImportJob {
 
 /**
  * Prepares the import environment, loads the plug-in, lets it import the model into the streams of the output folder
- * and unloads it, all in a child process unless the job says otherwise. Throws Failure unless the plug-in says that it succeeded and every byte it
- * wrote reached its file.
+ * and unloads it, all in a child process unless the job says otherwise. Throws Failure unless the plug-in says that it
+ * succeeded and every byte it wrote reached its file.
  */
 void runImport(const ImportJob& job);

@@ -147,14 +147,15 @@ PendingFile::PendingFile(const std::string& path, const std::string& content) : 
     if (fs::is_directory(path, error)) {
         throw Failure(path, std::strerror(EISDIR));
     }
-    target_ = placeOf(path);
+    // By the given name: what a link such as /dev/stdout leads to may be a pipe, which has no other.
     struct stat old {};
-    const bool exists = ::stat(target_.c_str(), &old) == 0;
+    const bool exists = ::stat(path.c_str(), &old) == 0;
     if (exists && !S_ISREG(old.st_mode)) {
         writeThrough(content);
         return;
     }
 
+    target_ = placeOf(path);
     const int file = createTemporary();
     if (file < 0) {
         temporary_.clear();
