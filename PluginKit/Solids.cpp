@@ -179,7 +179,7 @@ bool SolidsReader::next(Solid& solid) {
             return true;
         } catch (const std::runtime_error& e) {
             rest_ = {};
-            throw std::runtime_error("solids, number " + std::to_string(count_) + ": " + e.what());
+            throw std::runtime_error("solid " + std::to_string(count_) + ": " + e.what());
         }
     }
     return false;

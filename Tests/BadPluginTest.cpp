@@ -89,6 +89,8 @@ constexpr BadPlugin badPlugins[] = {
     {"attributes-object", "there is no object 7"},
     {"attributes-type", "not a value of type 'colour'"},
     {"attributes-nan", "'nan' is not a number"},
+    {"attributes-angle", "'1e308' is out of range"},
+    {"attributes-factor", "'1e308' is out of range"},
     {"attributes-garbage", "neither a set nor a property"},
     {"attributes-nested", "MiB of properties"},
     {"solids-garbage", "solids stream"},

@@ -33,6 +33,16 @@ std::vector<std::string> fieldsOf(const std::string& line) {
     return fields;
 }
 
+std::string checksum(const std::string& text) {
+    std::uint64_t sum = 0xcbf29ce484222325u;
+    for (const char c : text) {
+        sum = (sum ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
+    }
+    std::ostringstream digits;
+    digits << std::hex << std::setw(16) << std::setfill('0') << sum;
+    return digits.str();
+}
+
 /** A state as an earlier format had it: without the model and what else came later, and at first without properties. */
 std::string stateOfFormat(int format, const std::string& state) {
     std::istringstream lines(state);
@@ -52,13 +62,7 @@ std::string stateOfFormat(int format, const std::string& state) {
         }
         text += '\n';
     }
-    std::uint64_t sum = 0xcbf29ce484222325u;
-    for (const char c : text) {
-        sum = (sum ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
-    }
-    std::ostringstream checksum;
-    checksum << std::hex << std::setw(16) << std::setfill('0') << sum;
-    return text + line.substr(0, line.rfind(' ') + 1) + checksum.str() + '\n';
+    return text + line.substr(0, line.rfind(' ') + 1) + checksum(text) + '\n';
 }
 
 TEST_F(ImportPropertiesTest, everyEditedPropertyIsNamed) {
@@ -212,6 +216,19 @@ TEST_F(ImportPropertiesTest, streamsHoldSetsAndSolids) {
         EXPECT_LE(sizeof head + head[2] * 3 * sizeof(double), size);
     }
     EXPECT_EQ(count, 35);
+}
+
+TEST_F(ImportPropertiesTest, numbersThatNoReportCanHoldAreRefused) {
+    import(house_);
+    const std::string state = readFile(file("state/objects.state"));
+    for (const char* const value :
+         {"nan", "inf", "1e999", "1,5", "", "}", "1 0", "1 -1", "1 nan", "1 1 1", "1e308 10"}) {
+        std::string changed = replaced(state, "\tWeight\t31.5", "\tWeight\t" + std::string(value));
+        const std::size_t end = changed.rfind("\nend ") + 1;
+        changed = changed.substr(0, changed.rfind(' ') + 1) + checksum(changed.substr(0, end)) + '\n';
+        writeFile(file("state/objects.state"), changed);
+        expectFailure("--state state house.ifc", 1, "state/objects.state: ", "'");
+    }
 }
 
 TEST_F(ImportPropertiesTest, statesOfEarlierFormatsStillServe) {

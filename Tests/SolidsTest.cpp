@@ -104,23 +104,23 @@ TEST(SolidsTest, readsBoundaryRepresentationsAndPassesOverOthers) {
 TEST(SolidsTest, saysWhatIsWrongWithAStream) {
     const std::string good = record("1", "2", exampleBytes());
     for (std::size_t size = 1; size < good.size(); ++size) {
-        EXPECT_EQ(messageOf(good.substr(0, size)).compare(0, 18, "solids, number 1: "), 0) << size;
+        EXPECT_EQ(messageOf(good.substr(0, size)).compare(0, 9, "solid 1: "), 0) << size;
     }
     const std::string bytes = exampleBytes();
     for (std::size_t size = 0; size < bytes.size(); ++size) {
         EXPECT_EQ(messageOf(good + record("1", "2", bytes.substr(0, size))),
-                  "solids, number 2: a solid ends too early");
+                  "solid 2: a solid ends too early");
     }
-    EXPECT_EQ(messageOf(record("1", "2", bytes + "x")), "solids, number 1: a solid has bytes behind its end");
+    EXPECT_EQ(messageOf(record("1", "2", bytes + "x")), "solid 1: a solid has bytes behind its end");
     EXPECT_EQ(messageOf(record("0", "2", bytes)),
-              "solids, number 1: a solid has a wrong number of its object or bytes");
+              "solid 1: a solid has a wrong number of its object or bytes");
     EXPECT_EQ(messageOf(record("1", "2", exampleBytes({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, 4))),
-              "solids, number 1: a polygon of a solid has a vertex that is not there");
+              "solid 1: a polygon of a solid has a vertex that is not there");
     EXPECT_EQ(messageOf(record("1", "2", exampleBytes({{std::numeric_limits<double>::quiet_NaN(), 0, 0}}))),
-              "solids, number 1: a coordinate of a solid is not a number");
+              "solid 1: a coordinate of a solid is not a number");
     std::string greedy;
     append(greedy, 0xFFFFFFFFU);
-    EXPECT_EQ(messageOf(record("1", "2", greedy)), "solids, number 1: a solid ends too early");
+    EXPECT_EQ(messageOf(record("1", "2", greedy)), "solid 1: a solid ends too early");
 }
 
 TEST(PolygonsTest, cutsUpWhatIsNotConvex) {

@@ -44,10 +44,17 @@ double positiveNumber(std::string_view text) {
     return number;
 }
 
-/** Degrees; from radians back they are off in the last digits. */
-std::string degreesText(double radians) {
+/** A number that must stay finite in the unit in which it is compared and shown. */
+double inRange(double number, std::string_view text) {
+    if (!std::isfinite(number)) {
+        throw std::runtime_error("'" + printable(text) + "' is out of range");
+    }
+    return number;
+}
+
+/** Degrees, which are off in the last digits when they were radians before. */
+std::string degreesText(double degrees) {
     char buffer[64];
-    const double degrees = radians * 180.0 / pi + 0.0;
     return std::string(buffer,
                        std::to_chars(buffer, buffer + sizeof buffer, degrees, std::chars_format::general, 12).ptr);
 }
@@ -57,11 +64,15 @@ std::string valueOf(std::string_view type, std::string_view value, std::string_v
         return '\'' + std::string(value);
     }
     if (type == "angle") {
-        return degreesText(finiteNumber(value));
+        return degreesText(inRange(finiteNumber(value) * 180.0 / pi + 0.0, value));
     }
     if (type == "real" || type == "length") {
-        const std::string number = numberText(finiteNumber(value) + 0.0);
-        return factor.empty() ? number : number + ' ' + numberText(positiveNumber(factor));
+        const double number = finiteNumber(value) + 0.0;
+        if (factor.empty()) {
+            return numberText(number);
+        }
+        inRange(number * positiveNumber(factor), value);
+        return numberText(number) + ' ' + numberText(positiveNumber(factor));
     }
     const bool isState = value == "true" || value == "false";
     if (type == "integer") {
@@ -70,6 +81,16 @@ std::string valueOf(std::string_view type, std::string_view value, std::string_v
         throw std::runtime_error("'" + printable(value) + "' is not a value of type '" + printable(type) + "'");
     }
     return std::string(value);
+}
+
+/** Throws unless a value of a state is one that valueOf() gives. */
+void checkValue(std::string_view value) {
+    if (value.substr(0, 1) == "'" || value == "true" || value == "false" || value == "unknown") {
+        return;
+    }
+    const std::size_t blank = value.find(' ');
+    const double factor = blank == std::string_view::npos ? 1.0 : positiveNumber(value.substr(blank + 1));
+    inRange(finiteNumber(value.substr(0, blank)) * factor, value);
 }
 
 /**
@@ -231,6 +252,12 @@ PropertyList propertyListFromFields(std::string_view fields) {
     const auto tabs = std::count(list.text.begin(), list.text.end(), '\t');
     if (list.isKnown ? list.digest.size() != 16 || (end < fields.size() && tabs % 3 != 2) : end < fields.size()) {
         throw std::runtime_error("not a list of properties");
+    }
+    if (!list.text.empty()) {
+        const std::vector<std::string_view> texts = split(list.text, '\t');
+        for (std::size_t i = 2; i < texts.size(); i += 3) {
+            checkValue(texts[i]);
+        }
     }
     respell(list);
     return list;
