@@ -49,6 +49,7 @@ TEST(CsvTest, everyChangeIsALine) {
     Change& all =
         sample.add(&record(2, 0.0), &wide,
                    {Status::Reidentified, Status::Reclassed, Status::Reshaped, Status::Moved, Status::Properties});
+    all.move = Motion{{4.75, 0.0, 0.0}, 22.5, {0.0, 0.0, 1.0}};
     all.properties = {{"Pset_WallCommon", "FireRating", "'F90", std::nullopt}, {"Attributes", "Tag", "12", "true"}};
     all.notes = {"split from \"it\""};
     const ObjectRecord& gone = record(5, 0.0);
@@ -67,6 +68,7 @@ TEST(CsvTest, everyChangeIsALine) {
                                          changed({"class", "IFCWALL", "IFCDOOR"}),
                                          changed({"size", "1.000 x 1.000 x 1.000", "2.500 x 1.000 x 1.000"}),
                                          changed({"position", "0.500 0.500 0.500", "5.250 0.500 0.500"}),
+                                         changed({"turn", "", "22.50 degrees"}),
                                          changed({"Pset_WallCommon.FireRating", "F90", ""}),
                                          changed({"Attributes.Tag", "12", "true"}),
                                          changed({"note", "", "split from \"it\""}),

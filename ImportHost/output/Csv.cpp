@@ -101,6 +101,9 @@ private:
             break;
         case Status::Moved:
             add("position", placeText(change_.before->box), placeText(change_.now->box));
+            if (change_.move && change_.move->angle != 0.0) {
+                add("turn", "", fixedText(change_.move->angle, 2) + " degrees");
+            }
             break;
         case Status::Properties:
         case Status::Unchanged:

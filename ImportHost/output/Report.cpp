@@ -65,7 +65,7 @@ std::string jsonBox(const Box& box) {
 
 std::string jsonVolume(const ObjectRecord& record) {
     const std::optional<double> volume = volumeOf(record);
-    return volume ? jsonNumber(*volume) : "null";
+    return volume ? jsonNumber(std::round(*volume * 1e9) / 1e9) : "null";
 }
 
 /** Members of an object, one after another. */
@@ -133,10 +133,11 @@ Members membersBefore(const ObjectRecord& before, const ObjectRecord& now) {
     if (areStoreysKnown && attributeOf(before, "Storey") != attributeOf(now, "Storey")) {
         members.add("storey", jsonText(attributeOf(before, "Storey")));
     }
-    if (before.box != now.box) {
+    // What is written the same did not differ.
+    if (jsonBox(before.box) != jsonBox(now.box)) {
         members.add("box", jsonBox(before.box));
     }
-    if (volumeOf(before) != volumeOf(now)) {
+    if (jsonVolume(before) != jsonVolume(now)) {
         members.add("volume", jsonVolume(before));
     }
     return members;

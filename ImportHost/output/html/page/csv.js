@@ -1,7 +1,7 @@
 /** A cell for a spreadsheet; a name that would be a formula there is a text with a quote before it. */
 function csvCell(value) {
     let text = value === null || value === undefined ? '' : String(value);
-    if (/^[=+\-@\t\r]/.test(text) && !/^[+-]?[0-9.]+(e[+-]?[0-9]+)?$/i.test(text)) {
+    if (/^[=+\-@\t\r]/.test(text) && !/^-([0-9]+\.?[0-9]*|\.[0-9]+)(e[+-]?[0-9]+)?$/i.test(text)) {
         text = `'${text}`;
     }
     return `"${text.replace(/"/g, '""').replace(/\0/g, '')}"`;
@@ -35,6 +35,9 @@ function changesOf(object) {
             add('class', before.class, object.class);
         } else if (change === 'moved') {
             add('position', placeCell(before.box), placeCell(object.box));
+            if (object.move && object.move.angle) {
+                add('turn', '', `${object.move.angle.toFixed(2)} degrees`);
+            }
         } else if (change === 'reshaped') {
             const [oldSize, size] = [sizeCell(before.box), sizeCell(object.box)];
             const [oldVolume, volume] = [volumeCell(before.volume), volumeCell(object.volume)];
