@@ -39,7 +39,7 @@ public:
         std::sort(sorted_.begin(), sorted_.end());
     }
 
-    /** Calls @p action for each that is of the same class and lies alike. */
+    /** Calls @p action for each that is of the same class and lies alike, until it returns false. */
     template <typename Action>
     void forEachAlike(const Body& body, const Action& action) const {
         constexpr double tolerance = 1e-3;
@@ -48,8 +48,9 @@ public:
             std::lower_bound(sorted_.begin(), sorted_.end(), std::make_pair(area * (1.0 - tolerance), std::size_t{0}));
         for (; entry != sorted_.end() && entry->first <= area * (1.0 + tolerance); ++entry) {
             const Body& candidate = bodies_[entry->second];
-            if (candidate.record->className == body.record->className && lieAlike(candidate, body)) {
-                action(entry->second);
+            if (candidate.record->className == body.record->className && lieAlike(candidate, body) &&
+                !action(entry->second)) {
+                return;
             }
         }
     }
@@ -75,9 +76,10 @@ std::vector<Candidate> candidatesOf(const Pairing& pairing) {
         const Body& body = pairing.now()[now];
         byArea.forEachAlike(body, [&](std::size_t before) {
             const Body& old = pairing.before()[before];
-            if (candidates.size() - first <= mostOfAShape && !copies.isCopy(*old.record, *body.record)) {
+            if (!copies.isCopy(*old.record, *body.record)) {
                 candidates.push_back({before, now, body.centre - old.centre});
             }
+            return candidates.size() - first <= mostOfAShape;
         });
         if (candidates.size() - first > mostOfAShape) {
             candidates.resize(first);
