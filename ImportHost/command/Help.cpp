@@ -111,7 +111,7 @@ std::string helpText() {
             text += entry(nameAndValue(option), textOf(option));
         }
     }
-    text += "\nA value may follow an equals sign: --report=FILE. What follows -- is a model.\n\nExit codes:\n";
+    text += "\nA value may follow an equals sign: --report=FILE. Words after -- are models.\n\nExit codes:\n";
     for (const Line& line : exitCodes) {
         text += std::string("  ") + line.command + "  " + line.text + '\n';
     }
@@ -130,7 +130,7 @@ std::string manualText() {
         text += ".B import\\-host\n" + roff(line.command) + "\n.br\n";
     }
     text += ".SH DESCRIPTION\n" + roff(description) + '\n';
-    text += ".PP\nA value may also follow an equals sign. What follows \\-\\- is a model.\n";
+    text += ".PP\nA value may also follow an equals sign. Words after \\-\\- are models.\n";
     for (const OptionGroup& group : optionGroups()) {
         text += ".SH \"" + upperCase(roff(group.title)) + "\"\n";
         for (const Option& option : group.options) {

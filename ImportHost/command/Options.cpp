@@ -14,13 +14,14 @@ OptionGroup inputOptions() {
     return {
         "What is imported",
         {{"--compare", "", "",
-          "Compare two files, OLD and NEW, and keep no state. Two files mean this without it, too.",
+          "Compare two files, OLD and NEW, and keep no state. Two files mean this even without it.",
           &Arguments::compare},
          {"--state", "", "DIR", "Folder with what is remembered of the model. Default: MODEL.import beside the model.",
           &Arguments::state},
          {"--plugin", "", "FILE", "Import plug-in. Default: the IFC plug-in that came with the program.",
           &Arguments::plugin},
-         {"--pattern", "", "GLOB", "Models of a FOLDER; capitals or not. Default: *.ifc.", &Arguments::pattern},
+         {"--pattern", "", "GLOB", "Names of a FOLDER's models, in upper or lower case. Default: *.ifc.",
+          &Arguments::pattern},
          {"--environment-version", "", "N", "Version of the import environment to announce. Default: 1.",
           &Arguments::environmentVersion}}};
 }
@@ -42,7 +43,7 @@ OptionGroup outputOptions() {
 }
 
 OptionGroup behaviourOptions() {
-    return {"How",
+    return {"Behaviour",
             {{"--dry-run", "", "", "Compare and write, but leave the state as it is.", &Arguments::dryRun},
              {"--in-process", "", "", "Run the plug-in in this process, for debuggers and sanitizers.",
               &Arguments::inProcess},

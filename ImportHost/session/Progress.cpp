@@ -12,6 +12,22 @@ namespace {
 
 constexpr int barWidth = 40;
 
+/** What is read of a line, and shown of its text, so that the line of a terminal has room for it; in bytes. */
+constexpr std::size_t longestLine = 1000;
+constexpr std::size_t longestText = 27;
+
+/** The beginning of a text that is well-formed UTF-8. */
+std::string shortened(std::string text) {
+    if (text.size() > longestText) {
+        std::size_t end = longestText;
+        while ((static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
+            --end;
+        }
+        text.resize(end);
+    }
+    return text;
+}
+
 /** Back to the line's beginning, and nothing behind it. */
 constexpr const char* cleared = "\r\x1B[K";
 
@@ -56,12 +72,14 @@ void Progress::update() {
     std::clearerr(file_);
     for (int c = std::fgetc(file_); c != EOF; c = std::fgetc(file_)) {
         if (c != '\n') {
-            line_ += static_cast<char>(c);
+            if (line_.size() < longestLine) {
+                line_ += static_cast<char>(c);
+            }
             continue;
         }
         const std::vector<std::string_view> fields = split(line_, '\t');
         try {
-            show(toDouble(fields[0]), fields.size() > 1 ? printable(fields[1]) : "");
+            show(toDouble(fields[0]), fields.size() > 1 ? shortened(printable(fields[1])) : "");
         } catch (const std::runtime_error&) {
             // A line that says nothing is nothing to stop an import for.
         }
