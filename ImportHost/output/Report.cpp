@@ -1,25 +1,12 @@
 #include "output/Report.h"
 
+#include "output/JsonText.h"
+
 #include <PluginKit/Text.h>
 
 #include <cmath>
 
 namespace {
-
-std::string jsonString(std::string_view text) {
-    std::string result = "\"";
-    for (const char c : validUtf8(text)) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (c == '"' || c == '\\') {
-            result += std::string("\\") + c;
-        } else if (byte < 0x20 || byte == 0x7F) {
-            result += "\\u00" + toHex(&c, 1);
-        } else {
-            result += c;
-        }
-    }
-    return result + '"';
-}
 
 std::string jsonNumber(double value) {
     return std::isfinite(value) ? numberText(value) : "null";

@@ -1,26 +1,11 @@
 #include "output/html/HtmlPage.h"
 
+#include "output/JsonText.h"
 #include "output/StatusStyle.h"
 #include "output/html/Base64.h"
 #include "output/html/PageTemplate.h"
 
-#include <PluginKit/Text.h>
-
 namespace {
-
-std::string jsonString(const std::string& text) {
-    std::string result = "\"";
-    for (const char c : validUtf8(text)) {
-        if (c == '"' || c == '\\') {
-            result += std::string("\\") + c;
-        } else if (static_cast<unsigned char>(c) < 0x20) {
-            result += "\\u00" + toHex(&c, 1);
-        } else {
-            result += c;
-        }
-    }
-    return result + '"';
-}
 
 /**
  * A block of data. JSON has the character that begins markup only inside strings, where it can be written as an escape;
