@@ -20,6 +20,7 @@ std::tuple<bool, bool, bool, double> preference(const Body& before, const Body& 
 void pairPlaces(Pairing& pairing) {
     constexpr double reach = 0.005;
     constexpr double cell = 0.5;
+    constexpr std::size_t mostAtAPlace = 500; // of thousands, which no model needs, the first have to do
     Grid grid(cell);
     for (const std::size_t i : pairing.freeBefore()) {
         grid.add(pairing.before()[i].centre, i);
@@ -30,10 +31,15 @@ void pairPlaces(Pairing& pairing) {
         for (const std::size_t i : pairing.freeNow()) {
             const Body& now = pairing.now()[i];
             std::size_t best = Pairing::none;
+            std::size_t looks = 0;
             grid.forEachNear(now.centre, reach, [&](std::size_t candidate) {
                 const Body& before = pairing.before()[candidate];
-                if (pairing.isFreeBefore(candidate) &&
-                    (before.record->className == now.record->className) == sameClass && areInPlace(before, now) &&
+                if (looks >= mostAtAPlace || !pairing.isFreeBefore(candidate) ||
+                    (before.record->className == now.record->className) != sameClass) {
+                    return;
+                }
+                ++looks;
+                if (areInPlace(before, now) &&
                     (best == Pairing::none || preference(pairing.before()[best], now) < preference(before, now))) {
                     best = candidate;
                 }
