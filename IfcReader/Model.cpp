@@ -20,7 +20,7 @@ namespace {
 constexpr double readingShare = 0.3;
 
 /** In points read, made or looked at: some minutes. A model of 140 MB takes less than a hundredth. */
-constexpr std::uint64_t maxWork = 20'000'000'000;
+constexpr std::uint64_t maxWork = 5'000'000'000;
 
 constexpr std::size_t nameArgument = 2;
 constexpr std::size_t shapeArgument = 6;

@@ -17,9 +17,10 @@ build=${FUZZ_BUILD:-$root/build/fuzz}
 "$root/Scripts/install-packages.sh" clang libclang-rt-dev cmake ninja-build
 mkdir -p "$build"
 options=(-DCMAKE_CXX_COMPILER=clang++ -DCMAKE_C_COMPILER=clang -DIMPORTCOMMON_BUILD_FUZZERS=ON -DIMPORTCOMMON_WERROR=ON
-    -DIMPORTCOMMON_BUILD_TESTS=OFF -DIMPORTCOMMON_BUILD_EXAMPLES=OFF -DIMPORTCOMMON_BUILD_BENCHMARKS=OFF
+    -DIMPORTCOMMON_BUILD_TESTS=OFF -DIMPORTCOMMON_BUILD_BENCHMARKS=OFF
     -DIMPORTCOMMON_SANITIZE=address,undefined)
-if ! { cmake -S "$root" -B "$build" -G Ninja "${options[@]}" && cmake --build "$build"; } >"$build/build.log" 2>&1; then
+mapfile -t all < <(ls "$root/Fuzz/Corpus") # there is a folder for each
+if ! { cmake -S "$root" -B "$build" -G Ninja "${options[@]}" && cmake --build "$build" --target "${all[@]}"; } >"$build/build.log" 2>&1; then
     cat "$build/build.log" >&2
     echo "fuzz.sh: the build failed" >&2
     exit 1
@@ -28,7 +29,7 @@ fi
 if [ $# -gt 0 ]; then
     targets=("$@")
 else
-    mapfile -t targets < <(ls "$root/Fuzz/Corpus") # there is a folder for each
+    targets=("${all[@]}")
 fi
 findings=$build/findings
 mkdir -p "$findings"

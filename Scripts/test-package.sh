@@ -7,7 +7,7 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-$root/build/package}
 consumer=$root/Tests/Package
-packages=(libimport-common0.1 libimport-common-dev import-host)
+packages=(libimport-common0.1 libimport-common-dev libimport-common-doc import-host)
 warnings=(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 
 step() { printf -- '-- %s\n' "$*"; }

@@ -3,7 +3,7 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_PACKAGE_NAME import-common)
 set(CPACK_PACKAGE_VENDOR "${PROJECT_NAME}")
-set(CPACK_PACKAGE_CONTACT "The ${PROJECT_NAME} developers <import-common@localhost>")
+set(CPACK_PACKAGE_CONTACT "The ${PROJECT_NAME} developers <developers@import-common.invalid>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL Runtime Development)
@@ -23,6 +23,17 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
     "libimport-common${IMPORTCOMMON_ABI} (= ${PROJECT_VERSION}), libc6-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
 
+# The guides as they are, and the reference where Scripts/docs.sh has built it
+list(APPEND CPACK_COMPONENTS_ALL Documentation)
+set(CPACK_COMPONENT_DOCUMENTATION_DESCRIPTION "${PROJECT_DESCRIPTION} (guides and reference)")
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_NAME libimport-common-doc)
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SECTION doc)
+set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_SHLIBDEPS OFF)
+set(documentationDir ${CMAKE_INSTALL_DATADIR}/doc/libimport-common-doc)
+install(DIRECTORY Docs/ DESTINATION ${documentationDir} COMPONENT Documentation
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png" PATTERN "*.json")
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/build/docs/ DESTINATION ${documentationDir}/html COMPONENT Documentation OPTIONAL)
+
 if(TARGET import-host)
     list(APPEND CPACK_COMPONENTS_ALL Host)
     set(CPACK_COMPONENT_HOST_DESCRIPTION "Tells what changed between two versions of a building model")
@@ -30,6 +41,23 @@ if(TARGET import-host)
     set(CPACK_DEBIAN_HOST_PACKAGE_SECTION utils)
     set(CPACK_DEBIAN_HOST_PACKAGE_DEPENDS "libimport-common${IMPORTCOMMON_ABI} (= ${PROJECT_VERSION})")
     set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/ImportSDK/ImportCommon)
+endif()
+
+# Packages of Debian say what may be done with them and what changed.
+function(install_package_documents component package)
+    install(FILES ${PROJECT_SOURCE_DIR}/cmake/copyright ${PROJECT_BINARY_DIR}/changelog.gz
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component})
+endfunction()
+find_program(IMPORTCOMMON_GZIP gzip)
+if(IMPORTCOMMON_GZIP)
+    execute_process(COMMAND ${IMPORTCOMMON_GZIP} -9nc ${PROJECT_SOURCE_DIR}/CHANGELOG.md
+        OUTPUT_FILE ${PROJECT_BINARY_DIR}/changelog.gz)
+    install_package_documents(Runtime ${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME})
+    install_package_documents(Development ${CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME})
+    install_package_documents(Documentation ${CPACK_DEBIAN_DOCUMENTATION_PACKAGE_NAME})
+    if(TARGET import-host)
+        install_package_documents(Host ${CPACK_DEBIAN_HOST_PACKAGE_NAME})
+    endif()
 endif()
 
 include(CPack)
