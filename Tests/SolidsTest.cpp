@@ -108,12 +108,10 @@ TEST(SolidsTest, saysWhatIsWrongWithAStream) {
     }
     const std::string bytes = exampleBytes();
     for (std::size_t size = 0; size < bytes.size(); ++size) {
-        EXPECT_EQ(messageOf(good + record("1", "2", bytes.substr(0, size))),
-                  "solid 2: a solid ends too early");
+        EXPECT_EQ(messageOf(good + record("1", "2", bytes.substr(0, size))), "solid 2: a solid ends too early");
     }
     EXPECT_EQ(messageOf(record("1", "2", bytes + "x")), "solid 1: a solid has bytes behind its end");
-    EXPECT_EQ(messageOf(record("0", "2", bytes)),
-              "solid 1: a solid has a wrong number of its object or bytes");
+    EXPECT_EQ(messageOf(record("0", "2", bytes)), "solid 1: a solid has a wrong number of its object or bytes");
     EXPECT_EQ(messageOf(record("1", "2", exampleBytes({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, 4))),
               "solid 1: a polygon of a solid has a vertex that is not there");
     EXPECT_EQ(messageOf(record("1", "2", exampleBytes({{std::numeric_limits<double>::quiet_NaN(), 0, 0}}))),
