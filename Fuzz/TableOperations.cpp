@@ -2,6 +2,7 @@
  * @file TableOperations.cpp
  * A table, its indexes and its cursors, driven by a sequence of calls that stands in the input, against a plain model.
  */
+#include "FuzzInput.h"
 #include "Models/TableComparison.h"
 
 namespace {

@@ -108,6 +108,7 @@ constexpr BadPlugin badPlugins[] = {
 class BadPluginTest : public ImportExampleTest {
 protected:
     BadPluginTest() {
+        endAsWithoutSanitizers();
         writeFile(file("model"), "not read by this plug-in");
         fs::create_symlink(BAD_PLUGIN, file("bad.so"));
         setenv("BAD_PLUGIN", "good", 1);

@@ -116,7 +116,7 @@ TEST(DbFastTest, agreesWithAPlainModel) {
 
 // Copying a row may go by parts: each byte has its own value, and what stands behind the row stays.
 TEST(DbFastTest, rowsOfAnySizeComeBackWhole) {
-    for (const std::size_t size : {5, 15, 16, 31, 32, 33, 64, 71, 300}) {
+    for (const std::size_t size : {5u, 15u, 16u, 31u, 32u, 33u, 64u, 71u, 300u}) {
         SCOPED_TRACE(size);
         const TablePtr table = createTable({0, 2}, {{DBF_BYTES, 4}, {DBF_BYTES, static_cast<int32_t>(size - 4)}});
         dbf_index* const index = createIndex(table, true, {0});

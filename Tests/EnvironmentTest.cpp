@@ -139,7 +139,11 @@ TEST_F(AllocationFailureTest, environmentIsWrittenWholeOrTheCallerKnows) {
     // What the system had no memory to note, it forgets to release: it stays reachable up to the end.
     static auto& kept = *new std::vector<const char*>;
     for (long which = 1, failed = 1; failed != 0 && !HasFailure(); ++which) {
+        kept.push_back(std::getenv("fo_handle_version"));
         for (const auto& [key, field] : textFields) {
+            kept.push_back(std::getenv(key));
+        }
+        for (const auto& [key, field] : streamFields) {
             kept.push_back(std::getenv(key));
         }
         clearenv(); // an earlier text would be taken up again without an allocation

@@ -28,9 +28,6 @@ using std::chrono::microseconds;
 
 const bool isFullRun = std::getenv("IMPORTCOMMON_FULL_TESTS") != nullptr;
 
-constexpr char sanitizerOptions[] = "handle_segv=0:handle_sigbus=0:handle_sigill=0:handle_abort=0:handle_sigfpe=0:"
-                                    "allocator_may_return_null=1:detect_leaks=0";
-
 /** A running host, whose error stream is a pipe. */
 class Process {
 public:
@@ -50,10 +47,7 @@ public:
             dup2(output, STDOUT_FILENO);
             close(ends[0]);
             close(ends[1]);
-            // The IFC reader's crashes shall end its process as they do without a sanitizer, whatever the signal.
-            for (const char* const options : {"ASAN_OPTIONS", "TSAN_OPTIONS"}) {
-                setenv(options, sanitizerOptions, 1);
-            }
+            endAsWithoutSanitizers();
             alarm(120); // not for ever
             prepare();
             execv(IMPORT_HOST, const_cast<char**>(texts.data()));

@@ -36,6 +36,16 @@ struct Result {
     std::string error; ///< without progress
 };
 
+/** Makes a crash of the programs that this process starts end them as it does without a sanitizer, whatever the signal. */
+inline void endAsWithoutSanitizers() {
+    for (const char* const options : {"ASAN_OPTIONS", "TSAN_OPTIONS"}) {
+        setenv(options,
+               "handle_segv=0:handle_sigbus=0:handle_sigill=0:handle_abort=0:handle_sigfpe=0:"
+               "allocator_may_return_null=1:detect_leaks=0",
+               1);
+    }
+}
+
 class ImportExampleTest : public testing::Test {
 protected:
     ImportExampleTest() { writeFile(file("house.ifc"), house_); }
