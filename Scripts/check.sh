@@ -70,7 +70,7 @@ check() {
     fi
 }
 for test in "${tests[@]}"; do
-    check "$build/Tests/$test"
+    check "$build/Tests/$test" '--gtest_filter=-AllocationFailureTest.*' # valgrind's allocations don't fail when told to
 done
 rm -rf "$build/state"
 for model in house house-revised; do
