@@ -201,8 +201,10 @@ TEST_F(ImportCommandTest, theHelpNamesEverything) {
         const std::string name = (*match)[1];
         EXPECT_NE(manual.find(std::regex_replace(name, std::regex("-"), "\\-")), std::string::npos) << name;
         EXPECT_NE(bash.find(name), std::string::npos) << name;
-        EXPECT_NE(zsh.find(name + ((*match)[2].length() > 0 ? "=[" : "[")), std::string::npos) << name;
+        EXPECT_TRUE(std::regex_search(zsh, std::regex(name + ((*match)[2].length() > 0 ? "=\\[" : "(\\[|\\}'\\[)"))))
+            << name;
     }
+    EXPECT_NE(zsh.find("'(-q --quiet)'{-q,--quiet}'["), std::string::npos) << zsh;
     const auto completed = [](const std::string& words, int at) {
         const std::string script = ". '" HOST_PAGES_DIR "/import-host.bash'; COMP_WORDS=(import-host " + words +
                                    "); COMP_CWORD=" + std::to_string(at) + "; _import_host; echo \"${COMPREPLY[*]}\"";

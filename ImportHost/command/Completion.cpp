@@ -8,6 +8,11 @@ bool namesFolder(const Option& option) {
     return option.value == "DIR" || option.value == "STATE";
 }
 
+std::string firstSentence(const std::string& text) {
+    const std::size_t end = text.find(". ");
+    return end == std::string::npos ? text.substr(0, text.find_last_not_of('.') + 1) : text.substr(0, end);
+}
+
 /** Calls a function with each option. */
 template <typename Function>
 void forEachOption(const Function& function) {
@@ -66,10 +71,15 @@ std::string zshCompletionText() {
     std::string text = "#compdef import-host\n_arguments \\\n";
     forEachOption([&](const Option& option) {
         std::string description;
-        for (const char c : option.text.substr(0, option.text.find_first_of(".:;"))) {
+        for (const char c : firstSentence(option.text)) {
             description += c == '\'' || c == '[' || c == ']' ? ' ' : c;
         }
-        text += "    '" + option.name + (option.value.empty() ? "" : "=") + '[' + description + ']';
+        // One that has a short name completes under either, and not again.
+        const std::string names = option.shortName + ' ' + option.name;
+        const std::string head = option.shortName.empty()
+                                     ? "'" + option.name
+                                     : "'(" + names + ")'{" + option.shortName + ',' + option.name + "}'";
+        text += "    " + head + (option.value.empty() ? "" : "=") + '[' + description + ']';
         if (!option.value.empty()) {
             text += ':' + option.value + ':' +
                     (namesFolder(option)      ? "_files -/"
