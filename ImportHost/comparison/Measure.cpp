@@ -43,6 +43,14 @@ std::optional<Measure> Measure::read(std::string_view text) {
     }
 }
 
+std::optional<long> wholeNumber(std::string_view text) {
+    try {
+        return toLong(text);
+    } catch (const std::runtime_error&) {
+        return std::nullopt;
+    }
+}
+
 bool sameMeasure(double a, double b) {
     return std::abs(a - b) <= relativeTolerance * std::max(std::abs(a), std::abs(b)) + absoluteTolerance;
 }

@@ -18,6 +18,9 @@ struct Measure {
     static std::optional<Measure> read(std::string_view text);
 };
 
+/** The whole number that a text without a factor stands for, of which a double may lack the last digits. */
+std::optional<long> wholeNumber(std::string_view text);
+
 /** Whether two numbers are one that was rounded: they differ by 2e-5 of the larger and 1e-6 at most. */
 bool sameMeasure(double a, double b);
 

@@ -51,11 +51,17 @@ public:
         }
         const std::optional<Measure> x = Measure::read(a);
         const std::optional<Measure> y = Measure::read(b);
+        if (isLongWholeNumber(a) && isLongWholeNumber(b)) {
+            return wholeNumber(a) == wholeNumber(b);
+        }
         return x && y && (areUnitsKnown_ ? sameMeasure(x->inSi(), y->inSi()) : sameMeasure(x->number, y->number));
     }
 
     /** Values to show beside each other: without factors, and in SI units where these differ. */
     std::string shown(std::string_view value, std::string_view other) const {
+        if (const std::optional<long> number = wholeNumber(value)) {
+            return std::to_string(*number);
+        }
         const std::optional<Measure> x = Measure::read(value);
         if (!x) {
             return unescaped(value);
@@ -65,6 +71,13 @@ public:
     }
 
 private:
+    /** Nobody measures with so many digits: what is written with all of them is a number of something. */
+    static bool isLongWholeNumber(std::string_view text) {
+        constexpr long longest = 1L << 53;
+        const std::optional<long> number = wholeNumber(text);
+        return number && (*number > longest || *number < -longest);
+    }
+
     bool areUnitsKnown_;
 };
 
