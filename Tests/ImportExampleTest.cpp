@@ -193,13 +193,17 @@ TEST_F(ImportExampleTest, foreignAndDamagedStatesAreRefused) {
     const std::string state = readFile(file("state/objects.state"));
     std::string damaged = state;
     damaged[state.size() / 2] = damaged[state.size() / 2] == '1' ? '2' : '1';
-    const std::pair<std::string, const char*> states[] = {{"", "not a state"},
-                                                          {"notes\n", "not a state"},
-                                                          {replaced(state, " 3\n", " 4\n"), "another version"},
-                                                          {replaced(state, "model\t", ""), "does not name its model"},
-                                                          {state.substr(0, state.size() - 1), "incomplete"},
-                                                          {state.substr(0, state.size() / 2), "incomplete"},
-                                                          {damaged, ""}};
+    const auto door = state.begin() + static_cast<long>(state.find("IFCDOOR\t"));
+    const std::string doorLine = "line " + std::to_string(std::count(state.begin(), door, '\n') + 1);
+    const std::pair<std::string, std::string> states[] = {
+        {"", "not a state"},
+        {"notes\n", "not a state"},
+        {replaced(state, " 3\n", " 4\n"), "another version"},
+        {replaced(state, "model\t", ""), "does not name its model"},
+        {state.substr(0, state.size() - 1), "incomplete"},
+        {state.substr(0, state.size() / 2), "incomplete"},
+        {replaced(state, "IFCDOOR\t", "IFCDOOR\tx"), doorLine + ": 'x"},
+        {damaged, ""}};
     for (const auto& [content, reason] : states) {
         writeFile(file("state/objects.state"), content);
         expectFailure("--state state house.ifc", 1, "state/objects.state: ", reason);

@@ -67,18 +67,25 @@ State stateFromText(std::string_view text) {
         throw std::runtime_error("the state is incomplete");
     }
     State state;
+    std::size_t lineNumber = 2;
     if (number >= 3) {
         const std::string_view line = text.substr(body, text.find('\n', body) - body);
         state.model = modelFromLine(line);
         body += line.size() + 1;
+        ++lineNumber;
     }
 
     // A state without objects ends where its body begins.
     const std::string_view lines = text.substr(std::min(body, end + 1), end + 1 - std::min(body, end + 1));
     for (const std::string_view line : split(lines, '\n')) {
-        if (!line.empty()) {
-            state.objects.push_back(recordFromLine(line, number));
+        try {
+            if (!line.empty()) {
+                state.objects.push_back(recordFromLine(line, number));
+            }
+        } catch (const std::runtime_error& e) {
+            throw std::runtime_error("line " + std::to_string(lineNumber) + ": " + e.what());
         }
+        ++lineNumber;
     }
     if (text.substr(end + 1) !=
         "end " + std::to_string(state.objects.size()) + ' ' + checksum(text.substr(0, end + 1)) + '\n') {
