@@ -179,6 +179,18 @@ TEST_F(BadPluginTest, textsAreComparedAndNotTheirSpelling) {
     EXPECT_EQ(report["counts"]["unchanged"], 1) << report;
 }
 
+TEST_F(BadPluginTest, doubtfulObjectsAreCountedAsFarAsThePluginTells) {
+    const std::pair<const char*, json> cases[] = {
+        {"doubtful-two", 2}, {"doubtful-none", 0}, {"doubtful-some", nullptr}, {"good", nullptr}};
+    for (const auto& [how, count] : cases) {
+        setenv("BAD_PLUGIN", how, 1);
+        EXPECT_EQ(runBad("--report report.json").exitCode, 0);
+        EXPECT_EQ(json::parse(readFile(file("report.json")))["doubtful"], count) << how;
+        const bool isShown = readFile(file("stdout")).find("\n2 objects are doubtful: ") != std::string::npos;
+        EXPECT_EQ(isShown, count == 2) << how;
+    }
+}
+
 TEST_F(BadPluginTest, veryManyValuesOfOneNameAreCompared) {
     setenv("BAD_PLUGIN", "attributes-alike", 1);
     EXPECT_EQ(runBad("").exitCode, 0);
@@ -226,6 +238,19 @@ TEST_F(BadPluginTest, aPluginThatFailsCanBeLookedAt) {
     expectOneLine(kept, "; what it wrote is in state/output-of-import.");
     const std::size_t at = kept.error.find("state/output-of-import.");
     EXPECT_TRUE(fs::exists(file(kept.error.substr(at, kept.error.find('\n') - at) + "/objects")));
+
+    setenv("BAD_PLUGIN", "objects-large", 1);
+    const auto outputs = [this] {
+        return std::count_if(fs::directory_iterator(file("state")), fs::directory_iterator(),
+                             [](const auto& entry) { return entry.path().filename() != "objects.state"; });
+    };
+    if (HAS_MEMORY_LIMITS) { // sanitizers ask for more
+        const std::string command =
+            "'" IMPORT_HOST "' --plugin bad.so --quiet --state state --keep-output model 2>stderr";
+        EXPECT_NE(std::system(("ulimit -v 500000; exec " + command).c_str()), 0);
+        expectOneLine({1, readFile(file("stderr"))}, "model: not enough memory; what it wrote is in state/output-of-");
+        EXPECT_EQ(outputs(), 2) << "the last import's and this one's";
+    }
 
     setenv("BAD_PLUGIN", "good", 1);
     EXPECT_EQ(runBad("--in-process").exitCode, 0);

@@ -16,6 +16,7 @@
 #include "output/html/ComparisonPage.h"
 #include "session/BoundedText.h"
 #include "session/ImportSession.h"
+#include "state/DoubtfulObjects.h"
 #include "state/ObjectStreams.h"
 #include "state/StateFolder.h"
 
@@ -72,12 +73,14 @@ std::vector<ObjectRecord> importStreams(const StateFolder& state, const std::str
 std::vector<ObjectRecord> importInto(StateFolder& state, const std::string& model, const Arguments& arguments) {
     try {
         return importStreams(state, model, arguments);
-    } catch (const Failure& e) {
+    } catch (const std::exception& e) {
         if (!arguments.keepOutput) {
             throw;
         }
         state.keepOutput();
-        throw Failure(std::string(e.what()) + "; what it wrote is in " + state.outputFolder()).with(e.details());
+        const auto* const failure = dynamic_cast<const Failure*>(&e);
+        const std::string reason = failure != nullptr ? reasonOf(e) : model + ": " + reasonOf(e);
+        throw Failure(reason + "; what it wrote is in " + state.outputFolder()).with(failure ? failure->details() : "");
     }
 }
 
@@ -94,7 +97,7 @@ struct Before {
 };
 
 void writeOutputs(const Outcome& outcome, const PageSources& sources, const Arguments& arguments, OutputFiles& files) {
-    files.add(arguments.report, [&] { return reportText(outcome.model, outcome.previous, outcome.comparison); });
+    files.add(arguments.report, [&] { return reportText(outcome); });
     files.add(arguments.csv, [&] { return csvText(outcome.comparison); });
     files.add(arguments.bcf, [&] { return bcfText(outcome); });
     files.add(arguments.picture, [&] { return pictureText(outcome, arguments.storey); });
@@ -115,18 +118,19 @@ bool compareWithState(StateFolder& state, const Arguments& arguments) {
                                                : Before{state.objects(), std::nullopt, ""};
     const Comparison comparison = compare(before.objects, objects);
     const ImportedModel model = {arguments.model, currentTime()};
+    const Outcome outcome = {model, before.model, comparison,
+                             doubtfulObjects(readFile(state.outputFolder() + "/info"))};
 
     // Everything is written before the first file takes its place, and the state comes last: whatever fails, the next
     // import still compares with what this one compared with.
     OutputFiles files;
-    writeOutputs({model, before.model, comparison}, {objects, before.objects, state.outputFolder(), before.streams},
-                 arguments, files);
+    writeOutputs(outcome, {objects, before.objects, state.outputFolder(), before.streams}, arguments, files);
     if (!arguments.dryRun) {
         state.prepare(model, objects);
     }
     if (!arguments.quiet && !usesStandardOutput(arguments)) {
         const bool isFirst = !before.model && !arguments.folder;
-        print((related ? relatedStateHint(arguments, related->folder) : "") + tableText(comparison, !before.model) +
+        print((related ? relatedStateHint(arguments, related->folder) : "") + tableText(outcome) +
               (isFirst ? firstImportHint(arguments) : ""));
     }
     files.commit();

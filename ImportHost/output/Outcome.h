@@ -7,6 +7,7 @@
 #include "comparison/Comparison.h"
 #include "state/StateFolder.h"
 
+#include <cstddef>
 #include <optional>
 
 /** A comparison and what was compared. */
@@ -14,4 +15,5 @@ struct Outcome {
     const ImportedModel& model;
     const std::optional<ImportedModel>& previous; ///< nothing on a first import
     const Comparison& comparison;
+    std::optional<std::size_t> doubtful = {}; ///< objects not built in full or open; nothing when the plug-in is silent
 };

@@ -200,10 +200,12 @@ std::string jsonCounts(const Comparison& comparison) {
 
 } // namespace
 
-std::string reportText(const ImportedModel& model, const std::optional<ImportedModel>& previous,
-                       const Comparison& comparison) {
-    std::string text = "{\n\"format\": " + std::to_string(reportFormat) + ",\n\"model\": " + jsonString(model.name) +
-                       ",\n\"previous\": " + jsonPrevious(previous) +
+std::string reportText(const Outcome& outcome) {
+    const Comparison& comparison = outcome.comparison;
+    const std::string doubtful = outcome.doubtful ? std::to_string(*outcome.doubtful) : "null";
+    std::string text = "{\n\"format\": " + std::to_string(reportFormat) +
+                       ",\n\"model\": " + jsonString(outcome.model.name) +
+                       ",\n\"previous\": " + jsonPrevious(outcome.previous) + ",\n\"doubtful\": " + doubtful +
                        ",\n\"displacement\": " + jsonDisplacement(comparison.displacement) +
                        ",\n\"counts\": " + jsonCounts(comparison) + ",\n\"objects\": [";
     for (const Change& change : comparison.changes) {

@@ -4,15 +4,12 @@
  */
 #pragma once
 
-#include "comparison/Comparison.h"
-#include "state/StateFolder.h"
+#include "output/Outcome.h"
 
-#include <optional>
 #include <string>
 
 /** The format of the report; Docs/report.schema.json describes it. */
 constexpr int reportFormat = 2;
 
-/** JSON: the model, the one it was compared with, how the whole was displaced, counts, and all objects. */
-std::string reportText(const ImportedModel& model, const std::optional<ImportedModel>& previous,
-                       const Comparison& comparison);
+/** JSON: the model, the one it was compared with, doubtful objects, how the whole was displaced, counts, all objects. */
+std::string reportText(const Outcome& outcome);

@@ -44,9 +44,20 @@ std::string alignedText(const std::vector<Row>& rows) {
     return text;
 }
 
+std::string doubtfulText(std::size_t count) {
+    if (count == 0) {
+        return "";
+    }
+    const bool isOne = count == 1;
+    return std::to_string(count) + (isOne ? " object is" : " objects are") +
+           " doubtful: " + (isOne ? "its shape" : "their shapes") + " could not be built in full, or " +
+           (isOne ? "is" : "are") + " open\n";
+}
+
 } // namespace
 
-std::string tableText(const Comparison& comparison, bool firstImport) {
+std::string tableText(const Outcome& outcome) {
+    const Comparison& comparison = outcome.comparison;
     std::string text;
     std::vector<Row> rows = {{"class", "name", "id", "what happened", "similarity", "moved by", "properties"}};
     for (const Status status : allStatuses) {
@@ -62,7 +73,8 @@ std::string tableText(const Comparison& comparison, bool firstImport) {
         std::snprintf(line, sizeof line, "%-13s %6zu\n", statusName(status), comparison.count(status));
         text += line;
     }
-    if (firstImport) {
+    text += doubtfulText(outcome.doubtful.value_or(0));
+    if (!outcome.previous) {
         return text + "first import: there is nothing to compare with\n";
     }
     if (comparison.displacement) {

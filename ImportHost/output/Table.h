@@ -4,9 +4,9 @@
  */
 #pragma once
 
-#include "comparison/Comparison.h"
+#include "output/Outcome.h"
 
 #include <string>
 
-/** The count of every status, and a line for each object that is not unchanged. */
-std::string tableText(const Comparison& comparison, bool firstImport);
+/** The count of every status, how many objects are doubtful if any, and a line for each that is not unchanged. */
+std::string tableText(const Outcome& outcome);

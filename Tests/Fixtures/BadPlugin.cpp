@@ -292,6 +292,10 @@ const std::map<std::string, std::function<int()>> behaviours = {
     {"attributes-alike", alike},
     {"log-garbage", [] { return behind(env.log, "garbage\n\t\n\0"); }},
     {"progress-garbage", [] { return with(env.progress, "x\n-1\tx\nnan\n1e999\tx\n\n0.5\t\x1B[31m\n"); }},
+    {"objects-large", [] { good(); std::fflush(env.objects); return ::ftruncate(::fileno(env.objects), off_t(1) << 29); }},
+    {"doubtful-two", [] { return behind(env.info, "doubtful\t2\n"); }},
+    {"doubtful-none", [] { return behind(env.info, "doubtful\t0\n"); }},
+    {"doubtful-some", [] { return behind(env.info, "doubtful\tsome\n"); }},
     {"info-garbage", [] { return behind(env.info, "garbage\n"); }},
 };
 // clang-format on

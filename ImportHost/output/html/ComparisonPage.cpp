@@ -74,6 +74,6 @@ std::string comparisonPageText(const Outcome& content, const PageSources& source
     if (!htmlPageAvailable()) {
         throw Failure("--html", "this program was built without libjs-three");
     }
-    return htmlPageText({reportText(content.model, content.previous, content.comparison), content.model.time,
-                         shapesOf(sources, content.comparison), storeyPlans(content)});
+    return htmlPageText(
+        {reportText(content), content.model.time, shapesOf(sources, content.comparison), storeyPlans(content)});
 }
