@@ -66,6 +66,9 @@ private:
     /** What has been made and waits to be taken: bounded, since results may be large. */
     static constexpr std::size_t room = 64;
 
+    /** A thread that found no room waits until there is so much again, so that threads don't wake for every result. */
+    static constexpr std::size_t enoughRoom = room / 2;
+
     struct Slot {
         std::optional<Result> result;
         std::exception_ptr error;
@@ -75,7 +78,9 @@ private:
         std::unique_lock<std::mutex> lock(mutex_);
         for (;;) {
             // The thread that has the lowest number never waits here, so the others don't wait for ever.
-            changed_.wait(lock, [&] { return error_ || next_ == count_ || next_ < taken_ + room; });
+            if (next_ >= taken_ + room) {
+                changed_.wait(lock, [&] { return error_ || next_ == count_ || next_ + enoughRoom <= taken_ + room; });
+            }
             if (error_ || next_ == count_) {
                 return;
             }
@@ -110,7 +115,9 @@ private:
             isTaking_ = false;
             error_ = slot.error;
             ++taken_;
-            changed_.notify_all();
+            if (error_ || next_ == count_ || next_ + enoughRoom <= taken_ + room) {
+                changed_.notify_all();
+            }
         }
     }
 

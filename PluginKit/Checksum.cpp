@@ -1,21 +1,26 @@
 #include <PluginKit/Checksum.h>
 #include <PluginKit/Hex.h>
 
-#include <cstdint>
-
 namespace PluginKit {
 
-std::string checksum(std::string_view text) {
-    std::uint64_t sum = 0xcbf29ce484222325u;
+void Checksum::add(std::string_view text) {
     for (const char c : text) {
-        sum = (sum ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
+        sum_ = (sum_ ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
     }
-    char bytes[8];
-    for (char& byte : bytes) {
-        byte = static_cast<char>(sum >> 56);
-        sum <<= 8;
+}
+
+std::string Checksum::text() const {
+    char bytes[sizeof sum_];
+    for (std::size_t i = 0; i < sizeof bytes; ++i) {
+        bytes[i] = static_cast<char>(sum_ >> (8 * (sizeof bytes - 1 - i)));
     }
     return toHex(bytes, sizeof bytes);
+}
+
+std::string checksum(std::string_view text) {
+    Checksum sum;
+    sum.add(text);
+    return sum.text();
 }
 
 } // namespace PluginKit

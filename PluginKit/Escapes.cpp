@@ -3,17 +3,22 @@
 
 namespace PluginKit {
 
-std::string escaped(std::string_view text) {
-    std::string result;
-    result.reserve(text.size());
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
+void appendEscaped(std::string& to, std::string_view text) {
+    std::size_t done = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
         if (byte < 0x20 || byte == 0x7F || byte == '%') {
-            result += '%' + toHex(&c, 1);
-        } else {
-            result += c;
+            to.append(text, done, i - done).append(1, '%');
+            appendHex(to, &text[i], 1);
+            done = i + 1;
         }
     }
+    to.append(text, done);
+}
+
+std::string escaped(std::string_view text) {
+    std::string result;
+    appendEscaped(result, text);
     return result;
 }
 
@@ -30,14 +35,11 @@ std::string unescaped(std::string_view text) {
 
 std::vector<std::string_view> split(std::string_view text, char separator) {
     std::vector<std::string_view> fields;
-    for (;;) {
-        const std::size_t end = text.find(separator);
-        fields.push_back(text.substr(0, end));
-        if (end == std::string_view::npos) {
-            return fields;
-        }
-        text.remove_prefix(end + 1);
+    Parts parts(text, separator);
+    for (std::string_view part; parts.next(part);) {
+        fields.push_back(part);
     }
+    return fields;
 }
 
 } // namespace PluginKit

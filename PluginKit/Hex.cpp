@@ -19,16 +19,22 @@ int hexDigit(char c) {
 
 } // namespace
 
-std::string toHex(const char* bytes, std::size_t size) {
+void appendHex(std::string& text, const char* bytes, std::size_t size) {
     constexpr char digits[] = "0123456789abcdef";
-    std::string result;
-    result.reserve(size * 2);
+    const std::size_t begin = text.size();
+    text.resize(begin + size * 2);
+    char* to = &text[begin];
     for (std::size_t i = 0; i < size; ++i) {
         const auto byte = static_cast<unsigned char>(bytes[i]);
-        result += digits[byte >> 4];
-        result += digits[byte & 15];
+        *to++ = digits[byte >> 4];
+        *to++ = digits[byte & 15];
     }
-    return result;
+}
+
+std::string toHex(const char* bytes, std::size_t size) {
+    std::string text;
+    appendHex(text, bytes, size);
+    return text;
 }
 
 std::string fromHex(std::string_view text) {

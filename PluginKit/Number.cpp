@@ -31,9 +31,15 @@ bool readAll(std::string_view text, double& value) {
 
 } // namespace
 
-std::string numberText(double value) {
+void appendNumber(std::string& text, double value) {
     char buffer[32];
-    return std::string(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr);
+    text.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr);
+}
+
+std::string numberText(double value) {
+    std::string text;
+    appendNumber(text, value);
+    return text;
 }
 
 double toDouble(std::string_view text) {

@@ -14,6 +14,7 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -21,29 +22,34 @@ namespace {
 
 constexpr const char* temporaryPrefix = ".import-host.";
 
-/** Writes everything and closes the file, whatever happens. */
-bool writeAndClose(int file, const std::string& content, bool sync) {
-    std::size_t written = 0;
-    while (written < content.size()) {
-        const ssize_t size = ::write(file, content.data() + written, content.size() - written);
-        if (size < 0 && errno == EINTR) {
-            continue;
+bool writeAll(int file, const NextPiece& next) {
+    for (std::string_view piece = next(); !piece.empty(); piece = next()) {
+        while (!piece.empty()) {
+            const ssize_t size = ::write(file, piece.data(), piece.size());
+            if (size < 0 && errno != EINTR) {
+                return false;
+            }
+            piece.remove_prefix(size < 0 ? 0 : static_cast<std::size_t>(size));
         }
-        if (size < 0) {
-            const int reason = errno;
-            ::close(file);
-            errno = reason;
-            return false;
-        }
-        written += static_cast<std::size_t>(size);
     }
-    const bool synced = !sync || ::fsync(file) == 0;
+    return true;
+}
+
+/** Writes everything and closes the file, whatever happens. */
+bool writeAndClose(int file, const NextPiece& next, bool sync) {
+    bool done = false;
+    try {
+        done = writeAll(file, next) && (!sync || ::fsync(file) == 0);
+    } catch (...) {
+        ::close(file);
+        throw;
+    }
     const int reason = errno;
     const bool closed = ::close(file) == 0;
-    if (!synced) {
+    if (!done) {
         errno = reason;
     }
-    return synced && closed;
+    return done && closed;
 }
 
 } // namespace
@@ -110,14 +116,14 @@ bool PendingFile::isTemporary(const std::string& fileName) {
 }
 
 /** A device or pipe is written to, not replaced. */
-void PendingFile::writeThrough(const std::string& content) const {
+void PendingFile::writeThrough(const NextPiece& next) const {
     // A pipe without a reader is an error here; with one, writing may wait for it.
     const int file = ::open(path_.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
     if (file < 0) {
         throw Failure(path_, errno == ENXIO ? "nobody reads from it" : std::strerror(errno));
     }
     ::fcntl(file, F_SETFL, ::fcntl(file, F_GETFL) & ~O_NONBLOCK);
-    if (!writeAndClose(file, content, false)) {
+    if (!writeAndClose(file, next, false)) {
         throw Failure(path_, std::strerror(errno));
     }
 }
@@ -139,7 +145,23 @@ int PendingFile::createTemporary() {
     return -1;
 }
 
-PendingFile::PendingFile(const std::string& path, const std::string& content) : path_(path) {
+/** Throws Failure, and what next throws; then the file is gone. */
+void PendingFile::writeTemporary(int file, const NextPiece& next) {
+    try {
+        if (!writeAndClose(file, next, true)) {
+            throw Failure(path_, std::strerror(errno));
+        }
+    } catch (...) {
+        ::unlink(temporary_.c_str());
+        throw;
+    }
+}
+
+PendingFile::PendingFile(const std::string& path, std::string_view content)
+    : PendingFile(path, [&content] { return std::exchange(content, {}); }) {
+}
+
+PendingFile::PendingFile(const std::string& path, const NextPiece& next) : path_(path) {
     if (path.empty()) {
         return;
     }
@@ -151,7 +173,7 @@ PendingFile::PendingFile(const std::string& path, const std::string& content) : 
     struct stat old {};
     const bool exists = ::stat(path.c_str(), &old) == 0;
     if (exists && !S_ISREG(old.st_mode)) {
-        writeThrough(content);
+        writeThrough(next);
         return;
     }
 
@@ -164,11 +186,7 @@ PendingFile::PendingFile(const std::string& path, const std::string& content) : 
     if (exists) {
         ::fchmod(file, old.st_mode & 07777);
     }
-    if (!writeAndClose(file, content, true)) {
-        const int reason = errno;
-        ::unlink(temporary_.c_str());
-        throw Failure(path, std::strerror(reason));
-    }
+    writeTemporary(file, next);
 }
 
 PendingFile::~PendingFile() {

@@ -5,7 +5,9 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
+#include <string_view>
 
 /** Streams and states are read whole; no larger ones are. */
 constexpr std::size_t largestFile = std::size_t(1) << 30;
@@ -22,6 +24,9 @@ bool isSameFile(const std::string& a, const std::string& b);
 /** Whether the file of a name lies in a folder, or in one inside it; neither need be there yet. */
 bool isInside(const std::string& path, const std::string& folder);
 
+/** Gives the bytes of a file piece by piece, and an empty piece behind the last one. A piece holds until the next call. */
+using NextPiece = std::function<std::string_view()>;
+
 /**
  * New content of a file: its bytes are safe on the disk under another name until one rename puts them in the file's
  * place. Whatever fails before leaves the file as it was. A file that is replaced keeps its permissions; where the path
@@ -32,8 +37,9 @@ bool isInside(const std::string& path, const std::string& folder);
  */
 class PendingFile {
 public:
-    /** Writes the content; with an empty path there is no file and nothing to do. Throws Failure. */
-    PendingFile(const std::string& path, const std::string& content);
+    /** Writes the content; with an empty path there is no file and nothing to do. Throws Failure, and what next throws. */
+    PendingFile(const std::string& path, const NextPiece& next);
+    PendingFile(const std::string& path, std::string_view content);
 
     /** Removes what was written and not committed. */
     ~PendingFile();
@@ -48,7 +54,8 @@ public:
     static bool isTemporary(const std::string& fileName);
 
 private:
-    void writeThrough(const std::string& content) const;
+    void writeThrough(const NextPiece& next) const;
+    void writeTemporary(int file, const NextPiece& next);
     int createTemporary();
 
     std::string path_;

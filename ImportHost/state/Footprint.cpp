@@ -6,8 +6,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <set>
+#include <cstdint>
 #include <stdexcept>
+#include <unordered_set>
 #include <utility>
 
 namespace {
@@ -53,23 +54,34 @@ Polygon convexHull(Polygon points) {
     return hull.empty() && !points.empty() ? Polygon{points.front()} : hull;
 }
 
-/** Starts a polygon at its smallest point, so that the top and the bottom of a body give the same one. */
-std::vector<std::pair<long, long>> normalForm(const Polygon& polygon) {
+/**
+ * A hash of the points to the millimetre, whichever of them comes first: the top and the bottom of a body have the same.
+ * Of two faces that differ and have one hash all the same the second isn't drawn.
+ */
+std::uint64_t hashOf(const Polygon& polygon) {
     std::vector<std::pair<long, long>> form;
+    form.reserve(polygon.size());
     for (const Point& point : polygon) {
         form.emplace_back(std::lround(point.x * 1000.0), std::lround(point.y * 1000.0));
     }
     std::rotate(form.begin(), std::min_element(form.begin(), form.end()), form.end());
-    return form;
+    std::uint64_t hash = form.size();
+    for (const auto& [x, y] : form) {
+        for (const long coordinate : {x, y}) {
+            hash = (hash ^ static_cast<std::uint64_t>(coordinate)) * 0x9E3779B97F4A7C15u;
+            hash ^= hash >> 29;
+        }
+    }
+    return hash;
 }
 
 /** What one object's surfaces leave behind while the stream is read. */
 struct Collector {
     Footprint faces;
     Polygon points;
-    std::set<std::vector<std::pair<long, long>>> seen;
+    std::unordered_set<std::uint64_t> seen; ///< hashes of the faces' normal forms
 
-    void add(Polygon polygon) {
+    void add(Polygon& polygon) {
         const double covered = area(polygon);
         if (std::abs(covered) < smallestArea) {
             return;
@@ -77,51 +89,63 @@ struct Collector {
         if (covered < 0.0) {
             std::reverse(polygon.begin(), polygon.end());
         }
-        if (seen.insert(normalForm(polygon)).second) {
-            faces.push_back(std::move(polygon));
+        if (seen.insert(hashOf(polygon)).second) {
+            faces.push_back(polygon);
         }
     }
 
-    Footprint footprint(std::size_t limit) const {
+    Footprint footprint(std::size_t limit) {
         if (!faces.empty() && faces.size() <= limit) {
-            return faces;
+            return std::move(faces);
         }
         return points.empty() ? Footprint() : Footprint{convexHull(points)};
     }
 };
 
+/** Appends the points that a field of coordinates tells, three numbers for each. */
+void readVertices(std::string_view field, Polygon& points) {
+    Parts coordinates(field, ' ');
+    std::string_view x;
+    std::string_view y;
+    std::string_view z;
+    while (coordinates.next(x)) {
+        if (!coordinates.next(y) || !coordinates.next(z)) {
+            throw std::runtime_error("a vertex lacks a coordinate");
+        }
+        points.push_back({toCoordinate(x), toCoordinate(y)});
+    }
+}
+
 /** A line: object, material, coordinates of the vertices, and the vertex numbers of each polygon. */
 void readLine(std::string_view line, std::vector<Collector>& objects) {
-    const std::vector<std::string_view> fields = split(line, '\t');
-    if (fields.size() < 3) {
+    Parts fields(line, '\t');
+    std::string_view field;
+    std::string_view material;
+    std::string_view coordinates;
+    if (!fields.next(field) || !fields.next(material) || !fields.next(coordinates)) {
         throw std::runtime_error("too few fields");
     }
-    const long number = toLong(fields[0]);
+    const long number = toLong(field);
     if (number < 1 || static_cast<std::size_t>(number) > objects.size()) {
         throw std::runtime_error("there is no object " + std::to_string(number));
     }
     Collector& object = objects[static_cast<std::size_t>(number) - 1];
+    const std::size_t first = object.points.size();
+    readVertices(coordinates, object.points);
+    const std::size_t count = object.points.size() - first;
 
-    const std::vector<std::string_view> coordinates = split(fields[2], ' ');
-    if (coordinates.size() % 3 != 0) {
-        throw std::runtime_error("a vertex lacks a coordinate");
-    }
-    Polygon vertices;
-    for (std::size_t i = 0; i < coordinates.size(); i += 3) {
-        vertices.push_back({toCoordinate(coordinates[i]), toCoordinate(coordinates[i + 1])});
-    }
-    object.points.insert(object.points.end(), vertices.begin(), vertices.end());
-
-    for (std::size_t i = 3; i < fields.size(); ++i) {
-        Polygon polygon;
-        for (const std::string_view text : split(fields[i], ' ')) {
-            const long index = toLong(text);
-            if (index < 0 || static_cast<std::size_t>(index) >= vertices.size()) {
+    Polygon polygon;
+    while (fields.next(field)) {
+        polygon.clear();
+        Parts corners(field, ' ');
+        for (std::string_view corner; corners.next(corner);) {
+            const long index = toLong(corner);
+            if (index < 0 || static_cast<std::size_t>(index) >= count) {
                 throw std::runtime_error("there is no vertex " + std::to_string(index));
             }
-            polygon.push_back(vertices[static_cast<std::size_t>(index)]);
+            polygon.push_back(object.points[first + static_cast<std::size_t>(index)]);
         }
-        object.add(std::move(polygon));
+        object.add(polygon);
     }
 }
 
@@ -130,7 +154,8 @@ void readLine(std::string_view line, std::vector<Collector>& objects) {
 std::vector<Footprint> readFootprints(std::string_view polygonsStream, std::size_t objectCount) {
     std::vector<Collector> objects(objectCount);
     std::size_t lineNumber = 0;
-    for (const std::string_view line : split(polygonsStream, '\n')) {
+    Parts lines(polygonsStream, '\n');
+    for (std::string_view line; lines.next(line);) {
         ++lineNumber;
         try {
             if (!line.empty()) {
@@ -144,25 +169,24 @@ std::vector<Footprint> readFootprints(std::string_view polygonsStream, std::size
     const std::size_t limit = std::min(maxFaces, maxFacesOfModel / std::max<std::size_t>(objectCount, 1));
     std::vector<Footprint> footprints;
     footprints.reserve(objectCount);
-    for (const Collector& object : objects) {
+    for (Collector& object : objects) {
         footprints.push_back(object.footprint(limit));
+        object = Collector();
     }
     return footprints;
 }
 
-std::string footprintToText(const Footprint& footprint) {
-    std::string text;
+void appendFootprint(std::string& text, const Footprint& footprint) {
+    const char* separator = "";
     for (const Polygon& polygon : footprint) {
-        if (!text.empty()) {
-            text += ';';
-        }
+        text += std::exchange(separator, ";");
         for (std::size_t i = 0; i < polygon.size(); ++i) {
             text += i > 0 ? " " : "";
-            text += numberText(std::round(polygon[i].x * 1000.0) / 1000.0) + ' ';
-            text += numberText(std::round(polygon[i].y * 1000.0) / 1000.0);
+            appendNumber(text, std::round(polygon[i].x * 1000.0) / 1000.0);
+            text += ' ';
+            appendNumber(text, std::round(polygon[i].y * 1000.0) / 1000.0);
         }
     }
-    return text;
 }
 
 Footprint footprintFromText(std::string_view text) {

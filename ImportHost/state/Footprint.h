@@ -22,6 +22,6 @@ using Footprint = std::vector<std::vector<Point>>;
  */
 std::vector<Footprint> readFootprints(std::string_view polygonsStream, std::size_t objectCount);
 
-/** One line of text, and back; coordinates are kept to the millimetre. fromText throws std::runtime_error. */
-std::string footprintToText(const Footprint& footprint);
+/** Appends one line of text, and back; coordinates are kept to the millimetre. fromText throws std::runtime_error. */
+void appendFootprint(std::string& text, const Footprint& footprint);
 Footprint footprintFromText(std::string_view text);

@@ -43,6 +43,10 @@ Vector3 toVector(std::string_view text) {
     return vector;
 }
 
-std::string vectorText(const Vector3& vector) {
-    return numberText(vector[0]) + ' ' + numberText(vector[1]) + ' ' + numberText(vector[2]);
+void appendVector(std::string& text, const Vector3& vector) {
+    for (const double number : vector) {
+        appendNumber(text, number);
+        text += ' ';
+    }
+    text.pop_back();
 }

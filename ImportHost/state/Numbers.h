@@ -20,4 +20,4 @@ double toCoordinate(std::string_view text);
 
 /** Three coordinates with blanks between them, and back. toVector throws std::runtime_error. */
 Vector3 toVector(std::string_view text);
-std::string vectorText(const Vector3& vector);
+void appendVector(std::string& text, const Vector3& vector);

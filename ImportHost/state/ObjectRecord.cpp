@@ -68,10 +68,10 @@ ExternalVersion versionFromHex(std::string_view text) {
     return version;
 }
 
-std::string guidToHex(const ExternalGUID& guid) {
+void appendGuid(std::string& text, const ExternalGUID& guid) {
     unsigned int size = 0;
     const char* bytes = guid.getBytes(&size);
-    return toHex(bytes, size);
+    appendHex(text, bytes, size);
 }
 
 std::string guidText(const ExternalGUID& identity) {
@@ -101,10 +101,6 @@ Box boxOfVersion(const ObjectRecord& record) {
     return box;
 }
 
-std::string boxToText(const Box& box) {
-    return vectorText(box.low) + ' ' + vectorText(box.high);
-}
-
 Box boxFromText(std::string_view text) {
     const std::vector<std::string_view> fields = split(text, ' ');
     Box box;
@@ -122,15 +118,16 @@ Box boxFromText(std::string_view text) {
 }
 
 /** Their number, or a dash where they are not known, and the names and values. */
-std::string attributesToFields(const std::optional<Attributes>& attributes) {
+void appendAttributes(std::string& text, const std::optional<Attributes>& attributes) {
     if (!attributes) {
-        return "-";
+        text += '-';
+        return;
     }
-    std::string text = std::to_string(attributes->size());
+    text += std::to_string(attributes->size());
     for (const auto& [name, value] : *attributes) {
-        text += '\t' + escaped(name) + '\t' + escaped(value);
+        appendEscaped(text += '\t', name);
+        appendEscaped(text += '\t', value);
     }
-    return text;
 }
 
 /** Reads attributes from @p fields on; @p next is the field behind them. */
@@ -215,18 +212,23 @@ bool haveSameIdentity(const ObjectRecord& a, const ObjectRecord& b) {
 }
 
 std::string recordToLine(const ObjectRecord& record) {
+    std::string text;
     char version[maxVersionSize];
     const unsigned int versionSize = record.version.toByteStream(maxVersionSize, version);
-    const std::string fields[] = {
-        guidToHex(record.identity), guidToHex(record.spatialHash),        toHex(version, versionSize),
-        escaped(record.className),  vectorText(record.position),          escaped(record.name),
-        escaped(record.sourceId),   footprintToText(record.footprint),    boxToText(record.box),
-        shapeToText(record.shape),  attributesToFields(record.attributes)};
-    std::string line;
-    for (const std::string& field : fields) {
-        line += field + '\t';
-    }
-    return line + propertyListToFields(record.properties);
+    appendGuid(text, record.identity);
+    appendGuid(text += '\t', record.spatialHash);
+    appendHex(text += '\t', version, versionSize);
+    appendEscaped(text += '\t', record.className);
+    appendVector(text += '\t', record.position);
+    appendEscaped(text += '\t', record.name);
+    appendEscaped(text += '\t', record.sourceId);
+    appendFootprint(text += '\t', record.footprint);
+    appendVector(text += '\t', record.box.low);
+    appendVector(text += ' ', record.box.high);
+    appendShape(text += '\t', record.shape);
+    appendAttributes(text += '\t', record.attributes);
+    appendPropertyList(text += '\t', record.properties);
+    return text;
 }
 
 ObjectRecord recordFromLine(std::string_view line, int format) {

@@ -9,6 +9,7 @@
 #include <PluginKit/Text.h>
 
 #include <algorithm>
+#include <future>
 #include <iterator>
 #include <stdexcept>
 
@@ -95,6 +96,17 @@ void takeShapes(std::string_view stream, std::vector<ObjectRecord>& records) {
     finish();
 }
 
+/** Reads a stream that adds to the records; what is wrong with it is the plug-in's fault. */
+void readStream(const std::string& folder, const std::string& plugin, const char* stream,
+                void (*take)(std::string_view, std::vector<ObjectRecord>&), std::vector<ObjectRecord>& records) {
+    const std::string content = readFile(folder + '/' + stream);
+    try {
+        take(content, records);
+    } catch (const std::runtime_error& e) {
+        throw Failure(plugin, std::string("wrong ") + stream + " stream, " + e.what());
+    }
+}
+
 } // namespace
 
 std::vector<ObjectRecord> readObjects(const std::string& folder, const std::string& plugin) {
@@ -107,16 +119,11 @@ std::vector<ObjectRecord> readObjects(const std::string& folder, const std::stri
         throw Failure(plugin, e.what());
     }
 
-    using Step = void (*)(std::string_view, std::vector<ObjectRecord>&);
-    const std::pair<const char*, Step> steps[] = {
-        {"polygons", takeFootprints}, {"attributes", takeData}, {"solids", takeShapes}};
-    for (const auto& [stream, take] : steps) {
-        const std::string content = readFile(folder + '/' + stream);
-        try {
-            take(content, records);
-        } catch (const std::runtime_error& e) {
-            throw Failure(plugin, std::string("wrong ") + stream + " stream, " + e.what());
-        }
-    }
+    // Shapes take as long as all the rest and fill other members, so they are read at the same time; where no thread can
+    // be had, behind the others.
+    std::future<void> shapes = std::async([&] { readStream(folder, plugin, "solids", takeShapes, records); });
+    readStream(folder, plugin, "polygons", takeFootprints, records);
+    readStream(folder, plugin, "attributes", takeData, records);
+    shapes.get();
     return records;
 }

@@ -223,7 +223,8 @@ private:
 std::vector<ObjectData> readObjectData(std::string_view attributesStream, std::size_t objectCount) {
     AttributesReader reader(objectCount);
     std::size_t number = 0;
-    for (const std::string_view line : split(attributesStream, '\n')) {
+    Parts lines(attributesStream, '\n');
+    for (std::string_view line; lines.next(line);) {
         ++number;
         try {
             if (!line.empty()) {
@@ -236,11 +237,11 @@ std::vector<ObjectData> readObjectData(std::string_view attributesStream, std::s
     return reader.data();
 }
 
-std::string propertyListToFields(const PropertyList& list) {
-    if (!list.isKnown) {
-        return "-";
+void appendPropertyList(std::string& text, const PropertyList& list) {
+    text += list.isKnown ? list.digest : "-";
+    if (list.isKnown && !list.text.empty()) {
+        text.append(1, '\t').append(list.text);
     }
-    return list.text.empty() ? list.digest : list.digest + '\t' + list.text;
 }
 
 PropertyList propertyListFromFields(std::string_view fields) {

@@ -38,6 +38,6 @@ struct ObjectData {
  */
 std::vector<ObjectData> readObjectData(std::string_view attributesStream, std::size_t objectCount);
 
-/** The fields of a line of the state, and back. fromFields throws std::runtime_error. */
-std::string propertyListToFields(const PropertyList& list);
+/** Appends the fields of a line of the state, and back. fromFields throws std::runtime_error. */
+void appendPropertyList(std::string& text, const PropertyList& list);
 PropertyList propertyListFromFields(std::string_view fields);

@@ -30,12 +30,14 @@ constexpr std::size_t numberCount = 4 + Shape::secondCount + Shape::thirdCount +
 
 } // namespace
 
-std::string shapeToText(const Shape& shape) {
-    std::string text;
+void appendShape(std::string& text, const Shape& shape) {
     if (shape.area > 0.0) {
-        forEachNumber(shape, [&](double number) { text += (text.empty() ? "" : " ") + numberText(number); });
+        forEachNumber(shape, [&](double number) {
+            appendNumber(text, number);
+            text += ' ';
+        });
+        text.pop_back();
     }
-    return text;
 }
 
 Shape shapeFromText(std::string_view text) {

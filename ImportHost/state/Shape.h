@@ -29,6 +29,6 @@ struct Shape {
     std::array<double, fourthCount> fourth{};
 };
 
-/** Numbers with blanks between them; empty for an object without a surface. fromText throws std::runtime_error. */
-std::string shapeToText(const Shape& shape);
+/** Appends numbers with blanks between them; empty for an object without a surface. fromText throws std::runtime_error. */
+void appendShape(std::string& text, const Shape& shape);
 Shape shapeFromText(std::string_view text);

@@ -68,22 +68,24 @@ constexpr RulePoint rule[] = {
 /** Adds what a piece of surface of area @p weight at @p p, measured from the centroid, contributes. */
 void addPoint(Shape& shape, const Vector3& p, double weight) {
     const auto& [x, y, z] = p;
-    const std::array<double, Shape::secondCount> second = {x * x, x * y, x * z, y * y, y * z, z * z};
+    const Vector3 first = p * weight;
+    const std::array<double, Shape::secondCount> second = {first[0] * x, first[0] * y, first[0] * z,
+                                                           first[1] * y, first[1] * z, first[2] * z};
     const std::array<double, Shape::thirdCount> third = {second[0] * x, second[0] * y, second[0] * z, second[3] * x,
                                                          second[1] * z, second[5] * x, second[3] * y, second[3] * z,
                                                          second[5] * y, second[5] * z};
     for (std::size_t i = 0; i < second.size(); ++i) {
-        shape.second[i] += weight * second[i];
+        shape.second[i] += second[i];
     }
     for (std::size_t i = 0; i < third.size(); ++i) {
-        shape.third[i] += weight * third[i];
+        shape.third[i] += third[i];
     }
     // xxxx xxxy xxxz xxyy xxyz xxzz xyyy xyyz xyzz xzzz yyyy yyyz yyzz yzzz zzzz
     const std::array<double, Shape::fourthCount> fourth = {
         third[0] * x, third[0] * y, third[0] * z, third[1] * y, third[1] * z, third[2] * z, third[3] * y, third[3] * z,
         third[5] * y, third[5] * z, third[6] * y, third[6] * z, third[7] * z, third[8] * z, third[9] * z};
     for (std::size_t i = 0; i < fourth.size(); ++i) {
-        shape.fourth[i] += weight * fourth[i];
+        shape.fourth[i] += fourth[i];
     }
 }
 

@@ -25,14 +25,46 @@ constexpr char outputTemplate[] = "output-of-import.XXXXXX";
 constexpr std::size_t outputPrefixLength = sizeof outputTemplate - sizeof "XXXXXX";
 constexpr char previousOutput[] = "output-of-import.previous";
 
-std::string stateText(const ImportedModel& model, const std::vector<ObjectRecord>& objects) {
-    std::string text = std::string(format) + ' ' + std::to_string(stateFormat) + "\nmodel\t" + escaped(model.name) +
-                       '\t' + escaped(model.time) + '\n';
-    for (const ObjectRecord& object : objects) {
-        text += recordToLine(object) + '\n';
+/** The text of a state in pieces, so that it need not be in memory beside the objects. */
+class StateText {
+public:
+    StateText(const ImportedModel& model, const std::vector<ObjectRecord>& objects) : objects_(objects) {
+        piece_ = std::string(format) + ' ' + std::to_string(stateFormat) + "\nmodel\t" + escaped(model.name) + '\t' +
+                 escaped(model.time) + '\n';
     }
-    return text + "end " + std::to_string(objects.size()) + ' ' + checksum(text) + '\n';
-}
+
+    /** The next piece; empty behind the last one. Throws std::runtime_error when they are too much together. */
+    std::string_view next() {
+        constexpr std::size_t pieceSize = std::size_t{1} << 16;
+        if (isComplete_) {
+            return {};
+        }
+        while (next_ < objects_.size() && piece_.size() < pieceSize) {
+            piece_ += recordToLine(objects_[next_++]) + '\n';
+        }
+        sum_.add(piece_);
+        isComplete_ = next_ == objects_.size();
+        if (isComplete_) {
+            piece_ += "end " + std::to_string(objects_.size()) + ' ' + sum_.text() + '\n';
+        }
+        size_ += piece_.size();
+        if (size_ > largestFile) {
+            throw std::runtime_error("it would be larger than " + std::to_string(largestFile >> 20) + " MiB");
+        }
+        shown_.swap(piece_);
+        piece_.clear();
+        return shown_;
+    }
+
+private:
+    const std::vector<ObjectRecord>& objects_;
+    std::size_t next_ = 0; ///< object that comes next
+    std::string piece_;    ///< that is being made
+    std::string shown_;
+    std::size_t size_ = 0;
+    Checksum sum_;
+    bool isComplete_ = false;
+};
 
 /** The format that the first line tells. Throws std::runtime_error. */
 int formatOf(std::string_view header) {
@@ -206,11 +238,14 @@ void StateFolder::removeLeftovers() const {
 
 void StateFolder::prepare(const ImportedModel& model, const std::vector<ObjectRecord>& objects) {
     const std::string fileName = path_ + "/objects.state";
-    const std::string text = stateText(model, objects);
-    if (text.size() > largestFile) {
-        throw Failure(fileName, "it would be larger than " + std::to_string(largestFile >> 20) + " MiB");
+    StateText text(model, objects);
+    try {
+        next_ = std::make_unique<PendingFile>(fileName, [&text] { return text.next(); });
+    } catch (const Failure&) {
+        throw;
+    } catch (const std::runtime_error& e) {
+        throw Failure(fileName, e.what());
     }
-    next_ = std::make_unique<PendingFile>(fileName, text);
 }
 
 void StateFolder::commit() {

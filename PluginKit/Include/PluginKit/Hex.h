@@ -12,6 +12,7 @@ namespace PluginKit {
 
 /** Two lower-case digits for each byte. */
 std::string toHex(const char* bytes, std::size_t size);
+void appendHex(std::string& text, const char* bytes, std::size_t size);
 
 /** The bytes, whatever the case of the digits; empty when the text is not hexadecimal. */
 std::string fromHex(std::string_view text);

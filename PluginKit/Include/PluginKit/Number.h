@@ -11,6 +11,7 @@ namespace PluginKit {
 
 /** The shortest text that reads back as the same number. */
 std::string numberText(double value);
+void appendNumber(std::string& text, double value);
 
 /** The number that the whole text stands for, infinities and NaN included. Throws std::runtime_error. */
 double toDouble(std::string_view text);

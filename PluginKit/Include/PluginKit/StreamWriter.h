@@ -103,6 +103,7 @@ private:
     std::size_t deepest_ = 0; ///< the greatest depth that the next property may have
     bool isInSet_ = false;
     double shownProgress_ = -1.0;
+    std::string lines_; ///< those that are being made, the innermost last
 };
 
 } // namespace PluginKit
