@@ -45,9 +45,8 @@ Surfaces surfacesOf(const IfcReader::Shape& shape) {
         for (const IfcReader::Point& p : part.vertices) {
             surface.vertices.push_back({shape.origin.x + p.x, shape.origin.y + p.y, shape.origin.z + p.z});
         }
-        for (const std::vector<std::uint32_t>& polygon : part.polygons) {
-            surface.addPolygon(polygon);
-        }
+        surface.sizes = part.sizes;
+        surface.corners = part.corners;
     }
     return surfaces;
 }

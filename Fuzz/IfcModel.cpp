@@ -19,17 +19,21 @@ namespace {
 void checkShape(const Shape& shape) {
     require(std::isfinite(shape.origin.x + shape.origin.y + shape.origin.z), "origin");
     for (const ShapePart& part : shape.parts) {
-        require(!part.items.empty() && !part.polygons.empty(), "part of nothing");
+        require(!part.items.empty() && !part.sizes.empty(), "part of nothing");
         for (const Point& p : part.vertices) {
             require(std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z), "vertex");
         }
-        for (const auto& polygon : part.polygons) {
-            require(polygon.size() > 2, "size of a polygon");
-            for (std::size_t i = 0; i < polygon.size(); ++i) {
-                require(polygon[i] < part.vertices.size(), "number of a vertex");
-                require(polygon[i] != polygon[(i + 1) % polygon.size()], "edge of no length");
+        std::size_t first = 0;
+        for (const std::uint32_t polygonSize : part.sizes) {
+            require(polygonSize > 2 && polygonSize <= part.corners.size() - first, "size of a polygon");
+            for (std::uint32_t i = 0; i < polygonSize; ++i) {
+                const std::uint32_t corner = part.corners[first + i];
+                require(corner < part.vertices.size(), "number of a vertex");
+                require(corner != part.corners[first + (i + 1) % polygonSize], "edge of no length");
             }
+            first += polygonSize;
         }
+        require(first == part.corners.size(), "corners of no polygon");
     }
 }
 

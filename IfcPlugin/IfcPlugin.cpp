@@ -39,7 +39,7 @@ void importModel(const ForeignObjectEnv_t& env, PluginKit::StreamWriter& writer)
     OrderedWork<MeasuredProduct>(
         model.size(), [&](std::size_t i) { return measured(model.product(i)); },
         [&](std::size_t i, MeasuredProduct&& product) {
-            objects.write(product);
+            objects.write(std::move(product));
             writer.progress(readingShare + (1.0 - readingShare) * static_cast<double>(i) / count, "building");
         })
         .run();

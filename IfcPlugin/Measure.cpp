@@ -26,9 +26,10 @@ std::size_t octantOf(const Point& offset) {
 
 /** Adds the volume of the part, and its centroid times the volume: tetrahedra from a point to all triangles. */
 void addEnclosed(const ShapePart& part, const Point& from, double& volume, Point& moment) {
-    for (const std::vector<std::uint32_t>& polygon : part.polygons) {
-        for (std::size_t i = 2; i < polygon.size(); ++i) {
-            const Point a = part.vertices[polygon[0]] - from;
+    const std::uint32_t* polygon = part.corners.data();
+    for (const std::uint32_t size : part.sizes) {
+        const Point a = part.vertices[polygon[0]] - from;
+        for (std::uint32_t i = 2; i < size; ++i) {
             const Point b = part.vertices[polygon[i - 1]] - from;
             const Point c = part.vertices[polygon[i]] - from;
             const double sixth =
@@ -38,6 +39,7 @@ void addEnclosed(const ShapePart& part, const Point& from, double& volume, Point
             moment.y += sixth * (a.y + b.y + c.y) * 0.25;
             moment.z += sixth * (a.z + b.z + c.z) * 0.25;
         }
+        polygon += size;
     }
 }
 

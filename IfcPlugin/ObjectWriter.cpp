@@ -3,6 +3,8 @@
 #include "Attributes.h"
 #include "PropertyLines.h"
 
+#include <PluginKit/Measure.h>
+
 #include <algorithm>
 #include <new>
 
@@ -33,17 +35,30 @@ std::string nameForMessages(const Product& product) {
            product.name.value_or("") + '"';
 }
 
-ExternalGUID spatialHashOf(const Shape& shape) {
-    std::vector<double> coordinates;
-    for (const ShapePart& part : shape.parts) {
+/** Moves the parts of a shape into the world. */
+std::vector<SolidSurface> surfacesOf(Shape& shape) {
+    std::vector<SolidSurface> surfaces;
+    surfaces.reserve(shape.parts.size());
+    for (ShapePart& part : shape.parts) {
+        SolidSurface& surface = surfaces.emplace_back();
+        surface.vertices.reserve(part.vertices.size());
         for (const Point& v : part.vertices) {
-            coordinates.insert(coordinates.end(), {v.x + shape.origin.x, v.y + shape.origin.y, v.z + shape.origin.z});
+            surface.vertices.push_back({v.x + shape.origin.x, v.y + shape.origin.y, v.z + shape.origin.z});
         }
+        surface.sizes = std::move(part.sizes);
+        surface.corners = std::move(part.corners);
     }
-    if (coordinates.empty()) {
-        coordinates = {shape.origin.x, shape.origin.y, shape.origin.z};
+    shape.parts.clear();
+    return surfaces;
+}
+
+/** A shape without surfaces is where its origin is. */
+ExternalGUID spatialHashOf(const std::vector<SolidSurface>& surfaces, const Point& origin) {
+    if (!surfaces.empty()) {
+        return PluginKit::spatialHashOf(surfaces);
     }
-    return ExternalGUID::spatialHashFromVertexes(static_cast<unsigned int>(coordinates.size() / 3), coordinates.data());
+    const std::array<double, 3> vertex = {origin.x, origin.y, origin.z};
+    return ExternalGUID::spatialHashFromVertexes(1, vertex.data());
 }
 
 } // namespace
@@ -51,14 +66,16 @@ ExternalGUID spatialHashOf(const Shape& shape) {
 MeasuredProduct measured(Product&& product) {
     MeasuredProduct result;
     result.product = std::move(product);
+    Shape& shape = result.product.shape;
+    result.measurement = measure(shape);
+    result.surfaces = surfacesOf(shape);
     if (result.isObject()) {
-        result.measurement = measure(result.product.shape);
-        result.spatialHash = spatialHashOf(result.product.shape);
+        result.spatialHash = spatialHashOf(result.surfaces, shape.origin);
     }
     return result;
 }
 
-void ObjectWriter::write(const MeasuredProduct& measured) {
+void ObjectWriter::write(MeasuredProduct&& measured) {
     const Product& product = measured.product;
     writePlace(product);
     SetLine owner;
@@ -83,7 +100,7 @@ void ObjectWriter::writePlace(const Product& product) {
     }
 }
 
-void ObjectWriter::writeObject(const MeasuredProduct& measured) {
+void ObjectWriter::writeObject(MeasuredProduct& measured) {
     const Product& product = measured.product;
     const Shape& shape = product.shape;
     const std::string globalId = globalIdOf(product);
@@ -110,9 +127,11 @@ void ObjectWriter::writeObject(const MeasuredProduct& measured) {
     line.className = product.className;
     line.position = {centre.x + shape.origin.x, centre.y + shape.origin.y, centre.z + shape.origin.z};
     line.name = product.name.value_or("");
-    const std::vector<SolidSurface> surfaces = surfacesOf(product);
+    for (std::size_t i = 0; i < measured.surfaces.size(); ++i) {
+        measured.surfaces[i].material = materialOf(product.looks[i]);
+    }
     writer_.object(line, {identityId, hashId, globalId});
-    writer_.shape(surfaces);
+    writer_.shape(measured.surfaces);
 
     if (!shape.doubts.empty()) {
         ++doubtfulCount_;
@@ -133,23 +152,4 @@ std::uint32_t ObjectWriter::materialOf(const std::optional<Look>& look) {
         found->second = writer_.material({colour, shown.name});
     }
     return found->second;
-}
-
-std::vector<SolidSurface> ObjectWriter::surfacesOf(const Product& product) {
-    std::vector<SolidSurface> surfaces;
-    for (std::size_t i = 0; i < product.shape.parts.size(); ++i) {
-        const ShapePart& part = product.shape.parts[i];
-        const Point& origin = product.shape.origin;
-        SolidSurface surface;
-        surface.material = materialOf(product.looks[i]);
-        surface.vertices.reserve(part.vertices.size());
-        for (const Point& v : part.vertices) {
-            surface.vertices.push_back({v.x + origin.x, v.y + origin.y, v.z + origin.z});
-        }
-        for (const std::vector<std::uint32_t>& polygon : part.polygons) {
-            surface.addPolygon(polygon);
-        }
-        surfaces.push_back(std::move(surface));
-    }
-    return surfaces;
 }

@@ -18,10 +18,11 @@
 struct MeasuredProduct {
     IfcReader::Product product;
     Measurement measurement;
-    ImportCommon::ExternalGUID spatialHash; ///< finds an object again whose GlobalId was changed
+    ImportCommon::ExternalGUID spatialHash;        ///< finds an object again whose GlobalId was changed
+    std::vector<PluginKit::SolidSurface> surfaces; ///< the parts of the shape in the world, still without materials
 
     /** Something to be seen, or something that should be: a product whose shape could not be built is one as well. */
-    bool isObject() const { return !product.shape.parts.empty() || !product.shape.doubts.empty(); }
+    bool isObject() const { return !surfaces.empty() || !product.shape.doubts.empty(); }
 };
 
 MeasuredProduct measured(IfcReader::Product&& product);
@@ -34,16 +35,15 @@ public:
                  PluginKit::StreamWriter& writer)
         : model_(model), identities_(identities), writer_(writer) {}
 
-    void write(const MeasuredProduct& measured);
+    void write(MeasuredProduct&& measured);
 
     /** Objects whose shape could not be built in full. */
     std::size_t doubtfulCount() const { return doubtfulCount_; }
 
 private:
     void writePlace(const IfcReader::Product& product);
-    void writeObject(const MeasuredProduct& measured);
+    void writeObject(MeasuredProduct& measured);
     std::uint32_t materialOf(const std::optional<IfcReader::Look>& look);
-    std::vector<PluginKit::SolidSurface> surfacesOf(const IfcReader::Product& product);
 
     const IfcReader::Model& model_;
     ImportCommon::ExternalGUIDDatabase& identities_;

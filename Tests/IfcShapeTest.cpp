@@ -58,7 +58,7 @@ bool sameParts(const Shape& a, const Shape& b) {
     for (std::size_t i = 0; i < a.parts.size(); ++i) {
         const ShapePart& p = a.parts[i];
         const ShapePart& q = b.parts[i];
-        if (p.items != q.items || p.polygons != q.polygons || p.closed != q.closed ||
+        if (p.items != q.items || p.sizes != q.sizes || p.corners != q.corners || p.closed != q.closed ||
             p.vertices.size() != q.vertices.size() ||
             std::memcmp(p.vertices.data(), q.vertices.data(), p.vertices.size() * sizeof(Point)) != 0) {
             return false;

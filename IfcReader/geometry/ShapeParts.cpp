@@ -22,12 +22,18 @@ public:
         const Vector normal = areaVector(face);
         if (face.holes.empty()) {
             if (face.outer.size() == 3 || (isFlat(face.outer) && isConvex(face.outer, normalized(normal)))) {
-                addLoop(face.outer);
+                addPolygon(face.outer.size(), [&](std::size_t i) -> const Vector& { return face.outer[i]; });
                 return;
             }
         }
-        for (const Loop& triangle : trianglesOf(face, normal)) {
-            addLoop(triangle);
+        std::vector<const Vector*> corners;
+        forEachLoop(face, [&](const Loop& loop) {
+            for (const Vector& p : loop) {
+                corners.push_back(&p);
+            }
+        });
+        for (const auto& triangle : triangulate(face, normal)) {
+            addPolygon(triangle.size(), [&](std::size_t i) -> const Vector& { return *corners[triangle[i]]; });
         }
     }
 
@@ -46,19 +52,24 @@ private:
         return std::all_of(loop.begin(), loop.end(), [&](const Vector& p) { return std::abs(plane(p)) <= flatEnough; });
     }
 
-    void addLoop(const Loop& loop) {
-        std::vector<std::uint32_t> polygon;
-        for (const Vector& p : loop) {
-            const std::uint32_t number = merger_.numberOf(p);
-            if (polygon.empty() || polygon.back() != number) {
-                polygon.push_back(number);
+    /** Corners in one place become one; what has less than three of them then is left out. */
+    template <typename CornerAt>
+    void addPolygon(std::size_t size, CornerAt cornerAt) {
+        std::vector<std::uint32_t>& corners = part_.corners;
+        const std::size_t first = corners.size();
+        for (std::size_t i = 0; i < size; ++i) {
+            const std::uint32_t number = merger_.numberOf(cornerAt(i));
+            if (corners.size() == first || corners.back() != number) {
+                corners.push_back(number);
             }
         }
-        while (polygon.size() > 1 && polygon.front() == polygon.back()) {
-            polygon.pop_back();
+        while (corners.size() > first + 1 && corners[first] == corners.back()) {
+            corners.pop_back();
         }
-        if (polygon.size() > 2) {
-            part_.polygons.push_back(std::move(polygon));
+        if (corners.size() > first + 2) {
+            part_.sizes.push_back(static_cast<std::uint32_t>(corners.size() - first));
+        } else {
+            corners.resize(first);
         }
     }
 
@@ -87,7 +98,7 @@ void appendParts(const std::vector<Body>& bodies, const Affine& turn, Shape& sha
             }
         }
         maker.finish(turn);
-        if (!part.polygons.empty()) {
+        if (!part.sizes.empty()) {
             shape.parts.push_back(std::move(part));
         }
     }

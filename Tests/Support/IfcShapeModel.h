@@ -122,14 +122,15 @@ struct ShapeNumbers {
             double total = 0.0;
             double enclosed = 0.0;
             const Vector base = at(0);
-            for (const auto& polygon : part.polygons) {
-                ++polygons;
-                for (const std::uint32_t i : polygon) {
-                    const Vector p = at(i);
-                    low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
-                    high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
-                }
-                for (std::size_t i = 1; i + 1 < polygon.size(); ++i) {
+            for (const std::uint32_t i : part.corners) {
+                const Vector p = at(i);
+                low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
+                high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
+            }
+            polygons += part.sizes.size();
+            const std::uint32_t* polygon = part.corners.data();
+            for (const std::uint32_t size : part.sizes) {
+                for (std::uint32_t i = 1; i + 1 < size; ++i) {
                     const Vector a = at(polygon[0]) - base;
                     const Vector b = at(polygon[i]) - base;
                     const Vector c = at(polygon[i + 1]) - base;
@@ -138,6 +139,7 @@ struct ShapeNumbers {
                     total += length(normal);
                     enclosed += dot(a, cross(b, c)) / 6.0;
                 }
+                polygon += size;
             }
             area += total;
             gap = std::max(gap, part.closed && total > 0.0 ? length(sum) / total : 0.0);

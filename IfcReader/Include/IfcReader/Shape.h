@@ -23,9 +23,13 @@ struct ShapePart {
     std::vector<std::uint64_t> items;
     /** Relative to the shape's origin; no two are at one place. */
     std::vector<Point> vertices;
-    /** Flat and convex, counter-clockwise seen from outside, as numbers of vertices; one may have corners in the
-     * middle of its neighbours' edges. */
-    std::vector<std::vector<std::uint32_t>> polygons;
+    /**
+     * Of each polygon, the number of its corners. Polygons are flat and convex, counter-clockwise seen from outside; one
+     * may have corners in the middle of its neighbours' edges.
+     */
+    std::vector<std::uint32_t> sizes;
+    /** Of all polygons, one after the other, as numbers of vertices. */
+    std::vector<std::uint32_t> corners;
     bool closed = false; ///< the polygons enclose a volume
 };
 
