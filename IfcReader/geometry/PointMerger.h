@@ -27,12 +27,16 @@ private:
         std::int64_t z;
     };
 
-    static std::uint64_t hashOf(const Cell& cell);
+    std::int64_t cellOf(double value) const;
+    Cell cellOf(const Vector& p) const { return {cellOf(p.x), cellOf(p.y), cellOf(p.z)}; }
+    std::size_t slotOf(const Cell& cell) const;
     std::uint32_t findIn(const Cell& cell, const Vector& p) const;
+    std::uint32_t findNear(const Vector& p) const;
+    std::uint32_t add(const Cell& cell, const Vector& p);
     void grow();
 
     double distance_;
-    double cellSize_;
+    double cellsPerMetre_;
     std::vector<Vector> points_;
     std::vector<std::uint32_t> next_;  ///< of the points in one slot
     std::vector<std::uint32_t> slots_; ///< a power of two
