@@ -6,6 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdlib>
+#include <random>
+
 using namespace IfcReader;
 
 namespace {
@@ -51,6 +55,47 @@ TEST(StepTextTest, argumentsEndWhereTheyEnd) {
     EXPECT_FALSE(arguments.next());
     EXPECT_FALSE(StepArguments(")").next());
     EXPECT_FALSE(StepArguments("").next());
+}
+
+TEST(StepTextTest, argumentsAreTakenWithoutLookingForTheirEnd) {
+    StepArguments arguments("'(',( #7 ,1.5,#8/**/,(#9),-0.25 , $,3),5,(1,2),x");
+    EXPECT_FALSE(arguments.nextDecimal());
+    EXPECT_TRUE(arguments.skip(1));
+    std::optional<StepArguments> list = arguments.nextList();
+    ASSERT_TRUE(list);
+    EXPECT_EQ(list->nextReference(), 7u);
+    EXPECT_EQ(list->nextReference(), 8u);
+    EXPECT_FALSE(list->nextReference());
+    list = StepArguments("( #7 ,1.5,(2),-0.25 ,3)").nextList();
+    EXPECT_TRUE(list->skip(1));
+    EXPECT_EQ(list->nextDecimal(), 1.5);
+    EXPECT_FALSE(list->nextDecimal());
+    EXPECT_EQ(list->next(), "(2)");
+    EXPECT_FALSE(list->nextDecimal()) << "a blank stands behind it";
+    EXPECT_EQ(list->next(), "-0.25");
+    EXPECT_EQ(list->nextDecimal(), 3.0);
+    EXPECT_FALSE(list->nextDecimal());
+    EXPECT_FALSE(list->skip(1));
+    EXPECT_FALSE(StepArguments("5").nextDecimal()) << "it may go on";
+    EXPECT_FALSE(StepArguments(")").nextList());
+    EXPECT_FALSE(StepArguments("5,(1)").nextList());
+}
+
+TEST(StepTextTest, numbersAreRoundedAsTheyHaveToBe) {
+    std::mt19937_64 random(5);
+    for (int i = 0; i < 20000; ++i) {
+        std::string text = std::to_string(random()).substr(0, 1 + random() % 20);
+        if (random() % 8 != 0) {
+            text.insert(1 + random() % text.size(), ".");
+        }
+        text = (random() % 2 != 0 ? "-" : "") + text + (random() % 8 == 0 ? "E-" + std::to_string(random() % 30) : "");
+        const double expected = std::strtod(text.c_str(), nullptr);
+        ASSERT_EQ(stepReal(text), expected) << text;
+        ASSERT_EQ(StepArguments(text + ")").nextDecimal().value_or(expected), expected) << text;
+    }
+    EXPECT_TRUE(std::signbit(*stepReal("-0.")));
+    EXPECT_EQ(StepArguments("0.001,").nextDecimal(), 0.001);
+    EXPECT_FALSE(stepReal("1.2.3"));
 }
 
 TEST(StepTextTest, whatIsNoNumberIsNone) {

@@ -19,30 +19,33 @@ Item Items::at(std::uint64_t id) const {
     return Item(*this, *instance);
 }
 
-Item::Item(const Items& items, const StepInstance& instance) : items_(&items), instance_(instance) {
-    StepArguments arguments(instance.arguments);
-    while (size_ < arguments_.size()) {
-        const auto argument = arguments.next();
-        if (!argument) {
-            break;
-        }
-        arguments_[size_++] = *argument;
-    }
-}
-
 void Item::fail(const std::string& reason) const {
     throw ItemError(std::string(keyword()) + ": " + reason);
 }
 
+std::optional<std::string_view> Item::argumentIf(std::size_t i) const {
+    StepArguments arguments(instance_.arguments);
+    return arguments.skip(i) ? arguments.next() : std::nullopt;
+}
+
 std::string_view Item::argument(std::size_t i) const {
-    if (i >= size_) {
+    const auto found = argumentIf(i);
+    if (!found) {
         fail("too few arguments");
     }
-    return arguments_[i];
+    return *found;
 }
 
 bool Item::given(std::size_t i) const {
-    return i < size_ && !arguments_[i].empty() && arguments_[i][0] != '$' && arguments_[i][0] != '*';
+    const std::string_view found = argumentIf(i).value_or(std::string_view());
+    return !found.empty() && found[0] != '$' && found[0] != '*';
+}
+
+double Item::inRange(double value) const {
+    if (!std::isfinite(value) || std::abs(value) > largestNumber) {
+        fail("a number is too large");
+    }
+    return value;
 }
 
 double Item::checked(std::string_view argument) const {
@@ -53,10 +56,22 @@ double Item::checked(std::string_view argument) const {
     if (!value) {
         fail("a number is missing");
     }
-    if (!std::isfinite(*value) || std::abs(*value) > largestNumber) {
-        fail("a number is too large");
+    return inRange(*value);
+}
+
+/** The members of an argument that is a list; none of any other. */
+StepArguments Item::list(std::size_t i) const {
+    StepArguments arguments(instance_.arguments);
+    const auto members = arguments.skip(i) ? arguments.nextList() : std::nullopt;
+    return members ? *members : listMembers(argument(i));
+}
+
+std::optional<double> Item::nextNumber(StepArguments& members) const {
+    if (const auto decimal = members.nextDecimal()) {
+        return inRange(*decimal);
     }
-    return *value;
+    const auto member = members.next();
+    return member ? std::optional<double>(checked(*member)) : std::nullopt;
 }
 
 double Item::number(std::size_t i) const {
@@ -88,22 +103,22 @@ double Item::angleOr(std::size_t i, double otherwise) const {
 }
 
 std::string_view Item::word(std::size_t i) const {
-    return i < size_ ? stepEnumeration(arguments_[i]) : std::string_view();
+    return stepEnumeration(argumentIf(i).value_or(std::string_view()));
 }
 
 std::string Item::text(std::size_t i) const {
-    return i < size_ ? stepText(arguments_[i]) : std::string();
+    return stepText(argumentIf(i).value_or(std::string_view()));
 }
 
 std::array<double, 3> Item::coordinates(std::size_t i, std::size_t least) const {
     std::array<double, 3> values{};
-    StepArguments members = listMembers(argument(i));
+    StepArguments members = list(i);
     std::size_t count = 0;
-    while (const auto member = members.next()) {
+    for (auto value = nextNumber(members); value; value = nextNumber(members)) {
         if (count == values.size()) {
             fail("too many coordinates");
         }
-        values[count++] = checked(*member);
+        values[count++] = *value;
     }
     if (count < least) {
         fail("too few coordinates");
@@ -120,26 +135,20 @@ std::uint64_t Item::reference(std::size_t i) const {
 }
 
 std::optional<std::uint64_t> Item::referenceIf(std::size_t i) const {
-    return i < size_ ? stepReference(arguments_[i]) : std::nullopt;
+    return stepReference(argumentIf(i).value_or(std::string_view()));
 }
 
 std::vector<std::uint64_t> Item::references(std::size_t i) const {
     std::vector<std::uint64_t> ids;
-    StepArguments members = listMembers(argument(i));
-    while (const auto member = members.next()) {
-        if (const auto id = stepReference(*member)) {
-            ids.push_back(*id);
-        }
-    }
-    items_->work().add(ids.size());
+    forEachReference(i, [&](std::uint64_t id) { ids.push_back(id); });
     return ids;
 }
 
 std::vector<double> Item::numbers(std::size_t i) const {
     std::vector<double> values;
-    StepArguments members = listMembers(argument(i));
-    while (const auto member = members.next()) {
-        values.push_back(checked(*member));
+    StepArguments members = list(i);
+    for (auto value = nextNumber(members); value; value = nextNumber(members)) {
+        values.push_back(*value);
     }
     items_->work().add(values.size());
     return values;

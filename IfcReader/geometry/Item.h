@@ -43,12 +43,11 @@ private:
  */
 class Item {
 public:
-    Item(const Items& items, const StepInstance& instance);
+    Item(const Items& items, const StepInstance& instance) : items_(&items), instance_(instance) {}
 
     std::uint64_t id() const { return instance_.id; }
     std::string_view keyword() const { return instance_.keyword; }
     bool is(std::string_view keyword) const { return instance_.keyword == keyword; }
-    std::size_t size() const { return size_; }
 
     /** Neither missing nor '$' nor '*' */
     bool given(std::size_t i) const;
@@ -70,6 +69,15 @@ public:
     std::optional<std::uint64_t> referenceIf(std::size_t i) const;
     std::vector<std::uint64_t> references(std::size_t i) const; ///< of a list
     std::vector<double> numbers(std::size_t i) const;           ///< of a list
+    /** Calls @p visit with each of the references of a list. */
+    template <typename Visitor>
+    void forEachReference(std::size_t i, Visitor visit) const {
+        StepArguments members = list(i);
+        for (auto id = members.nextReference(); id; id = members.nextReference()) {
+            items_->work().add(1);
+            visit(*id);
+        }
+    }
 
     /** The item that an argument refers to. */
     Item child(std::size_t i) const { return items_->at(reference(i)); }
@@ -80,10 +88,13 @@ public:
     double checked(std::string_view argument) const;
 
 private:
+    std::optional<std::string_view> argumentIf(std::size_t i) const;
+    StepArguments list(std::size_t i) const;
+    std::optional<double> nextNumber(StepArguments& members) const;
+    double inRange(double value) const;
+
     const Items* items_;
     StepInstance instance_;
-    std::size_t size_ = 0;
-    std::array<std::string_view, 16> arguments_;
 };
 
 } // namespace IfcReader

@@ -3,31 +3,24 @@
 namespace IfcReader {
 
 OpeningTable::OpeningTable(const StepFile& file) {
-    for (std::size_t i = 0; i < file.size(); ++i) {
-        const StepInstance instance = file[i];
-        const bool isVoid = instance.keyword == "IFCRELVOIDSELEMENT";
-        if (!isVoid && instance.keyword != "IFCRELAGGREGATES") {
-            continue;
-        }
+    file.forEachOf({"IFCRELVOIDSELEMENT", "IFCRELAGGREGATES"}, [&](const StepInstance& instance) {
         StepArguments arguments(instance.arguments);
         const auto whole = stepReference(arguments.nextAfter(4));
-        const std::string_view related = arguments.next().value_or(std::string_view());
         if (!whole) {
-            continue;
+            return;
         }
-        if (isVoid) {
-            if (const auto opening = stepReference(related)) {
+        if (instance.keyword == "IFCRELVOIDSELEMENT") {
+            if (const auto opening = stepReference(arguments.nextAfter(0))) {
                 openings_[*whole].push_back(*opening);
             }
-            continue;
+            return;
         }
-        StepArguments parts = listMembers(related);
-        while (const auto part = parts.next()) {
-            if (const auto id = stepReference(*part)) {
-                wholes_.emplace(*id, *whole);
+        if (auto parts = arguments.nextList()) {
+            for (auto part = parts->nextReference(); part; part = parts->nextReference()) {
+                wholes_.emplace(*part, *whole);
             }
         }
-    }
+    });
 }
 
 std::vector<std::uint64_t> OpeningTable::openingsOf(std::uint64_t product) const {

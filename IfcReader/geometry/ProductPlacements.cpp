@@ -11,29 +11,22 @@ namespace IfcReader {
 ProductPlacements::ProductPlacements(const StepFile& file, const Units& units) : file_(file), units_(units) {
     readGrids();
     Work work; // of all together: axes of a grid may be long, and placed upon by many
-    for (std::size_t i = 0; i < file.size(); ++i) {
-        const StepInstance instance = file[i];
-        if (instance.keyword == "IFCLOCALPLACEMENT" || instance.keyword == "IFCGRIDPLACEMENT") {
-            place(instance.id, work);
-        }
-    }
+    file.forEachOf({"IFCLOCALPLACEMENT", "IFCGRIDPLACEMENT"},
+                   [&](const StepInstance& instance) { place(instance.id, work); });
 }
 
 void ProductPlacements::readGrids() {
-    for (std::size_t i = 0; i < file_.size(); ++i) {
-        const StepInstance instance = file_[i];
-        if (instance.keyword != "IFCGRID") {
-            continue;
-        }
+    file_.forEachOf({"IFCGRID"}, [&](const StepInstance& instance) {
         Work work;
         const Items items(file_, units_, work);
         const Item grid(items, instance);
-        for (std::size_t axes = 7; axes < 10 && axes < grid.size(); ++axes) {
-            for (const std::uint64_t axis : grid.references(axes)) {
-                gridOfAxis_.emplace(axis, grid.referenceIf(5).value_or(0));
+        for (std::size_t axes = 7; axes < 10; ++axes) {
+            if (grid.given(axes)) {
+                grid.forEachReference(
+                    axes, [&](std::uint64_t axis) { gridOfAxis_.emplace(axis, grid.referenceIf(5).value_or(0)); });
             }
         }
-    }
+    });
 }
 
 ProductPlacements::Step ProductPlacements::stepOf(std::uint64_t id, Work& work) const {

@@ -94,7 +94,11 @@ ProductClass productClassOf(std::string_view keyword) {
     if (things().count(keyword) != 0) {
         return ProductClass::Product;
     }
-    return unshown().count(keyword) != 0 ? ProductClass::Unshown : ProductClass::Unlisted;
+    if (unshown().count(keyword) != 0) {
+        return ProductClass::Unshown;
+    }
+    const auto beginsWith = [&](std::string_view begin) { return keyword.substr(0, begin.size()) == begin; };
+    return beginsWith("IFCPROPERTY") || beginsWith("IFCREL") ? ProductClass::Other : ProductClass::Unlisted;
 }
 
 bool isSpatial(std::string_view keyword) {

@@ -6,8 +6,10 @@
 
 #include "step/StepText.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -52,6 +54,20 @@ public:
 
     /** Where the instance with a number stands in the order of numbers; nothing when there is none. */
     std::optional<std::size_t> indexOf(std::uint64_t id) const;
+
+    /** Calls @p visit with each instance of some classes, in the order of numbers. */
+    template <typename Visitor>
+    void forEachOf(std::initializer_list<std::string_view> keywords, Visitor visit) const {
+        std::vector<bool> isWanted;
+        for (const std::string_view keyword : keywords_) {
+            isWanted.push_back(std::find(keywords.begin(), keywords.end(), keyword) != keywords.end());
+        }
+        for (std::size_t i = 0; i < entries_.size(); ++i) {
+            if (isWanted[entries_[i].keyword]) {
+                visit((*this)[i]);
+            }
+        }
+    }
 
     /** The keywords in the file, each once. */
     const std::vector<std::string_view>& keywords() const { return keywords_; }

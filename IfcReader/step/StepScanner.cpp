@@ -128,7 +128,11 @@ std::string_view StepScanner::takeWord() {
 
 bool StepScanner::takeNumber(std::uint64_t& number) {
     const std::size_t begin = place_;
+    const std::size_t safe = std::min(size_, begin + std::numeric_limits<std::uint64_t>::digits10);
     number = 0;
+    for (; place_ < safe && isDigit(text_[place_]); ++place_) {
+        number = number * 10 + static_cast<std::uint64_t>(text_[place_] - '0');
+    }
     for (; place_ < size_ && isDigit(text_[place_]); ++place_) {
         const auto digit = static_cast<std::uint64_t>(text_[place_] - '0');
         if (number > (std::numeric_limits<std::uint64_t>::max() - digit) / 10) {
@@ -148,6 +152,20 @@ void StepScanner::takeEnd(const char* behindWhat) {
         failAt(place_, std::string("no semicolon behind ") + behindWhat);
     }
     ++place_;
+}
+
+/** About as many as there are instances. */
+std::size_t StepScanner::countSemicolons() const {
+    std::size_t count = 0;
+    const char* const end = text_ + size_;
+    for (const char* from = text_; from < end; ++from, ++count) {
+        const void* const found = std::memchr(from, ';', static_cast<std::size_t>(end - from));
+        if (found == nullptr) {
+            break;
+        }
+        from = static_cast<const char*>(found);
+    }
+    return count;
 }
 
 void StepScanner::scan() {
@@ -172,7 +190,7 @@ void StepScanner::scan() {
     }
     takeEnd("ISO-10303-21");
     needed_.resize(size_ / 4 + 1);
-    file_.entries_.reserve(static_cast<std::size_t>(std::count(text_, text_ + size_, ';')));
+    file_.entries_.reserve(countSemicolons());
     scanHeader();
     scanData();
     sortEntries();
@@ -203,6 +221,7 @@ void StepScanner::scanHeader() {
         takeEnd("an entry of the header");
         if (word == "DATA") {
             neededBeyond_.clear();
+            neededCount_ = 0;
             std::fill(needed_.begin(), needed_.end(), false); // the header has no references that count
             return;
         }
@@ -267,7 +286,11 @@ void StepScanner::scanInstance() {
     entry.length = static_cast<std::uint32_t>(length);
     entry.keyword = keywordNumber(keyword);
     checkCount(entry, count);
-    takeEnd(name().c_str());
+    if (at(place_) == ';') {
+        ++place_;
+    } else {
+        takeEnd(name().c_str());
+    }
     file_.entries_.push_back(entry);
     reportProgress();
 }
@@ -320,7 +343,9 @@ void StepScanner::noteReference() {
         failAt(start, "a reference without a number");
     }
     if (id < needed_.size()) {
-        needed_[static_cast<std::size_t>(id)] = true;
+        auto isNeeded = needed_[static_cast<std::size_t>(id)];
+        neededCount_ += isNeeded ? 0 : 1;
+        isNeeded = true;
     } else if (neededBeyond_.empty() || neededBeyond_.back() != id) {
         neededBeyond_.push_back(id);
     }
@@ -365,19 +390,18 @@ void StepScanner::sortEntries() {
 }
 
 /** A file that lacks an instance that others refer to is a part of one: half its objects would count as removed. */
-void StepScanner::checkReferences() const {
+void StepScanner::checkReferences() {
     const auto fail = [](std::uint64_t id) {
         throw IfcError("the file is damaged: #" + std::to_string(id) + " is referred to and not there");
     };
-    std::vector<bool> missing = needed_;
     for (const StepFile::Entry& entry : file_.entries_) {
-        if (entry.id < missing.size()) {
-            missing[static_cast<std::size_t>(entry.id)] = false;
+        if (entry.id < needed_.size() && needed_[static_cast<std::size_t>(entry.id)]) {
+            needed_[static_cast<std::size_t>(entry.id)] = false;
+            --neededCount_;
         }
     }
-    const auto first = std::find(missing.begin(), missing.end(), true);
-    if (first != missing.end()) {
-        fail(static_cast<std::uint64_t>(first - missing.begin()));
+    if (neededCount_ > 0) {
+        fail(static_cast<std::uint64_t>(std::find(needed_.begin(), needed_.end(), true) - needed_.begin()));
     }
     for (const std::uint64_t id : neededBeyond_) {
         if (!file_.indexOf(id)) {

@@ -42,7 +42,8 @@ private:
     std::uint32_t keywordNumber(std::string_view keyword);
     void checkCount(const StepFile::Entry& entry, std::size_t count) const;
     void sortEntries();
-    void checkReferences() const;
+    void checkReferences();
+    std::size_t countSemicolons() const;
     void reportProgress();
 
     StepFile& file_;
@@ -58,6 +59,7 @@ private:
 
     /** Numbers that arguments refer to: a bit for each of the small ones, the others one by one. */
     std::vector<bool> needed_;
+    std::size_t neededCount_ = 0; ///< bits that are set
     std::vector<std::uint64_t> neededBeyond_;
 };
 

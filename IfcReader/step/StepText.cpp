@@ -2,6 +2,7 @@
 
 #include "step/IsoLatin.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 
@@ -11,6 +12,10 @@ namespace {
 
 bool isBlank(char c) {
     return static_cast<unsigned char>(c) <= ' ';
+}
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
 }
 
 bool isWordCharacter(char c) {
@@ -73,6 +78,52 @@ std::optional<Number> takeNumber(std::string_view& text) {
     return value;
 }
 
+std::optional<std::uint64_t> takeReference(std::string_view& text) {
+    if (!take(text, '#')) {
+        return std::nullopt;
+    }
+    constexpr std::size_t safeDigits = 18; // a number of so many fits in any case
+    std::uint64_t value = 0;
+    std::size_t i = 0;
+    for (; i < text.size() && i < safeDigits && isDigit(text[i]); ++i) {
+        value = value * 10 + static_cast<std::uint64_t>(text[i] - '0');
+    }
+    if (i == 0 || i == safeDigits) {
+        return takeNumber<std::uint64_t>(text);
+    }
+    text.remove_prefix(i);
+    return value;
+}
+
+/**
+ * Takes a number that is written with few digits and without an exponent, as most are. Both digits and power of ten fit
+ * a double exactly then, so their quotient is rounded once: it is the very number that a thorough conversion gives.
+ */
+std::optional<double> takeDecimal(std::string_view& text) {
+    static constexpr std::array<double, 18> powers = {1e0, 1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,
+                                                      1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17};
+    constexpr std::int64_t mostExact = std::int64_t{1} << 53;
+    const bool isNegative = !text.empty() && text[0] == '-';
+    const std::size_t first = isNegative ? 1 : 0;
+    const std::size_t most = std::min(text.size(), first + powers.size());
+    std::int64_t digits = 0;
+    std::size_t point = 0;
+    std::size_t i = first;
+    for (; i < most && (isDigit(text[i]) || (text[i] == '.' && point == 0 && i > first)); ++i) {
+        if (text[i] == '.') {
+            point = i;
+        } else {
+            digits = digits * 10 + (text[i] - '0');
+        }
+    }
+    if (i == first || i == first + powers.size() || digits > mostExact) {
+        return std::nullopt;
+    }
+    const double value = static_cast<double>(digits) / powers[point == 0 ? 0 : i - 1 - point];
+    text.remove_prefix(i);
+    return isNegative ? -value : value;
+}
+
 /** The number that is all of an argument. */
 template <typename Number>
 std::optional<Number> wholeNumber(std::string_view argument) {
@@ -90,18 +141,18 @@ std::optional<Number> wholeNumber(std::string_view argument) {
     return argument.empty() ? value : std::nullopt;
 }
 
-/** Bytes that mean something to takeUpTo(), whatever it looks for; those in between are passed over at once. */
+/** Bytes that mean something on the way to the end of an argument; those in between are passed over at once. */
 constexpr std::array<bool, 256> meaningTable() {
     std::array<bool, 256> table{};
-    for (const char c : {'\'', '/', '(', ')', ',', ';', '#'}) {
+    for (const char c : {'\'', '/', '(', ')', ','}) {
         table[static_cast<unsigned char>(c)] = true;
     }
     return table;
 }
 constexpr std::array<bool, 256> meaning = meaningTable();
 
-/** Moves on to the first of two stops outside of texts and comments, and of parentheses if @p nested. */
-std::string_view takeUpTo(std::string_view& text, char stop, char otherStop, bool nested) {
+/** Takes what stands before the comma or parenthesis that ends an argument. */
+std::string_view takeArgument(std::string_view& text) {
     std::size_t depth = 0;
     std::size_t i = 0;
     while (i < text.size()) {
@@ -110,7 +161,7 @@ std::string_view takeUpTo(std::string_view& text, char stop, char otherStop, boo
             ++i;
             continue;
         }
-        if (depth == 0 && (c == stop || c == otherStop)) {
+        if (depth == 0 && (c == ',' || c == ')')) {
             break;
         }
         if (c == '\'') {
@@ -118,9 +169,9 @@ std::string_view takeUpTo(std::string_view& text, char stop, char otherStop, boo
         } else if (c == '/' && i + 1 < text.size() && text[i + 1] == '*') {
             i = text.find("*/", i + 2);
             i += i == std::string_view::npos ? 0 : 1;
-        } else if (nested && c == '(') {
+        } else if (c == '(') {
             ++depth;
-        } else if (nested && c == ')' && depth > 0) {
+        } else if (c == ')') {
             --depth;
         }
         i = i == std::string_view::npos ? text.size() : i + 1;
@@ -132,52 +183,66 @@ std::string_view takeUpTo(std::string_view& text, char stop, char otherStop, boo
 
 } // namespace
 
-std::optional<StepInstance> StepInstances::next() {
-    while (!rest_.empty()) {
-        StepInstance instance;
-        std::optional<std::uint64_t> id;
-        if (take(rest_, '#')) {
-            id = takeNumber<std::uint64_t>(rest_);
-        }
-        bool whole = id && take(rest_, '=');
-        if (whole) {
-            instance.id = *id;
-            instance.keyword = takeWord(rest_);
-            whole = !instance.keyword.empty() && take(rest_, '(');
-        }
-        instance.arguments = takeUpTo(rest_, ';', ';', false);
-        const bool closed = !rest_.empty();
-        rest_.remove_prefix(closed ? 1 : 0);
-        if (whole && closed) {
-            return instance;
-        }
-    }
-    return std::nullopt;
-}
-
-std::optional<std::string_view> StepArguments::next() {
+/** Moves on to where the next argument begins; false when there is none. */
+bool StepArguments::begin() {
     if (!first_ && !take(rest_, ',')) {
-        return std::nullopt;
+        return false;
     }
     skipBlanks(rest_);
     if (rest_.empty() || (first_ && rest_[0] == ')')) {
-        return std::nullopt;
+        return false;
     }
     first_ = false;
-    std::string_view argument = takeUpTo(rest_, ',', ')', true);
+    return true;
+}
+
+std::optional<std::string_view> StepArguments::next() {
+    if (!begin()) {
+        return std::nullopt;
+    }
+    std::string_view argument = takeArgument(rest_);
     while (!argument.empty() && isBlank(argument.back())) {
         argument.remove_suffix(1);
     }
     return argument;
 }
 
-std::string_view StepArguments::nextAfter(std::size_t count) {
+bool StepArguments::skip(std::size_t count) {
     for (; count > 0; --count) {
         if (!next()) {
-            return {};
+            return false;
         }
     }
-    return next().value_or(std::string_view());
+    return true;
+}
+
+std::string_view StepArguments::nextAfter(std::size_t count) {
+    return skip(count) ? next().value_or(std::string_view()) : std::string_view();
+}
+
+std::optional<StepArguments> StepArguments::nextList() {
+    return begin() && take(rest_, '(') ? std::optional<StepArguments>(rest_) : std::nullopt;
+}
+
+std::optional<std::uint64_t> StepArguments::nextReference() {
+    while (begin()) {
+        const auto reference = takeReference(rest_);
+        takeArgument(rest_);
+        if (reference) {
+            return reference;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<double> StepArguments::nextDecimal() {
+    const StepArguments before = *this;
+    const auto number = begin() ? takeDecimal(rest_) : std::nullopt;
+    if (number && !rest_.empty() && (rest_[0] == ',' || rest_[0] == ')')) {
+        return number;
+    }
+    *this = before;
+    return std::nullopt;
 }
 
 StepArguments listMembers(std::string_view argument) {
@@ -185,25 +250,7 @@ StepArguments listMembers(std::string_view argument) {
 }
 
 std::optional<std::uint64_t> stepReference(std::string_view argument) {
-    if (!take(argument, '#')) {
-        return std::nullopt;
-    }
-    constexpr std::size_t safeDigits = 18; // a number of so many fits in any case
-    std::uint64_t value = 0;
-    std::size_t i = 0;
-    for (; i < argument.size() && i < safeDigits && argument[i] >= '0' && argument[i] <= '9'; ++i) {
-        value = value * 10 + static_cast<std::uint64_t>(argument[i] - '0');
-    }
-    return i > 0 && i < safeDigits ? std::optional<std::uint64_t>(value) : takeNumber<std::uint64_t>(argument);
-}
-
-void appendStepReferences(std::string_view arguments, std::vector<std::uint64_t>& references) {
-    for (takeUpTo(arguments, '#', '#', false); !arguments.empty(); takeUpTo(arguments, '#', '#', false)) {
-        if (const auto reference = stepReference(arguments)) {
-            references.push_back(*reference);
-        }
-        arguments.remove_prefix(1);
-    }
+    return takeReference(argument);
 }
 
 std::optional<std::string_view> stepQuoted(std::string_view argument) {
@@ -231,7 +278,9 @@ std::string_view stepEnumeration(std::string_view argument) {
 }
 
 std::optional<double> stepReal(std::string_view argument) {
-    return wholeNumber<double>(argument);
+    std::string_view rest = argument;
+    const auto decimal = takeDecimal(rest);
+    return decimal && rest.empty() ? decimal : wholeNumber<double>(argument);
 }
 
 std::optional<long long> stepInteger(std::string_view argument) {

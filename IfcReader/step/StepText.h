@@ -22,18 +22,6 @@ struct StepInstance {
     std::string_view arguments; ///< from behind the opening parenthesis up to the semicolon
 };
 
-/** Goes through the instances of a text in one pass. */
-class StepInstances {
-public:
-    explicit StepInstances(std::string_view text) : rest_(text) {}
-
-    /** The next instance; nothing at the end. What is none, such as the header, is passed over. */
-    std::optional<StepInstance> next();
-
-private:
-    std::string_view rest_;
-};
-
 /** Goes through arguments, or the members of a list, up to the parenthesis that closes them. */
 class StepArguments {
 public:
@@ -46,7 +34,21 @@ public:
     /** The argument that comes after @p count others; empty when there is none. */
     std::string_view nextAfter(std::size_t count);
 
+    /** Passes over arguments. @return whether there were so many */
+    bool skip(std::size_t count);
+
+    /** Goes into the next argument, a list, without looking for its end; nothing when it is none or there is none. */
+    std::optional<StepArguments> nextList();
+
+    /** The next argument that names an instance; those that don't are passed over. Nothing at the end. */
+    std::optional<std::uint64_t> nextReference();
+
+    /** The next argument if it is written as a plain decimal number; else nothing, and it is still the next one. */
+    std::optional<double> nextDecimal();
+
 private:
+    bool begin();
+
     std::string_view rest_;
     bool first_ = true;
 };
@@ -56,9 +58,6 @@ StepArguments listMembers(std::string_view argument);
 
 /** The number behind the '#' of an argument that names an instance. */
 std::optional<std::uint64_t> stepReference(std::string_view argument);
-
-/** Appends the numbers of all instances that arguments name, also inside lists. */
-void appendStepReferences(std::string_view arguments, std::vector<std::uint64_t>& references);
 
 /** The text between the quotes of an argument, as encoded; nothing for an argument of another kind. */
 std::optional<std::string_view> stepQuoted(std::string_view argument);
