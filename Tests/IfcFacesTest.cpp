@@ -113,11 +113,11 @@ Body box(const Vector& low, const Vector& size) {
 }
 
 /** Volumes of the closed pieces, sorted; an open one counts as 0. */
-std::vector<double> volumesOf(const std::vector<Face>& faces) {
+std::vector<double> volumesOf(std::vector<Face> faces) {
     Work work;
     std::vector<double> volumes;
     for (const Piece& piece : piecesOf(faces, work)) {
-        volumes.push_back(piece.closed ? std::abs(signedVolume(piece.faces)) : 0.0);
+        volumes.push_back(piece.closed ? std::abs(signedVolume(takeFaces(piece, faces))) : 0.0);
     }
     std::sort(volumes.begin(), volumes.end());
     return volumes;

@@ -4,6 +4,7 @@
 #include "geometry/PointTree.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace IfcReader {
 
@@ -24,6 +25,7 @@ struct Use {
 };
 
 struct Neighbour {
+    Index of = 0;
     Index face = 0;
     bool turned = false; ///< one of the two has to be turned round
 };
@@ -32,11 +34,7 @@ struct Neighbour {
 class Net {
 public:
     Net(const std::vector<Face>& faces, Work& work)
-        : faces_(faces),
-          work_(work),
-          merger_(samePlace, countPoints(faces)),
-          neighbours_(faces.size()),
-          isOpen_(faces.size(), false) {
+        : faces_(faces), work_(work), merger_(samePlace, countPoints(faces)), isOpen_(faces.size(), false) {
         collectUses();
         work_.add(uses_.size() * 4);
         std::stable_sort(uses_.begin(), uses_.end());
@@ -61,12 +59,14 @@ private:
                 if (loop.empty()) {
                     return;
                 }
-                Index from = merger_.numberOf(loop.back());
-                for (const Vector& p : loop) {
-                    const Index to = merger_.numberOf(p);
+                const Index last = merger_.numberOf(loop.back());
+                Index from = last;
+                for (std::size_t i = 0; i + 1 < loop.size(); ++i) {
+                    const Index to = merger_.numberOf(loop[i]);
                     addUse(uses_, from, to, f);
                     from = to;
                 }
+                addUse(uses_, from, last, f);
             });
         }
     }
@@ -95,7 +95,7 @@ private:
     Work& work_;
     PointMerger merger_;
     std::vector<Use> uses_;
-    std::vector<std::vector<Neighbour>> neighbours_;
+    std::vector<Neighbour> neighbours_;
     std::vector<bool> isOpen_; ///< has an edge that no other face has
 };
 
@@ -190,14 +190,24 @@ void Net::join(std::size_t begin, std::size_t end) {
         const Use& a = uses_[i];
         const Use& b = uses_[i + 1];
         const bool turned = a.upwards == b.upwards;
-        neighbours_[a.face].push_back({b.face, turned});
-        neighbours_[b.face].push_back({a.face, turned});
+        neighbours_.push_back({a.face, b.face, turned});
+        neighbours_.push_back({b.face, a.face, turned});
     }
 }
 
 std::vector<Piece> Net::pieces() const {
     enum class State : char { unseen, asGiven, turned };
     std::vector<State> states(faces_.size(), State::unseen);
+    // All neighbours of the first face, then those of the second, and so on.
+    std::vector<std::size_t> firstNeighbours(faces_.size() + 2, 0);
+    for (const Neighbour& neighbour : neighbours_) {
+        ++firstNeighbours[neighbour.of + 2];
+    }
+    std::partial_sum(firstNeighbours.begin(), firstNeighbours.end(), firstNeighbours.begin());
+    std::vector<Neighbour> neighbours(neighbours_.size());
+    for (const Neighbour& neighbour : neighbours_) {
+        neighbours[firstNeighbours[neighbour.of + 1]++] = neighbour;
+    }
     std::vector<Piece> pieces;
     std::vector<Index> todo;
     for (Index start = 0; start < faces_.size(); ++start) {
@@ -210,13 +220,11 @@ std::vector<Piece> Net::pieces() const {
         while (!todo.empty()) {
             const Index f = todo.back();
             todo.pop_back();
-            piece.faces.push_back(faces_[f]);
+            piece.members.push_back({f, states[f] == State::turned});
             piece.closed = piece.closed && !isOpen_[f];
-            if (states[f] == State::turned) {
-                flip(piece.faces.back());
-                piece.turned = true;
-            }
-            for (const Neighbour& next : neighbours_[f]) {
+            piece.turned = piece.turned || states[f] == State::turned;
+            for (std::size_t i = firstNeighbours[f]; i < firstNeighbours[f + 1]; ++i) {
+                const Neighbour& next = neighbours[i];
                 const State wanted = (states[f] == State::turned) != next.turned ? State::turned : State::asGiven;
                 if (states[next.face] == State::unseen) {
                     states[next.face] = wanted;
@@ -236,6 +244,18 @@ std::vector<Piece> Net::pieces() const {
 std::vector<Piece> piecesOf(const std::vector<Face>& faces, Work& work) {
     work.add(countPoints(faces));
     return Net(faces, work).pieces();
+}
+
+std::vector<Face> takeFaces(const Piece& piece, std::vector<Face>& from) {
+    std::vector<Face> faces;
+    faces.reserve(piece.members.size());
+    for (const Piece::Member& member : piece.members) {
+        faces.push_back(std::move(from[member.face]));
+        if (member.turned) {
+            flip(faces.back());
+        }
+    }
+    return faces;
 }
 
 } // namespace IfcReader

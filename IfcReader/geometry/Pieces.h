@@ -7,15 +7,21 @@
 #include "geometry/Body.h"
 #include "geometry/Work.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace IfcReader {
 
 /** Faces that hang together by their edges, turned alike. */
 struct Piece {
-    std::vector<Face> faces;
+    struct Member {
+        std::uint32_t face = 0; ///< its number
+        bool turned = false;    ///< has to be turned round
+    };
+
+    std::vector<Member> members;
     bool closed = true;
-    bool turned = false; ///< some of them had to be turned round
+    bool turned = false; ///< some of them have to be turned round
 };
 
 /**
@@ -24,5 +30,8 @@ struct Piece {
  * @throw LimitError
  */
 std::vector<Piece> piecesOf(const std::vector<Face>& faces, Work& work);
+
+/** Moves the faces of a piece out of those that it was found in, and turns them alike. */
+std::vector<Face> takeFaces(const Piece& piece, std::vector<Face>& from);
 
 } // namespace IfcReader

@@ -70,9 +70,8 @@ Loop edgeLoop(const Item& item) {
 Loop loopOf(const Item& item) {
     Loop loop;
     if (item.is("IFCPOLYLOOP")) {
-        for (const std::uint64_t id : item.references(0)) {
-            appendDistinct(loop, pointOf(item.items().at(id)));
-        }
+        loop.reserve(4); // most faces have so many corners
+        item.forEachReference(0, [&](std::uint64_t id) { appendDistinct(loop, pointOf(item.items().at(id))); });
     } else if (item.is("IFCEDGELOOP")) {
         loop = edgeLoop(item);
     } else {
@@ -89,11 +88,11 @@ Face faceOf(const Item& item) {
     std::vector<Loop> loops;
     std::size_t outer = 0;
     bool isNamed = false;
-    for (const std::uint64_t id : item.references(0)) {
+    item.forEachReference(0, [&](std::uint64_t id) {
         const Item bound = item.items().at(id);
         Loop loop = loopOf(bound.child(0));
         if (loop.size() < 3) {
-            continue;
+            return;
         }
         if (bound.word(1) == "F") {
             std::reverse(loop.begin(), loop.end());
@@ -104,7 +103,7 @@ Face faceOf(const Item& item) {
         }
         isNamed = isNamed || named;
         loops.push_back(std::move(loop));
-    }
+    });
     if (loops.empty()) {
         return {};
     }
@@ -122,12 +121,12 @@ Face faceOf(const Item& item) {
 
 std::vector<Face> shellFaces(const Item& shell) {
     std::vector<Face> faces;
-    for (const std::uint64_t id : shell.references(0)) {
+    shell.forEachReference(0, [&](std::uint64_t id) {
         Face face = faceOf(shell.items().at(id));
         if (!face.outer.empty()) {
             faces.push_back(std::move(face));
         }
-    }
+    });
     return faces;
 }
 
@@ -139,32 +138,34 @@ void append(std::vector<Face>& to, std::vector<Face>&& from) {
 Body closedShell(const Item& shell) {
     Body body;
     body.faces = shellFaces(shell);
-    std::vector<Piece> pieces = piecesOf(body.faces, shell.items().work());
+    const std::vector<Piece> pieces = piecesOf(body.faces, shell.items().work());
     const auto all = [&](auto predicate) { return std::all_of(pieces.begin(), pieces.end(), predicate); };
     body.solid = !pieces.empty() && all([](const Piece& piece) { return piece.closed; });
     if (!all([](const Piece& piece) { return !piece.turned; })) {
-        body.faces.clear();
-        for (Piece& piece : pieces) {
+        std::vector<Face> turned;
+        for (const Piece& piece : pieces) {
             Body part;
-            part.faces = std::move(piece.faces);
+            part.faces = takeFaces(piece, body.faces);
             turnOutwards(part);
-            append(body.faces, std::move(part.faces));
+            append(turned, std::move(part.faces));
         }
+        body.faces = std::move(turned);
     }
     turnOutwards(body);
     return body;
 }
 
 /** Moves the closed pieces among faces to @p bodies; the others are returned. */
-std::vector<Face> takeClosed(const std::vector<Face>& faces, Work& work, std::vector<Body>& bodies) {
+std::vector<Face> takeClosed(std::vector<Face> faces, Work& work, std::vector<Body>& bodies) {
     std::vector<Face> rest;
-    for (Piece& piece : piecesOf(faces, work)) {
+    for (const Piece& piece : piecesOf(faces, work)) {
+        std::vector<Face> members = takeFaces(piece, faces);
         if (piece.closed) {
             bodies.emplace_back();
-            bodies.back().faces = std::move(piece.faces);
+            bodies.back().faces = std::move(members);
             turnOutwards(bodies.back());
         } else {
-            append(rest, std::move(piece.faces));
+            append(rest, std::move(members));
         }
     }
     return rest;
@@ -198,7 +199,7 @@ std::vector<Body> surfaceModelOf(const Item& item) {
         append(open.faces, takeClosed(shellFaces(item.items().at(id)), work, bodies));
     }
     if (shells.size() > 1 && !open.faces.empty()) {
-        open.faces = takeClosed(open.faces, work, bodies);
+        open.faces = takeClosed(std::move(open.faces), work, bodies);
     }
     if (!open.faces.empty()) {
         bodies.push_back(std::move(open));
