@@ -121,13 +121,17 @@ TEST(IfcShapeTest, gridPlacements) {
 }
 
 TEST(IfcShapeTest, representations) {
-    // Only the body counts where there is one; curves have none.
+    // Only the body counts where there is one, in the first context that shows it; curves have none.
     const ShapeModel model(ifcText(
         block +
         "#101=IFCPOLYLINE((#10,#102));\n#102=IFCCARTESIANPOINT(({1},{0},{0}));\n"
         "#103=IFCBOUNDINGBOX(#10,{9},{9},{9});\n#104=IFCSPHERE(#11,{0});\n"
         "#30=IFCWALL('0000000000000000000030',$,$,$,$,#17,#31,$);\n"
-        "#31=IFCPRODUCTDEFINITIONSHAPE($,$,(#32,#33,#34));\n#32=IFCSHAPEREPRESENTATION(#18,'Axis','Curve2D',(#101));\n"
+        "#31=IFCPRODUCTDEFINITIONSHAPE($,$,(#32,#35,#33,#36,#34));\n"
+        "#35=IFCSHAPEREPRESENTATION(#37,'Body','Curve2D',(#101));\n"
+        "#36=IFCSHAPEREPRESENTATION(#37,'Body','CSG',(#100));\n"
+        "#37=IFCGEOMETRICREPRESENTATIONSUBCONTEXT('Body','Model',*,*,*,*,#18,$,.SKETCH_VIEW.,$);\n#32="
+        "IFCSHAPEREPRESENTATION(#18,'Axis','Curve2D',(#101));\n"
         "#33=IFCSHAPEREPRESENTATION(#18,'Body','CSG',(#100));\n"
         "#34=IFCSHAPEREPRESENTATION(#18,'Box','BoundingBox',(#103));\n" +
         product(40, "IFCWALL", "#17", 101, "Axis") + product(43, "IFCWALL", "#17", 101) +

@@ -41,10 +41,21 @@ std::vector<Item> bodyRepresentations(const Item& product) {
     return named.empty() ? others : named;
 }
 
+/**
+ * Representations of one context make up a body together; those of another one show the same body for another purpose, in
+ * less detail for example. The first context with a body is taken.
+ */
 void appendBodies(const Item& product, ItemBuilder& builder) {
+    const std::size_t before = builder.bodies.size();
+    std::optional<std::uint64_t> context;
     try {
         for (const Item& representation : bodyRepresentations(product)) {
+            const bool hasBody = builder.bodies.size() > before;
+            if (hasBody && representation.referenceIf(0) != context) {
+                continue;
+            }
             builder.appendRepresentation(representation);
+            context = hasBody ? context : representation.referenceIf(0);
         }
     } catch (const ItemError& error) {
         builder.addDoubt(error.what());
