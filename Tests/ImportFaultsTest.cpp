@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #ifdef __linux__
 #include <linux/capability.h>
 #include <sys/prctl.h>
@@ -62,7 +63,10 @@ public:
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
-    void kill() const { ::kill(id_, SIGKILL); }
+    void kill(int signal = SIGKILL) const { ::kill(id_, signal); }
+
+    /** As a terminal does it; the process has to have a group of its own. */
+    void killGroup(int signal) const { ::kill(-id_, signal); }
 
     /** @return the exit code, or the negative number of the signal that ended it */
     int wait(std::string& error) const {
@@ -79,6 +83,16 @@ private:
     pid_t id_ = -1;
     int errors_ = -1;
 };
+
+/** Waits for something that another process does, but not for ever. */
+template <typename Condition>
+void waitUntil(const Condition& condition) {
+    const auto end = Clock::now() + std::chrono::seconds(60);
+    while (!condition()) {
+        ASSERT_LT(Clock::now(), end);
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+}
 
 class ImportFaultsTest : public ImportExampleTest {
 protected:
@@ -171,6 +185,54 @@ TEST_F(ImportFaultsTest, aKilledImportLeavesTheOldOrTheNewState) {
         EXPECT_TRUE(entry.path().filename() == "objects.state" || entry.path().filename() == "output") << entry;
     }
     EXPECT_EQ(std::distance(fs::directory_iterator(file("state/output")), fs::directory_iterator()), 16);
+}
+
+TEST_F(ImportFaultsTest, anInterruptedComparisonLeavesNoFolder) {
+    fs::create_directory(file("temporary"));
+    writeFile(file("running"), "");
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGKILL}) {
+        for (const bool isWholeGroup : {true, false}) {
+            SCOPED_TRACE(std::to_string(signal) + (isWholeGroup ? " for the group" : ""));
+            const Process process({"--plugin", BAD_PLUGIN, "--compare", "house.ifc", "revised.ifc"}, [this] {
+                setpgid(0, 0);
+                setenv("TMPDIR", file("temporary").c_str(), 1);
+                setenv("BAD_PLUGIN", "wait", 1);
+                setenv("BAD_PLUGIN_WAITS_FOR", file("running").c_str(), 1);
+            });
+            waitUntil([this] {
+                const fs::recursive_directory_iterator all(file("temporary")), end;
+                return std::any_of(all, end, [](const auto& entry) { return entry.path().filename() == "objects"; });
+            });
+            isWholeGroup ? process.killGroup(signal) : process.kill(signal);
+            std::string error;
+            EXPECT_EQ(process.wait(error), -signal);
+            waitUntil([this] { return fs::is_empty(file("temporary")); });
+        }
+    }
+}
+
+TEST_F(ImportFaultsTest, anInterruptedOutputLeavesNoFile) {
+    ASSERT_EQ(mkfifo(file("pipe").c_str(), 0600), 0);
+    const int pipe = open(file("pipe").c_str(), O_RDONLY | O_NONBLOCK); // nothing is read from it
+#ifdef F_SETPIPE_SZ
+    fcntl(pipe, F_SETPIPE_SZ, 4096);
+#endif
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        const Process process({"--report", "report.json", "--picture", "pipe", "--state", "state", "revised.ifc"});
+        const auto hasTemporary = [this] {
+            return std::any_of(fs::directory_iterator(folder_.path()), fs::directory_iterator(), [](const auto& entry) {
+                return entry.path().filename().string().rfind(".import-host.", 0) == 0;
+            });
+        };
+        waitUntil(hasTemporary);
+        process.kill(signal);
+        std::string error;
+        EXPECT_EQ(process.wait(error), -signal);
+        EXPECT_FALSE(hasTemporary());
+        EXPECT_FALSE(fs::exists(file("report.json")));
+    }
+    close(pipe);
+    EXPECT_EQ(state(), oldState_);
 }
 
 TEST_F(ImportFaultsTest, aFullDiskLeavesTheOldState) {

@@ -137,6 +137,7 @@ int PendingFile::createTemporary() {
         temporary_ = (folder / (temporaryPrefix + std::to_string(::getpid()) + '.' + std::to_string(counter++) + '.' +
                                 std::to_string(now % 1000000)))
                          .string();
+        removal_.emplace(temporary_);
         const int file = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (file >= 0 || errno != EEXIST) {
             return file;
@@ -203,6 +204,7 @@ void PendingFile::commit() {
         throw Failure(path_, std::strerror(errno));
     }
     temporary_.clear();
+    removal_.reset();
     syncFolder(fs::path(target_).parent_path().string());
 }
 

@@ -4,8 +4,11 @@
  */
 #pragma once
 
+#include "state/Interruption.h"
+
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -41,7 +44,7 @@ public:
     PendingFile(const std::string& path, const NextPiece& next);
     PendingFile(const std::string& path, std::string_view content);
 
-    /** Removes what was written and not committed. */
+    /** Removes what was written and not committed. A signal that ends the process before does so as well. */
     ~PendingFile();
 
     PendingFile(const PendingFile&) = delete;
@@ -61,6 +64,7 @@ private:
     std::string path_;
     std::string target_;
     std::string temporary_; ///< empty when there is nothing to rename
+    std::optional<RemovedOnSignal> removal_;
 };
 
 /** Makes renames inside a folder last through a crash of the system. */
