@@ -18,7 +18,8 @@ namespace PluginKit {
 
 namespace {
 
-void appendWhole(std::string& text, long long value) {
+template <typename Whole>
+void appendWhole(std::string& text, Whole value) {
     char buffer[24];
     text.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr);
 }
