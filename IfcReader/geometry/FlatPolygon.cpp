@@ -2,6 +2,8 @@
 
 #include "geometry/Triangulation.h"
 
+#include <algorithm>
+
 namespace IfcReader {
 
 namespace {
@@ -19,9 +21,9 @@ bool isFlat(const Loop& loop, const Plane& plane, double thickness) {
 
 } // namespace
 
-Plane planeOf(const Loop& loop) {
+Plane planeOf(const Loop& loop, const Vector& area) {
     Plane plane;
-    plane.normal = normalized(areaVector(loop));
+    plane.normal = normalized(area);
     Vector middle;
     for (const Vector& p : loop) {
         middle += (p - loop[0]) * (1.0 / static_cast<double>(loop.size()));
@@ -42,6 +44,9 @@ Side sideOf(const FlatPolygon& polygon, const Plane& plane, double thickness) {
 void split(const FlatPolygon& polygon, const Plane& plane, double thickness, FlatPolygon& front, FlatPolygon& back) {
     front.plane = back.plane = polygon.plane;
     const std::size_t size = polygon.points.size();
+    constexpr std::size_t mostReserved = 8; // a polygon of many corners may be cut into many that have few
+    front.points.reserve(std::min(size + 1, mostReserved));
+    back.points.reserve(std::min(size + 1, mostReserved));
     for (std::size_t i = 0; i < size; ++i) {
         const Vector& v = polygon.points[i];
         const Vector& w = polygon.points[(i + 1) % size];

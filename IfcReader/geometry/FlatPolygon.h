@@ -8,8 +8,11 @@
 
 namespace IfcReader {
 
-/** The plane through a loop, in the middle between its corners. */
-Plane planeOf(const Loop& loop);
+/** The plane through a loop, in the middle between its corners. @param area  areaVector(loop) */
+Plane planeOf(const Loop& loop, const Vector& area);
+inline Plane planeOf(const Loop& loop) {
+    return planeOf(loop, areaVector(loop));
+}
 
 /** Where something lies: bits, so that what lies on both sides has both. */
 enum Side : unsigned { onPlane = 0, inFront = 1, behind = 2, across = 3 };

@@ -16,12 +16,14 @@ constexpr double flatEnough = 1e-5;
 /** Collects the polygons of one part. */
 class PartMaker {
 public:
-    PartMaker(ShapePart& part, std::size_t points) : part_(part), merger_(samePlace, points) {}
+    PartMaker(ShapePart& part, std::size_t points) : part_(part), merger_(samePlace, points) {
+        part_.corners.reserve(points);
+    }
 
     void add(const Face& face) {
         const Vector normal = areaVector(face);
         if (face.holes.empty()) {
-            if (face.outer.size() == 3 || (isFlat(face.outer) && isConvex(face.outer, normalized(normal)))) {
+            if (face.outer.size() == 3 || (isFlat(face.outer, normal) && isConvex(face.outer, normalized(normal)))) {
                 addPolygon(face.outer.size(), [&](std::size_t i) -> const Vector& { return face.outer[i]; });
                 return;
             }
@@ -47,8 +49,8 @@ public:
     }
 
 private:
-    static bool isFlat(const Loop& loop) {
-        const Plane plane = planeOf(loop);
+    static bool isFlat(const Loop& loop, const Vector& area) {
+        const Plane plane = planeOf(loop, area);
         return std::all_of(loop.begin(), loop.end(), [&](const Vector& p) { return std::abs(plane(p)) <= flatEnough; });
     }
 

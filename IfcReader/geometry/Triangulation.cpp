@@ -192,20 +192,19 @@ public:
 private:
     std::size_t column(double value, double low) const { return static_cast<std::size_t>((value - low) / cell_); }
 
-    /** Corners that were cut off, or no longer turn inwards, leave the cell on the way. */
+    /** Corners that were cut off, or no longer turn inwards, leave the cell when they are met. */
     Index findInCell(Index& first, const Flat& a, const Flat& b, const Flat& c) {
         Index* link = &first;
         while (*link != none) {
             Ring::Node& node = ring_.nodes[*link];
-            if (!node.alive || ring_.turnAt(*link) > 0.0) {
-                *link = node.nextInCell;
-                continue;
-            }
             const Flat p = node.at;
-            if (!(p == a) && !(p == b) && !(p == c) && contains(a, b, c, p)) {
+            if (node.alive && (!contains(a, b, c, p) || p == a || p == b || p == c)) {
+                link = &node.nextInCell;
+            } else if (node.alive && ring_.turnAt(*link) <= 0.0) {
                 return *link;
+            } else {
+                *link = node.nextInCell;
             }
-            link = &node.nextInCell;
         }
         return none;
     }
@@ -229,6 +228,8 @@ public:
         : ring_(ring), inward_(ring), left_(ring.nodes.size()), waiting_(left_), roundOf_(left_, 0) {}
 
     std::vector<std::array<Index, 3>> cut() {
+        triangles_.reserve(left_);
+        next_.reserve(left_);
         for (Index i = 0; i < left_; ++i) {
             next_.push_back(i);
         }
@@ -246,9 +247,9 @@ private:
     void cutEars() {
         while (!next_.empty() && left_ >= 3) {
             ++round_;
-            const std::vector<Index> now = std::move(next_);
+            now_.swap(next_);
             next_.clear();
-            for (const Index i : now) {
+            for (const Index i : now_) {
                 if (left_ >= 3 && ring_.nodes[i].alive && roundOf_[i] != round_ && isEar(i)) {
                     take(i);
                 }
@@ -337,6 +338,7 @@ private:
     InwardCorners inward_;
     std::size_t left_;
     std::size_t round_ = 0;
+    std::vector<Index> now_;                  ///< looked at in this round
     std::vector<Index> next_;                 ///< to be looked at in the next round
     std::vector<std::vector<Index>> waiting_; ///< for each corner, those that it is in the way of
     std::vector<std::size_t> roundOf_;        ///< the last round in which a neighbour was cut
