@@ -167,6 +167,19 @@ TEST(IfcCuttingTest, facesThatLoseNothingStayWhole) {
     EXPECT_TRUE(combine(Operation::difference, box, box, work).body.faces.empty());
 }
 
+TEST(IfcCuttingTest, noSkinIsLeftWhereAnOpeningEndsShortOfAFace) {
+    for (const double missing : {-1.5e-6, -1e-9, 0.0, 1e-9, 3e-8, 3e-7, 1e-6, 1.5e-6}) {
+        Work work;
+        const Body cut =
+            combine(Operation::difference, boxOfSize({0, 0, 0}, 1.0), boxOfSize({0.3, 0.3, missing}, 1.0), work).body;
+        double area = 0.0;
+        for (const Face& face : cut.faces) {
+            area += length(areaVector(face));
+        }
+        EXPECT_NEAR(area, 4.0 + 2 * 0.51, 1e-4) << missing;
+    }
+}
+
 TEST(IfcCuttingTest, surfacesOnlyLoseWhatIsCutAway) {
     Work work;
     Body sheet;

@@ -9,8 +9,11 @@ namespace IfcReader {
 
 namespace {
 
-/** In the order in which they are preferred. */
-constexpr std::array<double, 11> thicknesses = {1e-6, 1e-9, 1e-5, 1e-7, 1e-8, 1e-11, 1e-10, 3e-6, 3e-5, 1e-12, 1e-4};
+/**
+ * In the order in which they are preferred: those first that close what coordinates of few digits leave open. An opening
+ * that ends a micrometre short of the other side of its wall is meant to go through.
+ */
+constexpr std::array<double, 11> thicknesses = {1e-6, 1e-5, 1e-9, 1e-7, 1e-8, 1e-11, 1e-10, 3e-6, 3e-5, 1e-12, 1e-4};
 
 constexpr int binsPerDecade = 4;
 constexpr int lowestDecade = -14;

@@ -13,7 +13,8 @@ namespace IfcReader {
 /**
  * Thicknesses in metres, the most promising first. What is cut in floating point goes wrong where corners lie about as
  * far from a plane as it is thick: neither clearly on it nor clearly beside it. So it is counted how far corners are
- * from planes, and those thicknesses come first that few corners are near to; a micrometre where it makes no difference.
+ * from planes, and those thicknesses come first that few corners are near to. Where it makes no difference that is a
+ * micrometre, then ten.
  */
 std::vector<double> thicknessesFor(const Body& first, const Body& second);
 
