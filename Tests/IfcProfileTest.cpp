@@ -243,15 +243,15 @@ TEST_P(IfcProfileTest, arbitrary) {
 TEST_P(IfcProfileTest, curves) {
     const std::string closed = "#101=IFCARBITRARYCLOSEDPROFILEDEF(.AREA.,$,#102);\n#102=IFCCOMPOSITECURVE((#103,#104,"
                                "#105,#106),.F.);\n";
-    const std::string stadium =
+    const std::string straightsAndArcs =
         points({{"-0.3", "-0.2"}, {"0.3", "-0.2"}, {"0.3", "0.2"}, {"-0.3", "0.2"}, {"0.3", "0"}, {"-0.3", "0"}}) +
         "#103=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.T.,#107);\n#107=IFCPOLYLINE((#200,#201));\n"
         "#104=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.T.,#108);\n"
         "#105=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.T.,#109);\n#109=IFCPOLYLINE((#202,#203));\n"
         "#106=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.F.,#110);\n"
         "#111=IFCCIRCLE(#112,{0.2});\n#112=IFCAXIS2PLACEMENT2D(#204,$);\n"
-        "#113=IFCCIRCLE(#114,{0.2});\n#114=IFCAXIS2PLACEMENT2D(#205,#115);\n#115=IFCDIRECTION((1.,1.));\n" +
-        closed;
+        "#113=IFCCIRCLE(#114,{0.2});\n#114=IFCAXIS2PLACEMENT2D(#205,#115);\n#115=IFCDIRECTION((1.,1.));\n";
+    const std::string stadium = straightsAndArcs + closed;
     const double stadiumArea = 0.24 + pi * 0.04;
     const std::string bezier =
         points({{"0.5", "0"}, {"0.5", "0.5"}, {"0", "0.5"}, {"0", "0"}}) +
@@ -269,6 +269,17 @@ TEST_P(IfcProfileTest, curves) {
          stadium + "#108=IFCTRIMMEDCURVE(#111,(#201,IFCPARAMETERVALUE([270])),(#202,IFCPARAMETERVALUE([450])),.T.,."
                    "CARTESIAN.);\n"
                    "#110=IFCTRIMMEDCURVE(#113,(IFCPARAMETERVALUE([225])),(IFCPARAMETERVALUE([45])),.F.,.PARAMETER.);\n",
+         stadiumArea,
+         {-0.5, -0.2},
+         {0.5, 0.2}},
+        {"a composite within another one, backwards",
+         straightsAndArcs +
+             "#108=IFCTRIMMEDCURVE(#111,(IFCPARAMETERVALUE([-90])),(IFCPARAMETERVALUE([90])),.T.,.PARAMETER.);\n"
+             "#110=IFCTRIMMEDCURVE(#113,(#200),(#203),.F.,.CARTESIAN.);\n"
+             "#101=IFCARBITRARYCLOSEDPROFILEDEF(.AREA.,$,#102);\n#102=IFCCOMPOSITECURVE((#103,#116,#106),.F.);\n"
+             "#116=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.F.,#117);\n#117=IFCCOMPOSITECURVE((#118,#119),.F.);\n"
+             "#118=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.F.,#109);\n"
+             "#119=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.F.,#108);\n",
          stadiumArea,
          {-0.5, -0.2},
          {0.5, 0.2}},

@@ -96,6 +96,29 @@ TEST(IfcShapeTest, openingsOfWholesAreCutFromTheirParts) {
     EXPECT_NEAR(ShapeNumbers(model.builder.build(33)).volume, 2.5, 1e-9);
 }
 
+TEST(IfcShapeTest, openingsThatOverlapAreCutOnce) {
+    // From left to right: one by itself, two that overlap, one that touches the second of them, one inside another one.
+    const char* const openings[][2] = {
+        {"{1},{-1},{1}", "IFCBLOCK(#11,{0.5},{3},{1})"},   {"{3},{-1},{1}", "IFCBLOCK(#11,{1},{3},{1})"},
+        {"{3.5},{-1},{1.5}", "IFCBLOCK(#11,{1},{3},{1})"}, {"{4.5},{-1},{1.5}", "IFCBLOCK(#11,{0.5},{3},{1})"},
+        {"{7},{-1},{1}", "IFCBLOCK(#11,{1},{3},{1})"},     {"{7.25},{-1},{1.25}", "IFCBLOCK(#11,{0.5},{3},{0.5})"}};
+    std::string text = "#100=IFCBLOCK(#11,{10},{0.5},{3});\n" + product(30, "IFCWALL", "#17", 100);
+    int id = 200;
+    for (const auto& [where, solid] : openings) {
+        text += placement(id, "#17", where) + number(id + 3) + '=' + solid + ";\n" +
+                product(id + 4, "IFCOPENINGELEMENT", number(id), id + 3) +
+                relation(id + 7, "IFCRELVOIDSELEMENT", "#30", number(id + 4));
+        id += 10;
+    }
+    const Shape shape = ShapeModel(ifcText(text)).builder.build(30);
+    EXPECT_TRUE(shape.doubts.empty());
+    const ShapeNumbers numbers(shape);
+    EXPECT_NEAR(numbers.volume, (30 - 0.5 - (2 - 0.25) - 0.5 - 1) * 0.5, 1e-9);
+    EXPECT_LT(numbers.gap, 1e-9);
+    const double reveals = 3 + (6 + 1) + 4; // of the one, the three that hang together, and the last two
+    EXPECT_NEAR(numbers.area, 2 * (30 - 3.75) + 26 * 0.5 + reveals * 0.5, 1e-6);
+}
+
 TEST(IfcShapeTest, gridPlacements) {
     const std::string grid =
         block + placement(40, "$", "{10},{0},{5}", "#14,#16") + product(30, "IFCCOLUMN", "#60", 100) +
@@ -244,6 +267,29 @@ TEST(IfcShapeTest, uncutIsBetterThanNothing) {
     const Shape shape = model.builder.build(30);
     EXPECT_NEAR(ShapeNumbers(shape).volume, 1, 1e-9);
     EXPECT_EQ(shape.doubts.size(), 2u);
+}
+
+/** Of a shape within a shape, what can't be built is told by each product that stands for it, and the rest is there. */
+TEST(IfcShapeTest, doubtsOfMappedShapes) {
+    const ShapeModel model(ifcText(
+        "#99=IFCCARTESIANTRANSFORMATIONOPERATOR3D($,$,#10,$,$);\n#100=IFCMAPPEDITEM(#101,#99);\n"
+        "#101=IFCREPRESENTATIONMAP(#11,#102);\n#102=IFCSHAPEREPRESENTATION(#18,'Body','CSG',(#103,#104,#105));\n"
+        "#103=IFCBLOCK(#11,{1},{1},{1});\n#104=IFCMAPPEDITEM(#106,#99);\n#105=IFCMAPPEDITEM(#106,#98);\n"
+        "#98=IFCCARTESIANTRANSFORMATIONOPERATOR3D($,$,#10,0.,$);\n#106=IFCREPRESENTATIONMAP(#11,#107);\n"
+        "#107=IFCSHAPEREPRESENTATION(#18,'Body','CSG',(#108,#109));\n#108=IFCBLOCK(#11,{2},{2},{2});\n"
+        "#109=IFCSPHERE(#11,{0});\n" +
+        product(30, "IFCCHAIR", "#17", 100) + product(33, "IFCCHAIR", "#17", 104) +
+        product(36, "IFCCHAIR", "#17", 100)));
+    for (const std::uint64_t chair : {30u, 36u}) {
+        const Shape shape = model.builder.build(chair);
+        ASSERT_EQ(shape.parts.size(), 2u);
+        EXPECT_EQ(shape.parts[0].items, (std::vector<std::uint64_t>{100, 103}));
+        EXPECT_EQ(shape.parts[1].items, (std::vector<std::uint64_t>{100, 104, 108}));
+        ASSERT_EQ(shape.doubts.size(), 2u);
+        EXPECT_EQ(shape.doubts[0].substr(0, 9), "IFCSPHERE");
+        EXPECT_EQ(shape.doubts[1].substr(0, 35), "IFCCARTESIANTRANSFORMATIONOPERATOR3");
+    }
+    EXPECT_EQ(model.builder.build(33).doubts.size(), 1u);
 }
 
 TEST(IfcShapeTest, manyThreadsBuildTheSame) {

@@ -226,6 +226,15 @@ TEST_P(IfcSolidTest, constructed) {
          {0, 0, 0},
          {1, 1, 1},
          flat},
+        {"unions within a union: four that meet at an edge",
+         combination("UNION", "#111=IFCBOOLEANRESULT(.UNION.,#120,#121);\n#120=IFCBLOCK(#122,{1},{1},{1});\n" +
+                                  place(122, "{1},{1},{0}") + "#121=IFCBOOLEANRESULT(.UNION.,#126,#127);\n" +
+                                  "#126=IFCBLOCK(#128,{1},{1},{1});\n" + place(128, "{1},{0},{0}") +
+                                  "#127=IFCBLOCK(#131,{1},{1},{1});\n" + place(131, "{0},{1},{0}")),
+         4,
+         {0, 0, 0},
+         {2, 2, 1},
+         flat},
         {"tree of combinations",
          combination("DIFFERENCE", "#111=IFCBOOLEANRESULT(.UNION.,#120,#121);\n#120=IFCBLOCK(#122,{2},{0.5},{2});\n" +
                                        place(122, "{-0.5},{0.25},{0.5}") + "#121=IFCBLOCK(#124,{0.5},{2},{2});\n" +
