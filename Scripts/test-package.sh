@@ -61,6 +61,13 @@ quietly build cmake -S "$root" -B "$build/library" -G Ninja "${options[@]}"
 quietly build cmake --build "$build/library"
 (cd "$build/library" && quietly cpack cpack -B "$build/packages")
 
+if command -v lintian >/dev/null; then
+    step "lintian"
+    lintian --allow-root --fail-on error "$build"/packages/*.deb || fail "packages of Debian are made otherwise"
+else
+    echo "lintian is not installed: nobody looks over the packages"
+fi
+
 quietly install in_root --install "$build"/packages/*.deb
 libraries=$(dirname "$(find "$system/usr" -name libimport-common.so)")
 export PKG_CONFIG_PATH=$libraries/pkgconfig CMAKE_PREFIX_PATH=$system/usr
