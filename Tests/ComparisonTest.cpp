@@ -268,6 +268,34 @@ TEST(ComparisonTest, whatIsNotSureIsAHint) {
     EXPECT_EQ(other.perhaps->object, change.now);
 }
 
+TEST(ComparisonTest, theNearestOfManyEqualObjectsIsNotTakenForAnother) {
+    // Boxes that say the same of themselves; some were nudged, the others are scattered anew.
+    constexpr int nudged = 20;
+    constexpr int scattered = 1200;
+    Records before = Office().objects("a");
+    Records now = before;
+    std::mt19937 random(11);
+    std::uniform_real_distribution<double> distance(0.0, 30.0);
+    const auto place = [&] { return Vector3{distance(random), 50.0 + distance(random), 0.0}; };
+    const PluginKit::SolidSurface box = block(0.4, 0.3, 0.2);
+    for (int i = 0; i < nudged + scattered; ++i) {
+        const Vector3 old = i < nudged ? Vector3{100.0 + 2.0 * i, 0.0, 0.0} : place();
+        const Vector3 fresh = i < nudged ? old + Vector3{0.01 + 0.003 * i, 0.0, 0.0} : place();
+        before.push_back(object("b" + std::to_string(i), "Box", shifted(box, old), "IFCBOX"));
+        now.push_back(object("c" + std::to_string(i), "Box", shifted(box, fresh), "IFCBOX"));
+    }
+    const Comparison comparison = compare(before, now);
+    for (const Change& change : comparison.changes) {
+        const bool isPair = change.before != nullptr && change.now != nullptr;
+        if (isPair && change.record().className == "IFCBOX") {
+            EXPECT_LE(change.distance, 0.1);
+        }
+        EXPECT_TRUE(!change.perhaps || change.perhaps->confidence < 0.7);
+    }
+    EXPECT_GE(comparison.count(Status::Reidentified), static_cast<std::size_t>(nudged));
+    EXPECT_GE(comparison.count(Status::Added), static_cast<std::size_t>(scattered * 9 / 10));
+}
+
 TEST(ComparisonTest, rowsOfEqualObjectsAreMovedAsRows) {
     // Farther than half the way to the next one: each is nearer to where its neighbour was.
     const Records before = Office().objects("a");

@@ -223,9 +223,3 @@ double Evidence::ofProperties(std::size_t before, std::size_t now) const {
     }
     return (all > 0.0 ? 2.0 * common / all : 0.0) - 0.5;
 }
-
-bool Evidence::areInterchangeable(const Body& a, const Body& b) {
-    return a.record->className == b.record->className && a.record->name == b.record->name &&
-           tagOf(*a.record) == tagOf(*b.record) && a.record->properties.digest == b.record->properties.digest &&
-           measureAlike(a, b);
-}

@@ -55,9 +55,6 @@ public:
     /** More is better; about 4.5 is as likely as not. */
     double score(std::size_t before, std::size_t now) const;
 
-    /** Whether two objects of one model differ in nothing but their places. */
-    static bool areInterchangeable(const Body& a, const Body& b);
-
 private:
     double ofNames(const ObjectRecord& before, const ObjectRecord& now) const;
     double ofTags(const ObjectRecord& before, const ObjectRecord& now) const;

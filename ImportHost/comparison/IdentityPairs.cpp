@@ -5,6 +5,7 @@
 
 #include <ImportCommon/ExternalGUIDDatabase.h>
 
+#include <algorithm>
 #include <deque>
 #include <string>
 #include <unordered_map>
@@ -26,7 +27,10 @@ public:
         if (found == objects_.end()) {
             return Pairing::none;
         }
-        for (auto object = found->second.begin(); object != found->second.end(); ++object) {
+        constexpr std::size_t mostLooks = 500; // of thousands with one key, which no model needs, the first have to do
+        const std::size_t looks = std::min(found->second.size(), mostLooks);
+        for (auto object = found->second.begin(); object != found->second.begin() + static_cast<long>(looks);
+             ++object) {
             const std::size_t number = *object;
             if (condition(number)) {
                 found->second.erase(object);
@@ -117,6 +121,7 @@ public:
 private:
     void findPlaces() {
         constexpr double reach = 0.005;
+        constexpr std::size_t mostAtAPlace = 500; // as for what has lost its identity
         constexpr double cell = 0.5;
         Grid grid(cell);
         for (std::size_t i = 0; i < placeOf_.size(); ++i) {
@@ -135,11 +140,16 @@ private:
         std::vector<bool> isTaken(pairing_.before().size(), false);
         for (const std::size_t i : odd_) {
             int best = -1;
+            std::size_t looks = 0;
             const Body& now = pairing_.now()[i];
             grid.forEachNear(now.centre, reach, [&](std::size_t place) {
+                if (isTaken[place] || looks >= mostAtAPlace) {
+                    return;
+                }
+                ++looks;
                 const Body& before = pairing_.before()[place];
                 const int common = commonData(*before.record, *now.record);
-                if (place != pairing_.partnerOfNow(i) && !isTaken[place] && common > best &&
+                if (place != pairing_.partnerOfNow(i) && common > best &&
                     before.record->className == now.record->className && areInPlace(before, now)) {
                     best = common;
                     placeOf_[i] = place;
