@@ -100,26 +100,32 @@ std::optional<std::uint64_t> takeReference(std::string_view& text) {
  * a double exactly then, so their quotient is rounded once: it is the very number that a thorough conversion gives.
  */
 std::optional<double> takeDecimal(std::string_view& text) {
-    static constexpr std::array<double, 18> powers = {1e0, 1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,
-                                                      1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17};
+    static constexpr std::array<double, 23> powers = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                      1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                                      1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
     constexpr std::int64_t mostExact = std::int64_t{1} << 53;
     const bool isNegative = !text.empty() && text[0] == '-';
-    const std::size_t first = isNegative ? 1 : 0;
-    const std::size_t most = std::min(text.size(), first + powers.size());
+    std::size_t i = isNegative ? 1 : 0;
     std::int64_t digits = 0;
-    std::size_t point = 0;
-    std::size_t i = first;
-    for (; i < most && (isDigit(text[i]) || (text[i] == '.' && point == 0 && i > first)); ++i) {
-        if (text[i] == '.') {
-            point = i;
-        } else {
+    const auto takeDigits = [&] {
+        const std::size_t first = i;
+        for (; i < text.size() && isDigit(text[i]) && digits <= mostExact; ++i) {
             digits = digits * 10 + (text[i] - '0');
         }
-    }
-    if (i == first || i == first + powers.size() || digits > mostExact) {
+        return i - first;
+    };
+    if (takeDigits() == 0) {
         return std::nullopt;
     }
-    const double value = static_cast<double>(digits) / powers[point == 0 ? 0 : i - 1 - point];
+    std::size_t decimals = 0;
+    if (i < text.size() && text[i] == '.') {
+        ++i;
+        decimals = takeDigits();
+    }
+    if (digits > mostExact || decimals >= powers.size()) {
+        return std::nullopt;
+    }
+    const double value = static_cast<double>(digits) / powers[decimals];
     text.remove_prefix(i);
     return isNegative ? -value : value;
 }
