@@ -375,11 +375,29 @@ void StepScanner::checkCount(const StepFile::Entry& entry, std::size_t count) co
     }
 }
 
+/** Most entries are in order already: the others are taken out, sorted, and merged with them from the end. */
 void StepScanner::sortEntries() {
     const auto byId = [](const StepFile::Entry& a, const StepFile::Entry& b) { return a.id < b.id; };
     auto& entries = file_.entries_;
-    if (!std::is_sorted(entries.begin(), entries.end(), byId)) {
-        std::sort(entries.begin(), entries.end(), byId);
+    std::vector<StepFile::Entry> others;
+    std::size_t sorted = 0;
+    for (const StepFile::Entry& entry : entries) {
+        if (sorted == 0 || !byId(entry, entries[sorted - 1])) {
+            entries[sorted++] = entry;
+        } else {
+            others.push_back(entry);
+        }
+    }
+    std::sort(others.begin(), others.end(), byId);
+    for (std::size_t place = entries.size(); !others.empty();) {
+        const bool isOther = sorted == 0 || !byId(others.back(), entries[sorted - 1]);
+        --place;
+        if (isOther) {
+            entries[place] = others.back();
+            others.pop_back();
+        } else {
+            entries[place] = entries[--sorted];
+        }
     }
     const auto repeated =
         std::adjacent_find(entries.begin(), entries.end(),
