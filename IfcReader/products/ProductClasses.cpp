@@ -94,11 +94,7 @@ ProductClass productClassOf(std::string_view keyword) {
     if (things().count(keyword) != 0) {
         return ProductClass::Product;
     }
-    if (unshown().count(keyword) != 0) {
-        return ProductClass::Unshown;
-    }
-    const auto beginsWith = [&](std::string_view begin) { return keyword.substr(0, begin.size()) == begin; };
-    return beginsWith("IFCPROPERTY") || beginsWith("IFCREL") ? ProductClass::Other : ProductClass::Unlisted;
+    return unshown().count(keyword) != 0 ? ProductClass::Unshown : ProductClass::Unlisted;
 }
 
 bool isSpatial(std::string_view keyword) {

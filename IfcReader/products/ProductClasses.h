@@ -11,7 +11,6 @@ namespace IfcReader {
 enum class ProductClass {
     Product, ///< a thing, or a place of the spatial structure
     Unshown, ///< a product whose shape is no thing: an opening, a grid, a note on a drawing
-    Other,   ///< no product
     Unlisted ///< not a class of IFC 2x3 that is listed here: its arguments tell what it is
 };
 

@@ -77,9 +77,6 @@ private:
     }
 
     State stateOf(const StepInstance& instance, ProductClass found) const {
-        if (found == ProductClass::Other) {
-            return State::None;
-        }
         const std::size_t first = instance.arguments.find_first_not_of(" \t\r\n");
         if (found == ProductClass::Unlisted && (first == std::string_view::npos || instance.arguments[first] != '\'')) {
             return State::None; // most instances, passed over fast
