@@ -4,9 +4,9 @@
  */
 #include "Support/ImportExample.h"
 
-#include <cstdint>
-#include <cstring>
-#include <iomanip>
+#include <PluginKit/Solids.h>
+#include <PluginKit/Text.h>
+
 #include <vector>
 
 namespace {
@@ -21,28 +21,6 @@ std::string withTableProperty(const std::string& house, const std::string& insta
                         "ENDSEC;\nEND-ISO");
 }
 
-std::vector<std::string> fieldsOf(const std::string& line) {
-    std::vector<std::string> fields(1);
-    for (const char c : line) {
-        if (c == '\t') {
-            fields.emplace_back();
-        } else {
-            fields.back() += c;
-        }
-    }
-    return fields;
-}
-
-std::string checksum(const std::string& text) {
-    std::uint64_t sum = 0xcbf29ce484222325u;
-    for (const char c : text) {
-        sum = (sum ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
-    }
-    std::ostringstream digits;
-    digits << std::hex << std::setw(16) << std::setfill('0') << sum;
-    return digits.str();
-}
-
 /** A state as an earlier format had it: without the model and what else came later, and at first without properties. */
 std::string stateOfFormat(int format, const std::string& state) {
     std::istringstream lines(state);
@@ -51,18 +29,18 @@ std::string stateOfFormat(int format, const std::string& state) {
     std::getline(lines, line);
     std::string text = "import-host-state " + std::to_string(format) + '\n';
     while (std::getline(lines, line) && line.compare(0, 4, "end ") != 0) {
-        const std::vector<std::string> fields = fieldsOf(line);
+        const std::vector<std::string_view> fields = PluginKit::split(line, '\t');
         for (std::size_t i = 0; i < 6; ++i) {
-            text += fields[i] + '\t';
+            text.append(fields[i]).append("\t");
         }
         text += fields[7];
-        const std::size_t attributes = fields[10] == "-" ? 0 : std::stoul(fields[10]);
+        const std::size_t attributes = fields[10] == "-" ? 0 : static_cast<std::size_t>(PluginKit::toLong(fields[10]));
         for (std::size_t i = 11 + 2 * attributes; format > 1 && i < fields.size(); ++i) {
-            text += '\t' + fields[i];
+            text.append("\t").append(fields[i]);
         }
         text += '\n';
     }
-    return text + line.substr(0, line.rfind(' ') + 1) + checksum(text) + '\n';
+    return text + line.substr(0, line.rfind(' ') + 1) + PluginKit::checksum(text) + '\n';
 }
 
 TEST_F(ImportPropertiesTest, everyEditedPropertyIsNamed) {
@@ -195,40 +173,18 @@ TEST_F(ImportPropertiesTest, streamsHoldSetsAndSolids) {
                         "property\t0\tSlope\t\tangle\t0.08314748556500987\tRequiredSlope\n"),
               std::string::npos);
 
-    // Each solid is as long as its line says, and its first surface has as many vertices as its bytes have room for.
-    std::istringstream solids(readFile(file("state/output/solids")));
-    int object = 0;
-    int type = 0;
-    std::size_t size = 0;
-    int count = 0;
-    while (solids >> object >> type >> size) {
-        EXPECT_EQ(object, ++count);
-        EXPECT_EQ(type, 2);
-        std::string bytes(size + 2, '\0');
-        solids.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        ASSERT_EQ(bytes.front(), '\n');
-        ASSERT_EQ(bytes.back(), '\n');
-        std::uint32_t head[3];
-        ASSERT_GE(size, sizeof head);
-        std::memcpy(head, bytes.data() + 1, sizeof head);
-        EXPECT_GE(head[0], 1u);
-        EXPECT_GE(head[2], 3u);
-        EXPECT_LE(sizeof head + head[2] * 3 * sizeof(double), size);
+    const std::string solids = readFile(file("state/output/solids"));
+    PluginKit::SolidsReader reader(solids);
+    std::size_t count = 0;
+    for (PluginKit::Solid solid; reader.next(solid);) {
+        EXPECT_EQ(solid.object, ++count);
+        std::size_t faces = 0;
+        for (const PluginKit::SolidSurface& surface : solid.surfaces) {
+            faces += surface.sizes.size();
+        }
+        EXPECT_GT(faces, 0u);
     }
-    EXPECT_EQ(count, 35);
-}
-
-TEST_F(ImportPropertiesTest, numbersThatNoReportCanHoldAreRefused) {
-    import(house_);
-    const std::string state = readFile(file("state/objects.state"));
-    for (const char* const value :
-         {"nan", "inf", "1e999", "1,5", "", "}", "1 0", "1 -1", "1 nan", "1 1 1", "1e308 10"}) {
-        std::string changed = replaced(state, "\tWeight\t31.5", "\tWeight\t" + std::string(value));
-        const std::size_t end = changed.rfind("\nend ") + 1;
-        changed = changed.substr(0, changed.rfind(' ') + 1) + checksum(changed.substr(0, end)) + '\n';
-        writeFile(file("state/objects.state"), changed);
-        expectFailure("--state state house.ifc", 1, "state/objects.state: ", "'");
-    }
+    EXPECT_EQ(count, 35u);
 }
 
 TEST_F(ImportPropertiesTest, statesOfEarlierFormatsStillServe) {

@@ -4,6 +4,7 @@
  */
 #include "output/html/ShapeBlock.h"
 
+#include <PluginKit/Solids.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -50,33 +51,19 @@ std::vector<PieceHead> headsOf(const std::string& bytes) {
     return heads;
 }
 
-template <typename Number>
-void append(std::string& bytes, Number number) {
-    bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
-}
-
 /** A solids stream with a field of hills of @p side by @p side squares, which share their corners. */
 std::string hills(std::uint32_t side) {
-    std::string bytes;
-    append(bytes, 1U);
-    append(bytes, 0U);
-    append(bytes, (side + 1) * (side + 1));
+    PluginKit::SolidSurface surface;
     for (std::uint32_t i = 0; i <= side; ++i) {
         for (std::uint32_t k = 0; k <= side; ++k) {
-            append(bytes, 1e6 + i);
-            append(bytes, 2e6 + k);
-            append(bytes, 0.5 * ((i * 7 + k * 3) % 5));
-        }
-    }
-    append(bytes, side * side);
-    for (std::uint32_t i = 0; i < side; ++i) {
-        for (std::uint32_t k = 0; k < side; ++k) {
+            surface.vertices.push_back({1e6 + i, 2e6 + k, 0.5 * ((i * 7 + k * 3) % 5)});
             const std::uint32_t first = i * (side + 1) + k;
-            for (const std::uint32_t number : {4U, first, first + side + 1, first + side + 2, first + 1}) {
-                append(bytes, number);
+            if (i < side && k < side) {
+                surface.addPolygon({first, first + side + 1, first + side + 2, first + 1});
             }
         }
     }
+    const std::string bytes = PluginKit::solidBytes({surface});
     return "1\t2\t" + std::to_string(bytes.size()) + '\n' + bytes + '\n';
 }
 

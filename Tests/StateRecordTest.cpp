@@ -106,6 +106,13 @@ TEST(StateRecordTest, valuesOutOfRangeAreRefused) {
         damaged[field] = value;
         EXPECT_THROW(recordFromLine(lineOf(damaged)), std::runtime_error);
     }
+    // The values of properties stand last, and go into a report as they are.
+    std::vector<std::string> damaged = fields;
+    for (const char* const value :
+         {"nan", "inf", "1e999", "1,5", "", "}", "1 0", "1 -1", "1 nan", "1 1 1", "1e308 10"}) {
+        damaged.back() = value;
+        EXPECT_THROW(recordFromLine(lineOf(damaged)), std::runtime_error) << value;
+    }
     for (std::size_t size = 0; size < 11; ++size) {
         EXPECT_THROW(recordFromLine(lineOf({fields.begin(), fields.begin() + static_cast<long>(size)})),
                      std::runtime_error)
