@@ -108,7 +108,10 @@ std::vector<IfcPropertySet> PropertySets::of(std::uint64_t product) {
             }
         }
     }
-    return ofType.empty() ? own : overlaid(std::move(own), std::move(ofType));
+    if (ofType.empty()) {
+        return own;
+    }
+    return overlaid(std::move(own), std::move(ofType));
 }
 
 void PropertySets::addSet(const StepInstance& instance, std::vector<IfcPropertySet>& sets) {
