@@ -11,6 +11,7 @@
 
 namespace {
 
+/** What an object says of itself, as one text. */
 std::string saidBy(const Body& body) {
     const ObjectRecord& record = *body.record;
     std::string text = record.className;
