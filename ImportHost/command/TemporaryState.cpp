@@ -37,7 +37,8 @@ void removeWhenUnlocked(const std::string& folder) {
 }
 
 /**
- * Starts a process that does so. No signal for this process's group ends it before, whatever it is, and of others only SIGKILL.
+ * Starts a process that does so. Signals to the host's process group don't reach it; only a SIGKILL of its own ends it
+ * early.
  * @return its id, or a negative number
  */
 pid_t startCleaner(const std::string& folder) {

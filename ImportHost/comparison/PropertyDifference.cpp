@@ -51,8 +51,8 @@ public:
         }
         const std::optional<Measure> x = Measure::read(a);
         const std::optional<Measure> y = Measure::read(b);
-        if (isLongWholeNumber(a) && isLongWholeNumber(b)) {
-            return wholeNumber(a) == wholeNumber(b);
+        if (wholeNumber(a) && wholeNumber(b)) {
+            return wholeNumber(a) == wholeNumber(b); // numbers of something, not measured
         }
         return x && y && (areUnitsKnown_ ? sameMeasure(x->inSi(), y->inSi()) : sameMeasure(x->number, y->number));
     }
@@ -71,13 +71,6 @@ public:
     }
 
 private:
-    /** Nobody measures with so many digits: what is written with all of them is a number of something. */
-    static bool isLongWholeNumber(std::string_view text) {
-        constexpr long longest = 1L << 53;
-        const std::optional<long> number = wholeNumber(text);
-        return number && (*number > longest || *number < -longest);
-    }
-
     bool areUnitsKnown_;
 };
 

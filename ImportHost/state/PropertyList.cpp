@@ -59,6 +59,15 @@ std::string degreesText(double degrees) {
                        std::to_chars(buffer, buffer + sizeof buffer, degrees, std::chars_format::general, 12).ptr);
 }
 
+/** With a point or an exponent, so that it is told from a whole number, which counts something and is compared exactly. */
+std::string realText(double number) {
+    std::string text = numberText(number);
+    if (text.find_first_of(".e") == std::string::npos) {
+        text += '.';
+    }
+    return text;
+}
+
 std::string valueOf(std::string_view type, std::string_view value, std::string_view factor) {
     if (type == "text") {
         return '\'' + std::string(value);
@@ -69,10 +78,10 @@ std::string valueOf(std::string_view type, std::string_view value, std::string_v
     if (type == "real" || type == "length") {
         const double number = finiteNumber(value) + 0.0;
         if (factor.empty()) {
-            return numberText(number);
+            return realText(number);
         }
         inRange(number * positiveNumber(factor), value);
-        return numberText(number) + ' ' + numberText(positiveNumber(factor));
+        return realText(number) + ' ' + numberText(positiveNumber(factor));
     }
     const bool isState = value == "true" || value == "false";
     if (type == "integer") {

@@ -13,8 +13,8 @@
 /**
  * All properties of an object as one text, in an order that depends on nothing but themselves: for each of them the
  * set's name, the name and the value in a field, as in the streams. A value is a quote and a text, or else a number,
- * "true", "false" or "unknown". Behind a number that is measured in another unit than SI's stand a blank and the factor
- * that turns it into the latter.
+ * "true", "false" or "unknown". A whole number has no point, a real one has a point or an exponent. Behind a number that
+ * is measured in another unit than SI's stand a blank and the factor that turns it into the latter.
  */
 struct PropertyList {
     bool isKnown = false;      ///< false when they come from a state that keeps none
