@@ -33,7 +33,7 @@ bool readAll(std::string_view text, double& value) {
 
 void appendNumber(std::string& text, double value) {
     char buffer[32];
-    text.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr);
+    text.append(buffer, static_cast<std::size_t>(std::to_chars(buffer, buffer + sizeof buffer, value).ptr - buffer));
 }
 
 std::string numberText(double value) {

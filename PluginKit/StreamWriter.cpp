@@ -21,7 +21,7 @@ namespace {
 template <typename Whole>
 void appendWhole(std::string& text, Whole value) {
     char buffer[24];
-    text.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr);
+    text.append(buffer, static_cast<std::size_t>(std::to_chars(buffer, buffer + sizeof buffer, value).ptr - buffer));
 }
 
 /**
@@ -29,24 +29,27 @@ void appendWhole(std::string& text, Whole value) {
  * hundredths are written as such, in a third of the time that the shortest text of a number takes.
  */
 void appendRounded(std::string& text, double metres) {
-    const double hundredths = std::round(metres * 1e5);
+    const double hundredths = metres * 1e5;
     if (!(std::abs(hundredths) < 1e15)) {
         appendNumber(text, metres);
         return;
     }
-    auto left = static_cast<long long>(hundredths);
-    text.append(left < 0 ? "-" : "");
-    left = std::abs(left);
-    appendWhole(text, left / 100000);
-    left %= 100000;
-    if (left == 0) {
-        return;
+    const auto rounded = static_cast<long long>(std::abs(hundredths) + 0.5);
+    char buffer[32];
+    char* end = buffer;
+    if (hundredths < 0.0 && rounded > 0) {
+        *end++ = '-';
     }
-    text += '.';
-    for (long long unit = 10000; left != 0; unit /= 10) {
-        text += static_cast<char>('0' + left / unit);
+    end = std::to_chars(end, buffer + sizeof buffer, rounded / 100000).ptr;
+    auto left = static_cast<int>(rounded % 100000);
+    if (left > 0) {
+        *end++ = '.';
+    }
+    for (int unit = 10000; left > 0; unit /= 10) {
+        *end++ = static_cast<char>('0' + left / unit);
         left %= unit;
     }
+    text.append(buffer, static_cast<std::size_t>(end - buffer));
 }
 
 } // namespace
