@@ -61,6 +61,58 @@ std::string place(int id, const char* point, const char* axes = "$,$") {
            std::to_string(id + 1) + "=IFCCARTESIANPOINT((" + point + "));\n";
 }
 
+/** A disk of radius 0.1 along #101, which is what @p path says, between the trims. */
+std::string disk(const std::string& trims, const std::string& path) {
+    return "#100=IFCSWEPTDISKSOLID(#101,{0.1},$," + trims + ");\n#101=" + path + ";\n";
+}
+
+TEST_P(IfcSolidTest, partsOfPaths) {
+    const std::string corner = "#102=IFCCARTESIANPOINT(({1},{0},{0}));\n#103=IFCCARTESIANPOINT(({1},{1},{0}));\n"
+                               "#104=IFCCARTESIANPOINT(({2},{0},{0}));\n#105=IFCCIRCLE(#11,{1});\n"
+                               "#106=IFCLINE(#10,#107);\n#107=IFCVECTOR(#15,{2});\n";
+    const std::string upperHalf =
+        "IFCTRIMMEDCURVE(#105,(IFCPARAMETERVALUE([0])),(IFCPARAMETERVALUE([180])),.T.,.PARAMETER.)";
+    const std::string twoSegments = "IFCCOMPOSITECURVE((#108,#109),.F.);\n"
+                                    "#108=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.T.,#110);\n"
+                                    "#109=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.F.,#111);\n"
+                                    "#110=IFCBEZIERCURVE(1,(#10,#102,#104),.UNSPECIFIED.,.F.,.F.);\n"
+                                    "#111=IFCTRIMMEDCURVE(#112,(#113),(#104),.F.,.CARTESIAN.);\n"
+                                    "#112=IFCLINE(#104,#107);\n#113=IFCCARTESIANPOINT(({6},{0},{0}))";
+    const SolidCase cases[] = {
+        {"an edge", disk("0.,1.", "IFCPOLYLINE((#10,#102,#103))") + corner, 0.01 * pi, {0, -0.1, -0.1}, {1, 0.1, 0.1}},
+        {"from a corner on, though one corner is there twice",
+         disk("2.,$", "IFCPOLYLINE((#10,#10,#102,#103))") + corner,
+         0.01 * pi,
+         {0.9, 0, -0.1},
+         {1.1, 1, 0.1}},
+        {"part of an arc", disk("[0],[90]", upperHalf) + corner, 0.005 * pi * pi, {0, 0, -0.1}, {1.1, 1.1, 0.1}},
+        {"part of an arc, a turn further on",
+         disk("[450],[600]", upperHalf) + corner,
+         0.005 * pi * pi,
+         {-1.1, 0, -0.1},
+         {0, 1.1, 0.1}},
+        {"part of a line",
+         disk("0.,2.", "IFCTRIMMEDCURVE(#106,(IFCPARAMETERVALUE(5.)),(IFCPARAMETERVALUE(0.)),.F.,.PARAMETER.)") +
+             corner,
+         0.04 * pi,
+         {0, -0.1, -0.1},
+         {4, 0.1, 0.1}},
+        {"half a Bezier curve",
+         disk("$,0.5", "IFCBEZIERCURVE(2,(#10,#102,#104),.UNSPECIFIED.,.F.,.F.)") + corner,
+         0.01 * pi,
+         {0, -0.1, -0.1},
+         {1, 0.1, 0.1}},
+        {"a segment and a half, the second backwards both ways",
+         disk("1.,3.", twoSegments) + corner,
+         0.03 * pi,
+         {1, -0.1, -0.1},
+         {4, 0.1, 0.1}}};
+    expectAll(cases);
+    const ShapeModel none(ifcText(disk("3.,4.", "IFCPOLYLINE((#10,#102,#103))") + corner + productOf100, GetParam()));
+    EXPECT_EQ(none.builder.build(30).doubts,
+              std::vector<std::string>{"IFCPOLYLINE: nothing of it lies between its trims"});
+}
+
 TEST_P(IfcSolidTest, swept) {
     const SolidCase cases[] = {
         {"slanted extrusion",

@@ -2,75 +2,33 @@
 
 #include "geometry/Fineness.h"
 #include "geometry/Placements.h"
+#include "geometry/Polylines.h"
 
 #include <algorithm>
-#include <optional>
 
 namespace IfcReader {
 
 namespace {
 
-constexpr double samePoint = 1e-9; ///< corners of a polyline that are nearer are one, in metres
-constexpr double sameEnd = 1e-5;   ///< ends of segments that are nearer are joined, in metres
+constexpr double sameEnd = 1e-5; ///< ends of segments that are nearer are joined, in metres
+constexpr double noPart = 1e-9;  ///< parts of a curve that are shorter are none, in units of its parameter
 constexpr int chordsOfBezier = 16;
 
-void appendDistinct(Loop& path, const Vector& p, double distance) {
-    if (path.empty() || length(p - path.back()) > distance) {
-        path.push_back(p);
+/** All corners of a polyline, as they are numbered by its parameter. */
+Loop cornersOf(const Item& curve) {
+    Loop corners;
+    for (const std::uint64_t id : curve.references(0)) {
+        corners.push_back(pointOf(curve.items().at(id)));
     }
+    return corners;
 }
 
 Loop polyline(const Item& curve) {
     Loop path;
-    for (const std::uint64_t id : curve.references(0)) {
-        appendDistinct(path, pointOf(curve.items().at(id)), samePoint);
+    for (const Vector& p : cornersOf(curve)) {
+        appendDistinct(path, p, samePoint);
     }
     return path;
-}
-
-/** A point on a polyline: whole parameters stand for its corners. */
-Vector polylinePoint(const Loop& corners, double parameter) {
-    const double last = static_cast<double>(corners.size() - 1);
-    const double clamped = std::clamp(parameter, 0.0, last);
-    const std::size_t i = std::min(static_cast<std::size_t>(clamped), corners.size() - 2);
-    return corners[i] + (corners[i + 1] - corners[i]) * (clamped - static_cast<double>(i));
-}
-
-Loop polylinePart(const Loop& corners, double from, double to) {
-    if (corners.size() < 2) {
-        return corners;
-    }
-    const bool backwards = from > to;
-    const double low = std::min(from, to);
-    const double high = std::max(from, to);
-    Loop part{polylinePoint(corners, low)};
-    for (std::size_t i = 0; i < corners.size(); ++i) {
-        const double at = static_cast<double>(i);
-        if (at > low + 1e-9 && at < high - 1e-9) {
-            part.push_back(corners[i]);
-        }
-    }
-    appendDistinct(part, polylinePoint(corners, high), samePoint);
-    if (backwards) {
-        std::reverse(part.begin(), part.end());
-    }
-    return part;
-}
-
-/** The parameter of the point on a polyline that lies nearest to @p p. */
-double polylineParameter(const Loop& corners, const Vector& p) {
-    double best = 0.0;
-    double nearest = 1e300;
-    for (std::size_t i = 0; i + 1 < corners.size(); ++i) {
-        const Vector edge = corners[i + 1] - corners[i];
-        const double t = std::clamp(dot(p - corners[i], edge) / dot(edge, edge), 0.0, 1.0);
-        const double distance = length(corners[i] + edge * t - p);
-        if (distance < nearest) {
-            nearest = distance;
-            best = static_cast<double>(i) + t;
-        }
-    }
-    return best;
 }
 
 struct Line {
@@ -145,33 +103,6 @@ double reachedAngle(double from, double to, bool forwards) {
     return forwards ? from + sweep : from - sweep;
 }
 
-Loop trimmed(const Item& curve) {
-    const Item basis = curve.child(0);
-    const Trim first(curve, 1);
-    const Trim second(curve, 2);
-    const bool forwards = curve.word(3) != "F";
-    if (basis.is("IFCLINE")) {
-        const Line line(basis);
-        return {first.point ? *first.point : line(*first.number), second.point ? *second.point : line(*second.number)};
-    }
-    if (isConic(basis)) {
-        const Conic conic(basis);
-        const auto angle = [&](const Trim& trim) {
-            return trim.point ? conic.angleOf(*trim.point) : *trim.number * curve.items().units().radian;
-        };
-        const double from = angle(first);
-        return conic.arc(from, reachedAngle(from, angle(second), forwards));
-    }
-    if (basis.is("IFCPOLYLINE")) {
-        const Loop corners = polyline(basis);
-        const auto parameter = [&](const Trim& trim) {
-            return trim.point ? polylineParameter(corners, *trim.point) : *trim.number;
-        };
-        return polylinePart(corners, parameter(first), parameter(second));
-    }
-    basis.fail("can't be trimmed");
-}
-
 Loop composite(const Item& curve) {
     Loop path;
     for (const std::uint64_t id : curve.references(0)) {
@@ -208,6 +139,11 @@ Vector bezierPoint(Loop points, std::vector<double> weights, double t) {
     return points[0] * (1.0 / weights[0]);
 }
 
+/** How many straight pieces stand for one unit of a Bezier curve's parameter. */
+int chordsPerPiece(const Item& curve) {
+    return curve.number(0) == 1.0 ? 1 : chordsOfBezier;
+}
+
 Loop bezier(const Item& curve) {
     const double degree = curve.number(0);
     const std::vector<std::uint64_t> ids = curve.references(1);
@@ -229,7 +165,7 @@ Loop bezier(const Item& curve) {
     for (std::size_t i = 0; i < ids.size(); ++i) {
         points.push_back(pointOf(curve.items().at(ids[i])) * weights[i]);
     }
-    const int chords = n == 1 ? 1 : chordsOfBezier;
+    const int chords = chordsPerPiece(curve);
     Loop path{points[0] * (1.0 / weights[0])};
     for (std::size_t first = 0; first + n < points.size(); first += n) {
         const auto offset = static_cast<std::ptrdiff_t>(first);
@@ -244,21 +180,124 @@ Loop bezier(const Item& curve) {
     return path;
 }
 
-/** How many units of its parameter a segment of a composite curve takes. */
-double parameterLength(const Item& curve, const Loop& path) {
+bool isBezier(const Item& item) {
+    return item.is("IFCBEZIERCURVE") || item.is("IFCRATIONALBEZIERCURVE");
+}
+
+bool isComposite(const Item& item) {
+    return item.is("IFCCOMPOSITECURVE") || item.is("IFC2DCOMPOSITECURVE");
+}
+
+/** From where to where a curve goes, as its parameter counts in the file: backwards, where from is more than to. */
+struct Span {
+    double low() const { return std::min(from, to); }
+    double high() const { return std::max(from, to); }
+    bool backwards() const { return from > to; }
+
+    double from;
+    double to;
+};
+
+/** The ends of a trimmed curve. @param parameterOf  gives the parameter of a point on the basis curve */
+template <typename Function>
+Span endsOf(const Item& curve, Function parameterOf) {
+    const Trim first(curve, 1);
+    const Trim second(curve, 2);
+    return {first.point ? parameterOf(*first.point) : *first.number,
+            second.point ? parameterOf(*second.point) : *second.number};
+}
+
+/** The same, in parameters of the basis curve. */
+Span trimmedSpan(const Item& curve) {
+    const Item basis = curve.child(0);
+    if (basis.is("IFCLINE")) {
+        const Line line(basis);
+        return endsOf(curve,
+                      [&](const Vector& p) { return dot(p - line.start, line.unit) / dot(line.unit, line.unit); });
+    }
+    if (isConic(basis)) {
+        const Conic conic(basis);
+        const double radian = curve.items().units().radian;
+        Span span = endsOf(curve, [&](const Vector& p) { return conic.angleOf(p) / radian; });
+        span.to = reachedAngle(span.from * radian, span.to * radian, curve.word(3) != "F") / radian;
+        return span;
+    }
+    if (basis.is("IFCPOLYLINE")) {
+        const Loop corners = cornersOf(basis);
+        return endsOf(curve, [&](const Vector& p) { return polylineParameter(corners, p); });
+    }
+    if (isBezier(basis)) {
+        const Loop points = bezier(basis);
+        return endsOf(curve, [&](const Vector& p) { return polylineParameter(points, p) / chordsPerPiece(basis); });
+    }
+    basis.fail("it can't be trimmed");
+}
+
+/** All of a curve's parameter. */
+Span spanOf(const Item& curve) {
+    const Work::Level level(curve.items().work());
     if (curve.is("IFCTRIMMEDCURVE")) {
-        const Item basis = curve.child(0);
-        if (isConic(basis)) {
-            const Conic conic(basis);
-            const double from = conic.angleOf(path.front());
-            const double to = reachedAngle(from, conic.angleOf(path.back()), curve.word(3) != "F");
-            return std::abs(to - from) / curve.items().units().radian;
+        return trimmedSpan(curve);
+    }
+    if (isConic(curve)) {
+        return {0.0, 2 * pi / curve.items().units().radian};
+    }
+    if (curve.is("IFCPOLYLINE")) {
+        return {0.0, static_cast<double>(curve.references(0).size()) - 1.0};
+    }
+    if (isBezier(curve)) {
+        return {0.0, static_cast<double>(bezier(curve).size() - 1) / chordsPerPiece(curve)};
+    }
+    if (isComposite(curve)) {
+        Span all{0.0, 0.0};
+        for (const std::uint64_t id : curve.references(0)) {
+            const Span segment = spanOf(curve.items().at(id).child(2));
+            all.to += segment.high() - segment.low();
         }
-        if (basis.is("IFCLINE")) {
-            return length(path.back() - path.front()) / length(Line(basis).unit);
+        return all;
+    }
+    curve.fail("it can't be trimmed");
+}
+
+Loop partOf(const Item& curve, double from, double to);
+
+Loop trimmed(const Item& curve) {
+    const Item basis = curve.child(0);
+    if (basis.is("IFCLINE")) {
+        const Line line(basis);
+        const Trim first(curve, 1);
+        const Trim second(curve, 2);
+        return {first.point ? *first.point : line(*first.number), second.point ? *second.point : line(*second.number)};
+    }
+    const Span span = trimmedSpan(curve);
+    if (isConic(basis)) {
+        const double radian = curve.items().units().radian;
+        return Conic(basis).arc(span.from * radian, span.to * radian);
+    }
+    Loop path = partOf(basis, span.low(), span.high());
+    if (span.backwards()) {
+        std::reverse(path.begin(), path.end());
+    }
+    return path;
+}
+
+/** What two trims leave of a curve; an arc may be meant a turn further on, or back. */
+Loop trimmedPart(const Item& curve, double from, double to) {
+    const Item basis = curve.child(0);
+    const Span span = trimmedSpan(curve);
+    const double turn = isConic(basis) ? 2 * pi / curve.items().units().radian : 0.0;
+    for (const double shift : {0.0, turn, -turn}) {
+        const double low = std::max(from + shift, span.low());
+        const double high = std::min(to + shift, span.high());
+        if (high - low > noPart) {
+            Loop part = partOf(basis, low, high);
+            if (span.backwards()) {
+                std::reverse(part.begin(), part.end());
+            }
+            return part;
         }
     }
-    return static_cast<double>(path.size() - 1);
+    return {};
 }
 
 /** Segments follow each other; each takes as much of the parameter as its own curve does. */
@@ -268,25 +307,52 @@ Loop compositePart(const Item& curve, double from, double to) {
     for (const std::uint64_t id : curve.references(0)) {
         const Item segment = curve.items().at(id);
         const Item parent = segment.child(2);
-        Loop part = Curves::path(parent);
-        if (part.size() < 2) {
-            continue;
-        }
-        const double size = parameterLength(parent, part);
-        if (segment.word(1) == "F") {
-            std::reverse(part.begin(), part.end());
-        }
-        const double perChord = static_cast<double>(part.size() - 1) / size;
-        const double low = std::max(from - before, 0.0) * perChord;
-        const double high = std::min(to - before, size) * perChord;
-        if (low < high) {
-            for (const Vector& p : polylinePart(part, low, high)) {
-                appendDistinct(path, p, sameEnd);
+        const Span span = spanOf(parent);
+        const double size = span.high() - span.low();
+        const bool reversed = segment.word(1) == "F";
+        const double first = std::max(from - before, 0.0);
+        const double last = std::min(to - before, size);
+        if (last - first > noPart) {
+            const bool downwards = reversed != span.backwards();
+            const double low = downwards ? span.high() - last : span.low() + first;
+            Loop part = partOf(parent, low, low + (last - first));
+            if (reversed) {
+                std::reverse(part.begin(), part.end());
+            }
+            for (const Vector& p : part) {
+                appendDistinct(path, p, &p == &part.front() ? sameEnd : samePoint);
             }
         }
         before += size;
     }
     return path;
+}
+
+/** The part of a curve between two parameters, in the curve's own direction; no points where there is none. */
+Loop partOf(const Item& curve, double from, double to) {
+    const Work::Level level(curve.items().work());
+    if (isConic(curve)) {
+        const double radian = curve.items().units().radian;
+        return Conic(curve).arc(from * radian, to * radian);
+    }
+    if (curve.is("IFCLINE")) {
+        const Line line(curve);
+        return {line(from), line(to)};
+    }
+    if (curve.is("IFCPOLYLINE")) {
+        return polylinePart(cornersOf(curve), from, to);
+    }
+    if (isBezier(curve)) {
+        const double chords = chordsPerPiece(curve);
+        return polylinePart(bezier(curve), from * chords, to * chords);
+    }
+    if (curve.is("IFCTRIMMEDCURVE")) {
+        return trimmedPart(curve, from, to);
+    }
+    if (isComposite(curve)) {
+        return compositePart(curve, from, to);
+    }
+    curve.fail("it can't be trimmed");
 }
 
 } // namespace
@@ -324,9 +390,9 @@ Loop Curves::path(const Item& curve) {
         points = Conic(curve).arc(0.0, 2 * pi);
     } else if (curve.is("IFCTRIMMEDCURVE")) {
         points = trimmed(curve);
-    } else if (curve.is("IFCCOMPOSITECURVE") || curve.is("IFC2DCOMPOSITECURVE")) {
+    } else if (isComposite(curve)) {
         points = composite(curve);
-    } else if (curve.is("IFCBEZIERCURVE") || curve.is("IFCRATIONALBEZIERCURVE")) {
+    } else if (isBezier(curve)) {
         points = bezier(curve);
     } else if (curve.is("IFCOFFSETCURVE2D")) {
         points = offset(path(curve.child(0)), curve.length(1));
@@ -337,26 +403,29 @@ Loop Curves::path(const Item& curve) {
     return points;
 }
 
-Loop Curves::path(const Item& curve, double from, double to) {
+Loop Curves::path(const Item& curve, std::optional<double> from, std::optional<double> to) {
     // From 0 to 1 is what many programs write for a whole chain, however many segments it has.
-    const bool whole = (from == 0.0 && to == 1.0) || !(from < to);
-    if (isConic(curve)) {
+    if (isComposite(curve) && from.value_or(0.0) == 0.0 && to.value_or(1.0) == 1.0) {
+        return path(curve);
+    }
+    if (!from || !to) {
+        if (!from && !to) {
+            return path(curve);
+        }
+        const Span all = spanOf(curve);
+        from = from.value_or(all.low());
+        to = to.value_or(all.high());
+    }
+    if (isConic(curve) && *from >= *to) {
         const double radian = curve.items().units().radian;
-        return Conic(curve).arc(from * radian, from == to ? from * radian + 2 * pi : to * radian);
+        return Conic(curve).arc(*from * radian, *from == *to ? *from * radian + 2 * pi : *to * radian);
     }
-    if (curve.is("IFCLINE")) {
-        const Line line(curve);
-        return {line(from), line(to)};
+    Loop points = *from < *to ? partOf(curve, *from, *to) : Loop{};
+    if (points.size() < 2) {
+        curve.fail("nothing of it lies between its trims");
     }
-    if (!whole && curve.is("IFCPOLYLINE")) {
-        return polylinePart(polyline(curve), from, to);
-    }
-    if (!whole && (curve.is("IFCCOMPOSITECURVE") || curve.is("IFC2DCOMPOSITECURVE"))) {
-        const Work::Level level(curve.items().work());
-        Loop part = compositePart(curve, from, to);
-        return part.size() > 1 ? part : path(curve);
-    }
-    return path(curve);
+    curve.items().work().add(points.size());
+    return points;
 }
 
 Loop Curves::loop(const Item& curve) {

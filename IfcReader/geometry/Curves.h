@@ -7,6 +7,8 @@
 #include "geometry/Body.h"
 #include "geometry/Item.h"
 
+#include <optional>
+
 namespace IfcReader {
 
 /**
@@ -18,8 +20,12 @@ public:
     /** All points in the curve's own direction, both ends included: a closed curve ends where it began. */
     static Loop path(const Item& curve);
 
-    /** The part of a curve between two parameters, counted as the file does. */
-    static Loop path(const Item& curve, double from, double to);
+    /**
+     * The part of a curve between two parameters, counted as the file does: a polyline by its corners, a Bezier curve by
+     * its pieces, a trimmed curve as the one that it is part of, a composite one by all of its segments. An end that is
+     * not given is the curve's own.
+     */
+    static Loop path(const Item& curve, std::optional<double> from, std::optional<double> to);
 
     /** The points of a closed curve, the first one not repeated; at least three. */
     static Loop loop(const Item& curve);

@@ -37,11 +37,10 @@ Body revolved(const Item& item) {
     return revolution(areas, axis.origin, axis.z, angle, item.items().work());
 }
 
-/** The path of a solid that is swept along a curve, whose ends stand in two arguments. */
+/** The path of a solid that is swept along a curve, the ends of which may stand in two arguments. */
 Loop directrix(const Item& item, std::size_t curve, std::size_t start) {
-    Loop path = item.given(start) && item.given(start + 1)
-                    ? Curves::path(item.child(curve), item.number(start), item.number(start + 1))
-                    : Curves::path(item.child(curve));
+    const auto end = [&](std::size_t i) { return item.given(i) ? std::optional(item.number(i)) : std::nullopt; };
+    Loop path = Curves::path(item.child(curve), end(start), end(start + 1));
     path.erase(std::unique(path.begin(), path.end()), path.end());
     if (path.size() < 2) {
         item.fail("its path has no length");
