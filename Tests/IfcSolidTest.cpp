@@ -329,6 +329,16 @@ TEST_P(IfcSolidTest, halfSpaces) {
          {0, 0, 0},
          {1, 1, 0.6},
          flat},
+        {"a wedge of two half-spaces",
+         combination("DIFFERENCE", "#111=IFCCSGSOLID(#118);\n#118=IFCBOOLEANRESULT(.INTERSECTION.,#119,#120);\n"
+                                   "#119=IFCHALFSPACESOLID(#112,.F.);\n#120=IFCHALFSPACESOLID(#121,.T.);\n"
+                                   "#121=IFCPLANE(#122);\n#122=IFCAXIS2PLACEMENT3D(#123,#15,#16);\n"
+                                   "#123=IFCCARTESIANPOINT(({0.25},{9},{9}));\n" +
+                                       plane),
+         0.9,
+         {0, 0, 0},
+         {1, 1, 1},
+         flat},
         {"within a polygon",
          combination("DIFFERENCE", "#111=IFCPOLYGONALBOUNDEDHALFSPACE(#112,.F.,#11,#118);\n" + plane +
                                        "#118=IFCPOLYLINE((#12,#119,#120,#12));\n#119=IFCCARTESIANPOINT(({1},{0}));\n"
@@ -376,6 +386,11 @@ TEST_P(IfcSolidTest, halfSpaces) {
          {0, 0, 0},
          {1, 1, 1}}};
     expectAll(cases);
+    const ShapeModel united(
+        ifcText(combination("UNION", "#111=IFCHALFSPACESOLID(#112,.T.);\n" + plane) + productOf100, GetParam()));
+    const Shape uncut = united.builder.build(30);
+    EXPECT_EQ(uncut.doubts, std::vector<std::string>{"IFCHALFSPACESOLID: nothing bounds it"});
+    EXPECT_NEAR(ShapeNumbers(uncut).volume, 1.0, flat);
 }
 
 /** The six sides of a box as polyloops; those whose bit is set in @p turned are turned inwards. */

@@ -115,14 +115,14 @@ void ItemBuilder::appendMapped(const Item& item) {
 }
 
 /** The body of an item; its own number is the first of the body's items. */
-Body ItemBuilder::body(const Item& item) {
+Body ItemBuilder::body(const Item& item, const Box* reach) {
     const Work::Level level(items_.work());
-    Body result = solidBody(item);
+    Body result = solidBody(item, reach);
     result.items.insert(result.items.begin(), item.id());
     return result;
 }
 
-Body ItemBuilder::solidBody(const Item& item) {
+Body ItemBuilder::solidBody(const Item& item, const Box* reach) {
     if (isSweptSolid(item)) {
         return sweptSolidOf(item);
     }
@@ -134,10 +134,16 @@ Body ItemBuilder::solidBody(const Item& item) {
         return brep;
     }
     if (item.is("IFCBOOLEANRESULT") || item.is("IFCBOOLEANCLIPPINGRESULT")) {
-        return combined(item);
+        return combined(item, reach);
     }
     if (item.is("IFCCSGSOLID")) {
-        return body(item.child(0));
+        return body(item.child(0), reach);
+    }
+    if (isHalfSpace(item)) {
+        if (reach == nullptr) {
+            item.fail("nothing bounds it");
+        }
+        return halfSpaceOf(item, *reach);
     }
     if (!isPrimitive(item)) {
         item.fail("no shape that is known");
@@ -145,25 +151,25 @@ Body ItemBuilder::solidBody(const Item& item) {
     return primitiveOf(item);
 }
 
-Body ItemBuilder::secondOperand(const Item& item, const Body& first) {
-    if (!isHalfSpace(item)) {
-        return body(item);
-    }
-    Box reach;
-    reach.add(first);
-    return reach.empty() ? Body() : halfSpaceOf(item, reach);
-}
-
-Body ItemBuilder::combined(const Item& item) {
+/** What an operation makes of two items, as far as @p reach, which is null where all of it is wanted. */
+Body ItemBuilder::combined(const Item& item, const Box* reach) {
     const Operation operation = operationOf(item);
     Item firstItem = item.child(1);
     Item secondItem = item.child(2);
     if (isHalfSpace(firstItem) && operation == Operation::intersect) {
         std::swap(firstItem, secondItem);
     }
-    Body first = body(firstItem);
+    Body first = body(firstItem, reach);
+    if (first.faces.empty() && operation != Operation::unite) {
+        return first;
+    }
+    Box box;
+    box.add(first);
+    if (reach == nullptr && operation != Operation::unite) {
+        reach = &box; // no more of the second one matters
+    }
     try {
-        const Body second = secondOperand(secondItem, first);
+        const Body second = body(secondItem, reach);
         CutResult result = combine(operation, first, second, items_.work());
         if (first.solid && !result.closed) {
             addDoubt(std::string(item.keyword()) + ": what is left isn't closed");

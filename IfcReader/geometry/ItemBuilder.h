@@ -37,10 +37,9 @@ public:
 private:
     void appendItem(const Item& item);
     void appendMapped(const Item& item);
-    Body body(const Item& item);
-    Body solidBody(const Item& item);
-    Body combined(const Item& item);
-    Body secondOperand(const Item& item, const Body& first);
+    Body body(const Item& item, const Box* reach = nullptr);
+    Body solidBody(const Item& item, const Box* reach);
+    Body combined(const Item& item, const Box* reach);
 
     const Items& items_;
     MappedShapes& mapped_;
