@@ -240,6 +240,54 @@ TEST_P(IfcProfileTest, arbitrary) {
     }
 }
 
+/** Squares whose corners (low, low) and (high, high) are given, as polylines with numbers from @p id on. */
+std::string squares(int id, std::initializer_list<std::pair<const char*, const char*>> list) {
+    std::string text;
+    for (const auto& [low, high] : list) {
+        const std::string first = '#' + std::to_string(id);
+        text += first + "=IFCPOLYLINE((";
+        for (int i = 1; i <= 4; ++i) {
+            text += '#' + std::to_string(id + i) + ',';
+        }
+        text += '#' + std::to_string(id + 1) + "));\n";
+        for (int i = 1; i <= 4; ++i) {
+            text += '#' + std::to_string(id + i) + "=IFCCARTESIANPOINT(({" + (i == 1 || i == 4 ? low : high) + "},{" +
+                    (i < 3 ? low : high) + "}));\n";
+        }
+        id += 10;
+    }
+    return text;
+}
+
+TEST_P(IfcProfileTest, loopsThatMeet) {
+    const std::string voids = "#101=IFCARBITRARYPROFILEDEFWITHVOIDS(.AREA.,$,#200,(#210,#220));\n";
+    const std::string composite = "#101=IFCCOMPOSITEPROFILEDEF(.AREA.,$,(#102,#103),$);\n"
+                                  "#102=IFCRECTANGLEPROFILEDEF(.AREA.,$,#13,{2},{2});\n";
+    const ProfileCase cases[] = {
+        {"voids that overlap", voids + squares(200, {{"0", "10"}, {"1", "3"}, {"2", "4"}}), 93, {0, 0}, {10, 10}},
+        {"the same void twice", voids + squares(200, {{"0", "10"}, {"1", "3"}, {"1", "3"}}), 96, {0, 0}, {10, 10}},
+        {"voids that leave the outline, one wholly",
+         voids + squares(200, {{"0", "10"}, {"9", "12"}, {"20", "21"}}),
+         99,
+         {0, 0},
+         {10, 10}},
+        {"voids that touch the outline and each other",
+         voids + squares(200, {{"0", "10"}, {"0", "2"}, {"2", "3"}}),
+         95,
+         {0, 0},
+         {10, 10}},
+        {"parts that overlap", composite + "#103=IFCRECTANGLEPROFILEDEF(.AREA.,$,#13,{1},{4});\n", 6, {-1, -2}, {1, 2}},
+        {"parts with sides in one line that overlap",
+         composite + "#103=IFCRECTANGLEPROFILEDEF(.AREA.,$,#104,{2},{2});\n#104=IFCAXIS2PLACEMENT2D(#105,$);\n"
+                     "#105=IFCCARTESIANPOINT(({1},{0}));\n",
+         6,
+         {-1, -1},
+         {2, 1}}};
+    for (const ProfileCase& test : cases) {
+        expectProfile(test, GetParam());
+    }
+}
+
 TEST_P(IfcProfileTest, curves) {
     const std::string closed = "#101=IFCARBITRARYCLOSEDPROFILEDEF(.AREA.,$,#102);\n#102=IFCCOMPOSITECURVE((#103,#104,"
                                "#105,#106),.F.);\n";
@@ -319,6 +367,23 @@ TEST_P(IfcProfileTest, curves) {
 
 INSTANTIATE_TEST_SUITE_P(Units, IfcProfileTest, testing::Values(metres, millimetres, feet),
                          [](const auto& test) { return std::string(test.param.name); });
+
+/** What the area is can't be told: the body is there, but for its volume. */
+TEST(IfcProfileDoubtTest, crossed) {
+    const char* const items[] = {
+        "#100=IFCEXTRUDEDAREASOLID(#101,#11,#14,{3});\n#101=IFCARBITRARYCLOSEDPROFILEDEF(.AREA.,$,#102);\n"
+        "#102=IFCPOLYLINE((#200,#201,#202,#203,#200));\n",
+        "#100=IFCREVOLVEDAREASOLID(#101,#11,#102,[360]);\n#101=IFCRECTANGLEPROFILEDEF(.AREA.,$,#13,{1},{1});\n"
+        "#102=IFCAXIS1PLACEMENT(#10,#16);\n"};
+    for (const char* const item : items) {
+        const ShapeModel model(ifcText(item + points({{"0", "0"}, {"2", "2"}, {"2", "0"}, {"0", "4"}}) + productOf100));
+        const Shape shape = model.builder.build(30);
+        ASSERT_EQ(shape.parts.size(), 1u);
+        EXPECT_FALSE(shape.parts[0].closed);
+        ASSERT_EQ(shape.doubts.size(), 1u);
+        EXPECT_NE(shape.doubts[0].find(": its profile crosses "), std::string::npos) << shape.doubts[0];
+    }
+}
 
 /** Profiles that can't be: each gives one doubt that names the kind, and no part. */
 TEST(IfcProfileDoubtTest, wrongSizes) {

@@ -124,7 +124,11 @@ Body ItemBuilder::body(const Item& item, const Box* reach) {
 
 Body ItemBuilder::solidBody(const Item& item, const Box* reach) {
     if (isSweptSolid(item)) {
-        return sweptSolidOf(item);
+        SweptSolid swept = sweptSolidOf(item);
+        if (!swept.doubt.empty()) {
+            addDoubt(std::string(item.keyword()) + ": " + swept.doubt);
+        }
+        return std::move(swept.body);
     }
     if (item.is("IFCFACETEDBREP") || item.is("IFCFACETEDBREPWITHVOIDS")) {
         Body brep = brepOf(item);

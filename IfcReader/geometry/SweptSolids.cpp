@@ -1,6 +1,8 @@
 #include "geometry/SweptSolids.h"
 
 #include "geometry/Curves.h"
+#include "geometry/Cutting.h"
+#include "geometry/Overlaps.h"
 #include "geometry/Placements.h"
 #include "geometry/Profiles.h"
 #include "geometry/Surfaces.h"
@@ -12,29 +14,97 @@ namespace IfcReader {
 
 namespace {
 
-Body extruded(const Item& item) {
+constexpr const char* crossesItself = "its profile crosses itself";
+
+SweptSolid doubtful(Body&& body, const char* doubt) {
+    body.solid = false;
+    return {std::move(body), doubt};
+}
+
+/** Outline by outline and hole by hole, each swept alone. */
+template <typename Sweep>
+SweptSolid sweptApart(const std::vector<Face>& areas, Work& work, Sweep sweep) {
+    Body whole;
+    bool closed = true;
+    const auto take = [&](Operation operation, Body& body, const Body& other) {
+        CutResult result = combine(operation, body, other, work);
+        closed = closed && result.closed;
+        body = std::move(result.body);
+    };
+    for (const Face& area : areas) {
+        Body body = sweep({{area.outer, {}}});
+        for (const Loop& hole : area.holes) {
+            take(Operation::difference, body, sweep({{Loop(hole.rbegin(), hole.rend()), {}}}));
+        }
+        if (whole.faces.empty()) {
+            whole = std::move(body);
+        } else {
+            take(Operation::unite, whole, body);
+        }
+    }
+    return closed ? SweptSolid{std::move(whole), {}}
+                  : doubtful(std::move(whole), "its profile overlaps itself so that it can't be told what is left");
+}
+
+/** The body that @p sweep makes of the areas of a profile, whether or not they overlap. */
+template <typename Sweep>
+SweptSolid sweptProfile(const Item& profile, Sweep sweep) {
+    Work& work = profile.items().work();
+    const std::vector<Face> areas = profileAreas(profile);
+    if (!overlap(areas, work)) {
+        return {sweep(areas), {}};
+    }
+    bool loopsCross = false;
+    for (const Face& area : areas) {
+        loopsCross = loopsCross || overlap({{area.outer, {}}}, work);
+        for (const Loop& hole : area.holes) {
+            loopsCross = loopsCross || overlap({{Loop(hole.rbegin(), hole.rend()), {}}}, work);
+        }
+    }
+    return loopsCross ? doubtful(sweep(areas), crossesItself) : sweptApart(areas, work, sweep);
+}
+
+SweptSolid extruded(const Item& item) {
     const Item profile = item.child(0);
     const Vector along = directionOf(item.child(2)) * item.length(3);
     if (length(along) == 0.0) {
         item.fail("its depth is 0");
     }
     if (profile.is("IFCARBITRARYOPENPROFILEDEF")) {
-        return strip(profilePath(profile), along);
+        return {strip(profilePath(profile), along), {}};
     }
     if (std::abs(along.z) < 1e-9 * length(along)) {
         item.fail("it is extruded within its own plane");
     }
-    return prism(profileAreas(profile), along);
+    return sweptProfile(profile, [&](const std::vector<Face>& areas) { return prism(areas, along); });
 }
 
-Body revolved(const Item& item) {
+/** Whether a profile lies on both sides of an axis in its plane, by more than its corners may be off. */
+bool crosses(const Affine& axis, const std::vector<Face>& areas) {
+    const Vector across = cross(axis.z, {0, 0, 1});
+    double low = 0.0;
+    double high = 0.0;
+    for (const Face& area : areas) {
+        for (const Vector& p : area.outer) {
+            low = std::min(low, dot(p - axis.origin, across));
+            high = std::max(high, dot(p - axis.origin, across));
+        }
+    }
+    return std::min(-low, high) > 1e-3 * (high - low);
+}
+
+SweptSolid revolved(const Item& item) {
     const Affine axis = placementOf(item.child(2));
     const double angle = item.angle(3);
     if (angle == 0.0) {
         item.fail("its angle is 0");
     }
-    const std::vector<Face> areas = profileAreas(item.child(0));
-    return revolution(areas, axis.origin, axis.z, angle, item.items().work());
+    bool crossesAxis = false;
+    SweptSolid result = sweptProfile(item.child(0), [&](const std::vector<Face>& areas) {
+        crossesAxis = crossesAxis || crosses(axis, areas);
+        return revolution(areas, axis.origin, axis.z, angle, item.items().work());
+    });
+    return crossesAxis ? doubtful(std::move(result.body), "its profile crosses the axis") : std::move(result);
 }
 
 /** The path of a solid that is swept along a curve, the ends of which may stand in two arguments. */
@@ -48,7 +118,7 @@ Loop directrix(const Item& item, std::size_t curve, std::size_t start) {
     return path;
 }
 
-Body sweptDisk(const Item& item) {
+SweptSolid sweptDisk(const Item& item) {
     const Loop path = directrix(item, 0, 3);
     const double radius = item.positiveLength(1);
     Face ring{Curves::ellipse(radius, radius), {}};
@@ -60,7 +130,7 @@ Body sweptDisk(const Item& item) {
         const Loop hole = Curves::ellipse(inner, inner);
         ring.holes.emplace_back(hole.rbegin(), hole.rend());
     }
-    return alongPath({ring}, BentPath(path), item.items().work());
+    return {alongPath({ring}, BentPath(path), item.items().work()), {}};
 }
 
 /** Where a section stands in the plane that halves a bend; it is stretched across the bend. */
@@ -81,23 +151,28 @@ Affine sectionPlace(const BentPath& path, std::size_t i, const Vector& normal) {
 }
 
 /** The profile's x axis is the normal of the surface, its z axis the direction of the curve. */
-Body sweptOnSurface(const Item& item) {
+SweptSolid sweptOnSurface(const Item& item) {
     const BentPath bent(directrix(item, 2, 3));
     const Item surface = item.child(5);
-    const std::vector<Face> areas = profileAreas(item.child(0));
-    item.items().work().add(countPoints(areas) * bent.size() * Work::kept);
-    std::vector<std::vector<Face>> sections;
+    std::vector<Affine> places;
     for (std::size_t i = 0; i + (bent.closed() ? 1 : 0) < bent.size(); ++i) {
         const Affine place = sectionPlace(bent, i, surfaceNormal(surface, bent[i]));
         if (!(length(place.x) > 0.5)) {
             item.fail("its path leaves the surface");
         }
-        sections.push_back(areas);
-        for (Face& face : sections.back()) {
-            transform(face, place);
-        }
+        places.push_back(place);
     }
-    return loft(sections, bent.closed());
+    return sweptProfile(item.child(0), [&](const std::vector<Face>& areas) {
+        item.items().work().add(countPoints(areas) * bent.size() * Work::kept);
+        std::vector<std::vector<Face>> sections;
+        for (const Affine& place : places) {
+            sections.push_back(areas);
+            for (Face& face : sections.back()) {
+                transform(face, place);
+            }
+        }
+        return loft(sections, bent.closed());
+    });
 }
 
 bool haveSameCorners(const std::vector<Face>& a, const std::vector<Face>& b) {
@@ -109,15 +184,17 @@ bool haveSameCorners(const std::vector<Face>& a, const std::vector<Face>& b) {
 }
 
 /** Sections at places of their own, each joined to the next by straight lines. */
-Body sectionedSpine(const Item& item) {
+SweptSolid sectionedSpine(const Item& item) {
     const std::vector<std::uint64_t> profiles = item.references(1);
     const std::vector<std::uint64_t> places = item.references(2);
     if (profiles.size() < 2 || profiles.size() != places.size()) {
         item.fail("its sections and places don't match");
     }
+    bool overlaps = false;
     std::vector<std::vector<Face>> sections;
     for (std::size_t i = 0; i < profiles.size(); ++i) {
         std::vector<Face> areas = profileAreas(item.items().at(profiles[i]));
+        overlaps = overlaps || overlap(areas, item.items().work());
         const Affine place = placementOf(item.items().at(places[i]));
         for (Face& area : areas) {
             transform(area, place);
@@ -127,7 +204,8 @@ Body sectionedSpine(const Item& item) {
             item.fail("its sections have different numbers of corners");
         }
     }
-    return loft(sections, false);
+    Body body = loft(sections, false);
+    return overlaps ? doubtful(std::move(body), crossesItself) : SweptSolid{std::move(body), {}};
 }
 
 } // namespace
@@ -137,22 +215,24 @@ bool isSweptSolid(const Item& item) {
            item.is("IFCSURFACECURVESWEPTAREASOLID") || item.is("IFCSECTIONEDSPINE");
 }
 
-Body sweptSolidOf(const Item& item) {
-    Body body;
+SweptSolid sweptSolidOf(const Item& item) {
+    SweptSolid swept;
+    bool placed = true;
     if (item.is("IFCEXTRUDEDAREASOLID")) {
-        body = extruded(item);
+        swept = extruded(item);
     } else if (item.is("IFCREVOLVEDAREASOLID")) {
-        body = revolved(item);
+        swept = revolved(item);
     } else if (item.is("IFCSURFACECURVESWEPTAREASOLID")) {
-        body = sweptOnSurface(item);
+        swept = sweptOnSurface(item);
     } else {
-        body = item.is("IFCSWEPTDISKSOLID") ? sweptDisk(item) : sectionedSpine(item);
-        item.items().work().add(countPoints(body.faces));
-        return body; // they have no placement of their own
+        swept = item.is("IFCSWEPTDISKSOLID") ? sweptDisk(item) : sectionedSpine(item);
+        placed = false; // they have no placement of their own
     }
-    item.items().work().add(countPoints(body.faces));
-    transform(body, placementIf(item, 1));
-    return body;
+    item.items().work().add(countPoints(swept.body.faces));
+    if (placed) {
+        transform(swept.body, placementIf(item, 1));
+    }
+    return swept;
 }
 
 } // namespace IfcReader
