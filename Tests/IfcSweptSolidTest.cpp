@@ -67,6 +67,8 @@ TEST_P(IfcSweptSolidTest, partsOfPaths) {
 }
 
 TEST_P(IfcSweptSolidTest, swept) {
+    const std::string overlapping =
+        "#101=IFCCOMPOSITEPROFILEDEF(.AREA.,$,(#102,#103),$);\n" + rectangle(102, "2", "2") + rectangle(103, "1", "4");
     const SolidCase cases[] = {
         {"slanted extrusion",
          rectangle(101, "0.4", "0.6") +
@@ -100,6 +102,18 @@ TEST_P(IfcSweptSolidTest, swept) {
          0.016 * pi,
          {-0.3, -0.2, -0.2},
          {0.1, 0.2, 0.2}},
+        {"quarter of a revolution of areas that overlap",
+         overlapping + "#100=IFCREVOLVEDAREASOLID(#101,#11,#104,[90]);\n#104=IFCAXIS1PLACEMENT(#105,#16);\n"
+                       "#105=IFCCARTESIANPOINT(({5},{0},{0}));\n",
+         15 * pi,
+         {-1, -2, 0},
+         {5, 2, 6}},
+        {"areas that overlap, along a circle",
+         overlapping + "#100=IFCSURFACECURVESWEPTAREASOLID(#101,#11,#104,[0],[90],#105);\n"
+                       "#104=IFCCIRCLE(#11,{5});\n#105=IFCPLANE(#11);\n",
+         15 * pi,
+         {0, 0, -1},
+         {7, 7, 1}},
         {"pipe",
          "#100=IFCSWEPTDISKSOLID(#101,{0.1},{0.05},0.,1.);\n#101=IFCPOLYLINE((#102,#103));\n"
          "#102=IFCCARTESIANPOINT(({0},{0},{0}));\n#103=IFCCARTESIANPOINT(({2},{0},{0}));\n",
