@@ -32,7 +32,12 @@ TEST_P(IfcSweptSolidTest, partsOfPaths) {
                                     "#111=IFCTRIMMEDCURVE(#112,(#113),(#104),.F.,.CARTESIAN.);\n"
                                     "#112=IFCLINE(#104,#107);\n#113=IFCCARTESIANPOINT(({6},{0},{0}))";
     const SolidCase cases[] = {
-        {"an edge", disk("0.,1.", "IFCPOLYLINE((#10,#102,#103))") + corner, 0.01 * pi, {0, -0.1, -0.1}, {1, 0.1, 0.1}},
+        {"an edge", disk("1.,2.", "IFCPOLYLINE((#10,#102,#103))") + corner, 0.01 * pi, {0.9, 0, -0.1}, {1.1, 1, 0.1}},
+        {"all edges",
+         disk("0.,1.", "IFCPOLYLINE((#10,#102,#103))") + corner,
+         0.02 * pi,
+         {0, -0.1, -0.1},
+         {1.1, 1, 0.1}},
         {"from a corner on, though one corner is there twice",
          disk("2.,$", "IFCPOLYLINE((#10,#10,#102,#103))") + corner,
          0.01 * pi,

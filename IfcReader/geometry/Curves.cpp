@@ -405,7 +405,8 @@ Loop Curves::path(const Item& curve) {
 
 Loop Curves::path(const Item& curve, std::optional<double> from, std::optional<double> to) {
     // From 0 to 1 is what many programs write for a whole chain, however many segments it has.
-    if (isComposite(curve) && from.value_or(0.0) == 0.0 && to.value_or(1.0) == 1.0) {
+    const bool isChain = isComposite(curve) || curve.is("IFCPOLYLINE");
+    if (isChain && from.value_or(0.0) == 0.0 && to.value_or(1.0) == 1.0) {
         return path(curve);
     }
     if (!from || !to) {

@@ -23,7 +23,7 @@ public:
     /**
      * The part of a curve between two parameters, counted as the file does: a polyline by its corners, a Bezier curve
      * by its pieces, a trimmed curve as the one that it is part of, a composite one by all of its segments. An end that
-     * is not given is the curve's own.
+     * is not given is the curve's own; from 0 to 1 a chain of segments is taken whole.
      */
     static Loop path(const Item& curve, std::optional<double> from, std::optional<double> to);
 
