@@ -78,6 +78,7 @@ TEST(StepFileTest, damagedFilesAreRefusedInOneLine) {
         {begin + end + "#1=A();", "follows the end"},
         {begin + "#1=A((1);\n#2=B();" + end, "not closed (line 6)"},
         {begin + "\n\n#1=A(1));" + end, "no semicolon behind #1 (line 8)"},
+        {begin + "\r/*\r\n*/\n\r#1=A(1));" + end, "no semicolon behind #1 (line 10)"},
         {begin + "#1=A(1)#2=B();" + end, "no semicolon behind #1"},
         {begin + "#1A();" + end, "no = behind #1"},
         {begin + "#1=A(\"0,#2\");" + end, "a binary value that is none"},

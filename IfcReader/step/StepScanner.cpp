@@ -60,7 +60,10 @@ StepScanner::StepScanner(StepFile& file, const StepFile::Progress& progress)
 }
 
 void StepScanner::failAt(std::size_t place, const std::string& what) const {
-    const auto line = 1 + std::count(text_, text_ + place, '\n');
+    std::size_t line = 1;
+    for (std::size_t i = 0; i < place; ++i) { // lines end with a line feed, a carriage return, or both
+        line += text_[i] == '\n' || (text_[i] == '\r' && at(i + 1) != '\n') ? 1U : 0U;
+    }
     throw IfcError("the file is damaged: " + what + " (line " + std::to_string(line) + ")");
 }
 
@@ -87,7 +90,8 @@ void StepScanner::blankComment() {
         failTruncated();
     }
     for (; place_ < end + 2; ++place_) {
-        text_[place_] = text_[place_] == '\n' ? '\n' : ' ';
+        const bool isBreak = text_[place_] == '\n' || text_[place_] == '\r';
+        text_[place_] = isBreak ? text_[place_] : ' ';
     }
 }
 
