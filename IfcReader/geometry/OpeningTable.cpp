@@ -3,7 +3,7 @@
 namespace IfcReader {
 
 OpeningTable::OpeningTable(const StepFile& file) {
-    file.forEachOf({"IFCRELVOIDSELEMENT", "IFCRELAGGREGATES"}, [&](const StepInstance& instance) {
+    file.forEachOf({"IFCRELVOIDSELEMENT", "IFCRELAGGREGATES", "IFCRELNESTS"}, [&](const StepInstance& instance) {
         StepArguments arguments(instance.arguments);
         const auto whole = stepReference(arguments.nextAfter(4));
         if (!whole) {
