@@ -12,6 +12,8 @@
 #include "properties/PropertySets.h"
 #include "step/StepFile.h"
 
+#include <cmath>
+
 namespace IfcReader {
 
 namespace {
@@ -23,6 +25,7 @@ constexpr double readingShare = 0.3;
 constexpr std::uint64_t maxWork = 5'000'000'000;
 
 constexpr std::size_t nameArgument = 2;
+constexpr std::size_t placementArgument = 5;
 constexpr std::size_t shapeArgument = 6;
 constexpr std::size_t tagArgument = 7;
 constexpr std::size_t elevationArgument = 9;
@@ -60,6 +63,7 @@ struct Model::Parts {
           shapes(file, units),
           budget(file.textSize()) {
         checkPlacements(file, tree);
+        checkReach();
     }
 
     /** Other schemas have other classes and arguments. */
@@ -71,6 +75,7 @@ struct Model::Parts {
         return file;
     }
 
+    void checkReach() const;
     Place place(std::size_t index) const;
     void describe(Product& product, const StepInstance& instance) const;
     MaterialUse materialsOf(std::uint64_t product) const;
@@ -86,6 +91,24 @@ struct Model::Parts {
     ShapeBuilder shapes;
     mutable OutputBudget budget; ///< spent by whichever thread asks
 };
+
+/** One product that stands too far away is a mistake of its own; when all do, it is the model's unit of length. */
+void Model::Parts::checkReach() const {
+    std::size_t shaped = 0;
+    std::size_t farAway = 0;
+    for (const TreeNode& node : tree) {
+        StepArguments arguments(file[node.instance].arguments);
+        const auto placement = stepReference(arguments.nextAfter(placementArgument));
+        if (node.isShown && stepReference(arguments.nextAfter(0))) {
+            ++shaped;
+            farAway += placement && shapes.isFarAway(*placement) ? 1 : 0;
+        }
+    }
+    if (shaped > 0 && farAway == shaped) {
+        throw IfcError(std::string("the model is refused: all of its products stand ") + beyondReach +
+                       ", which a missing unit of length may be the reason of");
+    }
+}
 
 Place Model::Parts::place(std::size_t index) const {
     const StepInstance instance = file[tree[index].instance];
@@ -107,7 +130,8 @@ void Model::Parts::describe(Product& product, const StepInstance& instance) cons
     }
     if (instance.keyword == "IFCBUILDINGSTOREY") {
         const auto elevation = stepReal(argumentOf(instance, elevationArgument));
-        product.elevation = elevation ? std::optional<double>(*elevation * units.metre) : std::nullopt;
+        const double metres = elevation.value_or(0.0) * units.metre;
+        product.elevation = elevation && std::abs(metres) <= farthest ? std::optional<double>(metres) : std::nullopt;
     }
     for (const Links::Link& link : relations.types.of(instance.id)) {
         product.typeName = product.typeName ? product.typeName : textAt(*file.find(link.to), nameArgument);

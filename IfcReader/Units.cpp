@@ -47,8 +47,9 @@ double numberOf(std::string_view argument) {
     return stepReal(argument).value_or(0.0);
 }
 
+/** Within bounds in which products of a few lengths stay finite. */
 double usable(double factor) {
-    return factor > 0.0 && std::isfinite(factor) ? factor : 1.0;
+    return factor > 1e-40 && factor < 1e40 ? factor : 1.0;
 }
 
 } // namespace

@@ -86,6 +86,21 @@ TEST(IfcFacesTest, triangulationOfWhatTouchesItself) {
     EXPECT_LE(triangulate({{{0, 0, 0}, {4, 4, 0}, {4, 0, 0}, {0, 4, 0}}, {}}, up).size(), 2u);
 }
 
+TEST(IfcFacesTest, triangulationOfNumbersThatAreNoPlaces) {
+    constexpr double infinite = std::numeric_limits<double>::infinity();
+    const double numbers[] = {0.0, 1.0, 1e308, -1e308, 1e300, 1e-308, infinite, std::nan("")};
+    std::mt19937 random(4);
+    const auto any = [&] { return numbers[random() % std::size(numbers)]; };
+    for (int t = 0; t < 5000; ++t) {
+        Face face;
+        for (std::size_t i = 3 + random() % 9; i > 0; --i) {
+            face.outer.push_back({any(), any(), any()});
+        }
+        EXPECT_LE(triangulate(face, {0, 0, 1}).size(), face.outer.size() - 2);
+        EXPECT_LE(triangulate(face, {any(), any(), any()}).size(), face.outer.size() - 2);
+    }
+}
+
 TEST(IfcFacesTest, triangulationOfManyCorners) {
     std::mt19937 random(5);
     expectCovered({star(random, 20'000, 1.0, 10.0), {}}, {0, 0, 1});

@@ -341,6 +341,10 @@ TEST(IfcModelTest, damagedModelsAreRefused) {
     EXPECT_EQ(refusalOf(replaced(whole, "IFCLOCALPLACEMENT($,#6)", "IFCLOCALPLACEMENT(#11,#6)")), "")
         << "a circle of placements makes products doubtful, not the file";
     EXPECT_THROW(Model("no such file.ifc"), IfcError);
+    const std::string far = "IFCCARTESIANPOINT((3.5E12,0.,0.))";
+    EXPECT_NE(refusalOf(replaced(whole, "IFCCARTESIANPOINT((0.,0.,0.))", far)).find("missing unit"), std::string::npos);
+    const std::string near = fileOf("#70=IFCWALL('0000000000000000000070',$,'Near',$,$,#8,#56,$);");
+    EXPECT_EQ(refusalOf(replaced(near, "IFCCARTESIANPOINT((0.,0.,3000.))", far)), "") << "the others alone";
 }
 
 } // namespace

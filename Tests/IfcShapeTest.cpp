@@ -87,7 +87,7 @@ TEST(IfcShapeTest, openingsOfWholesAreCutFromTheirParts) {
                 product(30, "IFCWALL", "#17", 100) + product(33, "IFCOPENINGELEMENT", "#17", 101) +
                 product(36, "IFCMEMBER", "#17", 102) +
                 "#40=IFCELEMENTASSEMBLY('0000000000000000000040',$,$,$,$,#17,$,$,.SITE.,.NOTDEFINED.);\n" +
-                relation(41, "IFCRELAGGREGATES", "#40", "(#30)") + relation(42, "IFCRELAGGREGATES", "#30", "(#36)") +
+                relation(41, "IFCRELAGGREGATES", "#40", "(#30)") + relation(42, "IFCRELNESTS", "#30", "(#36)") +
                 relation(43, "IFCRELVOIDSELEMENT", "#40", "#33")));
     EXPECT_NEAR(ShapeNumbers(model.builder.build(30)).volume, 6 - 1, 1e-9);
     EXPECT_NEAR(ShapeNumbers(model.builder.build(36)).volume, 0.5, 1e-9);
@@ -256,6 +256,50 @@ TEST(IfcShapeTest, wrongNumbersAreDoubts) {
         ASSERT_EQ(shape.doubts.size(), 1u);
         EXPECT_EQ(shape.doubts[0].substr(0, 3), "IFC") << shape.doubts[0];
     }
+}
+
+/** What is too far away is told of and never has numbers that are no places; what else there is stays. */
+TEST(IfcShapeTest, beyondReach) {
+    const std::string corner = "#100=IFCEXTRUDEDAREASOLID(#101,#11,#14,{1});\n"
+                               "#101=IFCARBITRARYCLOSEDPROFILEDEF(.AREA.,$,#102);\n"
+                               "#102=IFCPOLYLINE((#12,#103,#104,#105,#106,#107,#12));\n"
+                               "#103=IFCCARTESIANPOINT((2.,0.));\n#104=IFCCARTESIANPOINT((2.,1.));\n"
+                               "#105=IFCCARTESIANPOINT((1.,1.));\n#106=IFCCARTESIANPOINT((1.,2.));\n"
+                               "#107=IFCCARTESIANPOINT((0.,2.));\n";
+    std::string mapped = corner + "#300=IFCSHAPEREPRESENTATION(#18,'Body','CSG',(#100));\n";
+    for (int i = 0; i < 21; ++i) { // each is the one before it, scaled: beyond all numbers at last
+        mapped += number(400 + i) + "=IFCREPRESENTATIONMAP(#11," + number(300 + i) + ");\n" + number(500 + i) +
+                  "=IFCMAPPEDITEM(" + number(400 + i) + ',' + number(600 + i) + ");\n" + number(600 + i) +
+                  "=IFCCARTESIANTRANSFORMATIONOPERATOR3D($,$,#10," + (i < 20 ? "1.E15" : "1.E8") + ",$);\n" +
+                  number(301 + i) + "=IFCSHAPEREPRESENTATION(#18,'Body','CSG',(" + number(500 + i) + "));\n";
+    }
+    std::string derived = "#100=IFCEXTRUDEDAREASOLID(#330,#11,#14,{1});\n"
+                          "#299=IFCCARTESIANTRANSFORMATIONOPERATOR2D($,$,#12,1.E15);\n"
+                          "#300=IFCRECTANGLEPROFILEDEF(.AREA.,$,#13,{1},{1});\n";
+    for (int i = 0; i < 30; ++i) {
+        derived += number(301 + i) + "=IFCDERIVEDPROFILEDEF(.AREA.,$," + number(300 + i) + ",#299,$);\n";
+    }
+    const std::string beside = "#150=IFCBLOCK(#11,{1},{2},{3});\n" + product(40, "IFCWALL", "#17", 150);
+    const std::string models[] = {mapped + product(30, "IFCWALL", "#17", 520), derived + productOf100,
+                                  "#100=IFCBLOCK(#11,{1.1e9},{1},{1});\n" + std::string(productOf100),
+                                  block + placement(50, "$", "{1e9},{0},{0}") + product(30, "IFCWALL", "#50", 100)};
+    for (const std::string& text : models) {
+        SCOPED_TRACE(text.substr(0, 120));
+        const ShapeModel model(ifcText(text + beside));
+        const Shape shape = model.builder.build(30);
+        EXPECT_TRUE(shape.parts.empty());
+        ASSERT_EQ(shape.doubts.size(), 1u);
+        EXPECT_NE(shape.doubts[0].find("farther than a million kilometres"), std::string::npos) << shape.doubts[0];
+        EXPECT_NEAR(ShapeNumbers(model.builder.build(40)).volume, 6, 1e-9);
+    }
+    // What stands too far away is built all the same, and an opening there cuts nothing.
+    const ShapeModel model(ifcText(block + placement(50, "$", "{3.5e9},{0},{0}") + beside +
+                                   product(30, "IFCWALL", "#50", 100) + product(33, "IFCOPENINGELEMENT", "#50", 100) +
+                                   relation(43, "IFCRELVOIDSELEMENT", "#40", "#33")));
+    EXPECT_EQ(model.builder.build(30).doubts.size(), 1u);
+    EXPECT_NEAR(ShapeNumbers(model.builder.build(30)).high.x, 1, 1e-9);
+    EXPECT_EQ(model.builder.build(40).doubts.size(), 1u);
+    EXPECT_NEAR(ShapeNumbers(model.builder.build(40)).volume, 6, 1e-9);
 }
 
 /** What is cut by something that can't be built stays uncut, with a doubt. */

@@ -36,6 +36,19 @@ Vector areaVector(const Face& face) {
     return sum;
 }
 
+bool isWithinReach(const Face& face, const Affine& map) {
+    bool result = true;
+    forEachLoop(face, [&](const Loop& loop) {
+        result =
+            result && std::all_of(loop.begin(), loop.end(), [&](const Vector& p) { return isWithinReach(map(p)); });
+    });
+    return result;
+}
+
+bool isWithinReach(const Body& body, const Affine& map) {
+    return std::all_of(body.faces.begin(), body.faces.end(), [&](const Face& f) { return isWithinReach(f, map); });
+}
+
 void flip(Face& face) {
     forEachLoop(face, [](Loop& loop) { std::reverse(loop.begin(), loop.end()); });
     face.plane = face.plane.flipped();

@@ -56,6 +56,10 @@ struct Box {
 Vector areaVector(const Loop& loop);
 Vector areaVector(const Face& face);
 
+/** Whether all corners, moved by a map, are within reach of the origin. */
+bool isWithinReach(const Face& face, const Affine& map = {});
+bool isWithinReach(const Body& body, const Affine& map = {});
+
 void flip(Face& face);
 void transform(Face& face, const Affine& map);
 /** A mirroring map turns the faces, so that they look outwards again. */

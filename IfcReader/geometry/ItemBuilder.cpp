@@ -45,7 +45,12 @@ void ItemBuilder::addDoubt(const std::string& doubt) {
 void ItemBuilder::append(std::uint64_t id) {
     const std::size_t before = bodies.size();
     try {
-        appendItem(items_.at(id));
+        const Item item = items_.at(id);
+        appendItem(item);
+        const auto isReached = [](const Body& part) { return isWithinReach(part); };
+        if (!std::all_of(bodies.begin() + static_cast<std::ptrdiff_t>(before), bodies.end(), isReached)) {
+            item.fail(beyondReach);
+        }
     } catch (const ItemError& error) {
         bodies.resize(before);
         addDoubt(error.what());

@@ -23,8 +23,8 @@ PointMerger::PointMerger(double distance, std::size_t expected)
 }
 
 std::int64_t PointMerger::cellOf(double value) const {
-    constexpr double farthest = 4e18;
-    const double exact = std::clamp(value * cellsPerMetre_, -farthest, farthest);
+    constexpr double highest = 4e18;
+    const double exact = std::clamp(value * cellsPerMetre_, -highest, highest);
     const auto truncated = static_cast<std::int64_t>(exact);
     return static_cast<double>(truncated) > exact ? truncated - 1 : truncated;
 }

@@ -83,6 +83,11 @@ const Affine& ProductPlacements::world(std::uint64_t id) const {
     return found->second;
 }
 
+bool ProductPlacements::isFarAway(std::uint64_t id) const {
+    const auto found = worlds_.find(id);
+    return found != worlds_.end() && !isWithinReach(found->second.origin);
+}
+
 std::vector<std::uint64_t> ProductPlacements::chainOf(std::uint64_t id, Work& work) const {
     std::vector<std::uint64_t> chain;
     if (id != 0) {

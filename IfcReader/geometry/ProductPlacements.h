@@ -24,6 +24,9 @@ public:
     /** A placement in the world. @throw ItemError when something in its chain is wrong */
     const Affine& world(std::uint64_t id) const;
 
+    /** Whether a placement is beyond the reach of the world's origin; false for one that is wrong. */
+    bool isFarAway(std::uint64_t id) const;
+
     /**
      * From the coordinates of one placement to those of another by way of the nearest that both stand in: nothing is
      * lost however far away from the world's origin that is. 0 stands for the world.

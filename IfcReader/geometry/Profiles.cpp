@@ -72,6 +72,9 @@ std::vector<Face> profileAreas(const Item& profile) {
     std::vector<Face> areas = unorientedAreas(profile);
     profile.items().work().add(countPoints(areas));
     for (Face& area : areas) {
+        if (!isWithinReach(area)) {
+            profile.fail(beyondReach);
+        }
         bool outer = true;
         forEachLoop(area, [&](Loop& loop) {
             if ((areaVector(loop).z < 0.0) == outer) {

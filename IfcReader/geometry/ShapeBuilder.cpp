@@ -105,6 +105,9 @@ public:
             const Affine map = placements_.between(placement, item.referenceIf(5).value_or(0), items_.work());
             for (std::size_t i = before; i < builder_.bodies.size(); ++i) {
                 transform(builder_.bodies[i], map);
+                if (!isWithinReach(builder_.bodies[i])) {
+                    item.fail(beyondReach);
+                }
             }
         } catch (const ItemError& error) {
             builder_.bodies.resize(before);
@@ -163,6 +166,20 @@ std::vector<Body> boundingBoxes(const Item& product) {
     return boxes;
 }
 
+/** Makes parts of those bodies that the world has room for. */
+void appendParts(std::vector<Body>& bodies, const Item& product, const Affine& world, Shape& shape) {
+    const auto first = std::stable_partition(bodies.begin(), bodies.end(),
+                                             [&](const Body& body) { return isWithinReach(body, world); });
+    if (first != bodies.end()) {
+        bodies.erase(first, bodies.end());
+        const std::string doubt = std::string(product.keyword()) + ": it reaches " + beyondReach;
+        if (std::find(shape.doubts.begin(), shape.doubts.end(), doubt) == shape.doubts.end()) {
+            shape.doubts.push_back(doubt);
+        }
+    }
+    appendParts(bodies, world, shape);
+}
+
 } // namespace
 
 ShapeBuilder::ShapeBuilder(const StepFile& file, const Units& units)
@@ -176,6 +193,10 @@ void ShapeBuilder::build(std::uint64_t product, Work& work, Shape& shape) const 
     Affine world;
     try {
         world = placement != 0 ? placements_.world(placement) : Affine{};
+        if (!isWithinReach(world.origin)) {
+            world.origin = {};
+            shape.doubts.push_back(std::string(item.keyword()) + ": it stands " + beyondReach);
+        }
     } catch (const ItemError& error) {
         shape.doubts.push_back(error.what());
     }
@@ -192,8 +213,9 @@ void ShapeBuilder::build(std::uint64_t product, Work& work, Shape& shape) const 
             }
             cutters.cut(builder.bodies, builder.doubts);
         }
-        appendParts(builder.bodies, world, shape);
-        if (hasBody && shape.parts.empty() && builder.doubts.empty()) {
+        const std::size_t told = shape.doubts.size();
+        appendParts(builder.bodies, item, world, shape);
+        if (hasBody && shape.parts.empty() && builder.doubts.empty() && shape.doubts.size() == told) {
             builder.doubts.push_back(std::string(item.keyword()) + ": nothing of its body is left");
         }
     } catch (const LimitError& error) {
@@ -203,7 +225,9 @@ void ShapeBuilder::build(std::uint64_t product, Work& work, Shape& shape) const 
     shape.doubts.insert(shape.doubts.end(), builder.doubts.begin(), builder.doubts.end());
     if (shape.parts.empty() && !shape.doubts.empty()) {
         Work little;
-        appendParts(boundingBoxes(Items(file_, units_, little).at(product)), world, shape);
+        const Items again(file_, units_, little);
+        std::vector<Body> boxes = boundingBoxes(again.at(product));
+        appendParts(boxes, item, world, shape);
     }
 }
 
@@ -212,7 +236,9 @@ Shape ShapeBuilder::build(std::uint64_t product) const {
     Work work;
     try {
         build(product, work, shape);
-    } catch (const std::runtime_error& error) {
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& error) {
         shape.doubts.push_back(error.what());
     }
     work_ += work.used();

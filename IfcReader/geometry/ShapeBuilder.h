@@ -30,9 +30,13 @@ public:
     /**
      * The shape of an IfcProduct, its openings cut: those of its own and those of the wholes that it is a part of.
      * Whatever the file says, what can't be built is told in the shape's doubts; a product of which nothing can be
-     * built gets its bounding box as an open part, where the file gives one. Throws std::bad_alloc only.
+     * built gets its bounding box as an open part, where the file gives one; one that stands farther away than anything
+     * may is built around the world's origin. Throws std::bad_alloc only.
      */
     Shape build(std::uint64_t product) const;
+
+    /** Whether a placement is beyond the reach of the world's origin; false for one that is wrong. */
+    bool isFarAway(std::uint64_t placement) const { return placements_.isFarAway(placement); }
 
     /** What all shapes so far have taken: about the number of points that were read, made or looked at. */
     std::uint64_t work() const { return work_; }

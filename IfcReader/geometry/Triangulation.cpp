@@ -160,6 +160,7 @@ public:
         area = (high_.x - low_.x) * (high_.y - low_.y);
         const double longer = std::max(high_.x - low_.x, high_.y - low_.y);
         cell_ = std::max({std::sqrt(area / count), longer / count, 1e-300});
+        last_ = count;
         columns_ = column(high_.x, low_.x) + 1;
         rows_ = column(high_.y, low_.y) + 1;
         first_.assign(columns_ * rows_, none);
@@ -190,7 +191,11 @@ public:
     }
 
 private:
-    std::size_t column(double value, double low) const { return static_cast<std::size_t>((value - low) / cell_); }
+    /** Numbers that aren't finite have a cell as well: only what is in the grid is ever looked at. */
+    std::size_t column(double value, double low) const {
+        const double exact = (value - low) / cell_;
+        return exact > 0.0 ? static_cast<std::size_t>(std::min(exact, last_)) : 0;
+    }
 
     /** Corners that were cut off, or no longer turn inwards, leave the cell when they are met. */
     Index findInCell(Index& first, const Flat& a, const Flat& b, const Flat& c) {
@@ -213,6 +218,7 @@ private:
     Flat low_{std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity()};
     Flat high_{-std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()};
     double cell_ = 1.0;
+    double last_ = 0.0; ///< the highest column or row that there may be
     std::size_t columns_ = 1;
     std::size_t rows_ = 1;
     std::vector<Index> first_;

@@ -44,6 +44,14 @@ inline Vector perpendicular(const Vector& direction) {
     return normalized(cross(direction, std::abs(direction.x) < 0.7 ? Vector{1, 0, 0} : Vector{0, 1, 0}));
 }
 
+/** How far from an origin anything may stand, in metres: beyond, neither places nor volumes mean anything. */
+constexpr double farthest = 1e9;
+
+/** Whether anything may stand at @p p; false for what isn't finite. */
+inline bool isWithinReach(const Vector& p) {
+    return std::abs(p.x) <= farthest && std::abs(p.y) <= farthest && std::abs(p.z) <= farthest;
+}
+
 /** An affine map: what becomes of the three axes and of the origin. */
 struct Affine {
     Vector x{1, 0, 0};

@@ -9,6 +9,9 @@
 
 namespace IfcReader {
 
+/** What is told of a thing that stands, or reaches, farther than anything may. */
+constexpr const char* beyondReach = "farther than a million kilometres from the origin";
+
 /** One item can't be built; the text says which kind and why. The rest of the product still can. */
 class ItemError : public std::runtime_error {
 public:

@@ -57,7 +57,7 @@ struct Product : Place {
     std::optional<std::string> tag;
     std::optional<std::string> typeName; ///< of its type object
     std::optional<std::string> storey;   ///< name of the storey that it belongs to, else of the space, building or site
-    std::optional<double> elevation;     ///< of a storey, in metres
+    std::optional<double> elevation;     ///< of a storey, in metres; none beyond a million kilometres
     std::vector<Material> materials;
     std::vector<std::string> layers; ///< names of the presentation layers that its shape is on
 
