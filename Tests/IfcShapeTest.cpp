@@ -258,6 +258,49 @@ TEST(IfcShapeTest, wrongNumbersAreDoubts) {
     }
 }
 
+/** A product that is shown by more than curves is there, or told of. */
+TEST(IfcShapeTest, nothingVanishesSilently) {
+    const std::string square = "#105=IFCCARTESIANPOINT(({2},0.,0.));\n#106=IFCCARTESIANPOINT(({2},{3},0.));\n"
+                               "#107=IFCCARTESIANPOINT((0.,{3},0.));\n";
+    const std::string boundary = "#100=IFCGEOMETRICSET((#101,#102));\n#101=IFCPOLYLINE((#10,#105));\n" + square;
+    const std::string surfaces[] = {
+        boundary + "#102=IFCFACEBASEDSURFACEMODEL((#103));\n#103=IFCCONNECTEDFACESET((#104));\n"
+                   "#104=IFCFACE((#108));\n#108=IFCFACEOUTERBOUND(#109,.T.);\n"
+                   "#109=IFCPOLYLOOP((#10,#105,#106,#107));\n",
+        boundary + "#102=IFCRECTANGULARTRIMMEDSURFACE(#103,0.,0.,{2},{3},.T.,.T.);\n#103=IFCPLANE(#11);\n",
+        boundary + "#102=IFCCURVEBOUNDEDPLANE(#103,#104,(#108));\n#103=IFCPLANE(#11);\n"
+                   "#104=IFCPOLYLINE((#10,#110,#111,#112,#10));\n#110=IFCCARTESIANPOINT(({2},0.));\n"
+                   "#111=IFCCARTESIANPOINT(({2},{4}));\n#112=IFCCARTESIANPOINT((0.,{4}));\n"
+                   "#108=IFCPOLYLINE((#113,#114,#115,#116,#113));\n#113=IFCCARTESIANPOINT(({0.5},{1}));\n"
+                   "#114=IFCCARTESIANPOINT(({1.5},{1}));\n#115=IFCCARTESIANPOINT(({1.5},{3}));\n"
+                   "#116=IFCCARTESIANPOINT(({0.5},{3}));\n"};
+    for (const std::string& text : surfaces) {
+        SCOPED_TRACE(text);
+        const Shape shape = ShapeModel(ifcText(text + productOf100)).builder.build(30);
+        EXPECT_TRUE(shape.doubts.empty());
+        ASSERT_EQ(shape.parts.size(), 1u);
+        EXPECT_FALSE(shape.parts[0].closed);
+        EXPECT_EQ(shape.parts[0].items.at(1), 102u);
+        EXPECT_NEAR(ShapeNumbers(shape).area, 6, 1e-9);
+    }
+    const std::string box = "#100=IFCBOUNDINGBOX(#10,{1},{2},{3});\n";
+    const std::pair<std::string, std::size_t> lacking[] = {
+        {box + productOf100, 1},
+        {box + product(30, "IFCWALL", "#17", 100, "Box"), 1},
+        {"#100=IFCBOOLEANRESULT(.DIFFERENCE.,#101,#101);\n#101=IFCBLOCK(#11,{1},{1},{1});\n" +
+             std::string(productOf100),
+         0},
+        {"#30=IFCWALL('0000000000000000000030',$,$,$,$,#17,#31,$);\n#31=IFCPRODUCTDEFINITIONSHAPE($,$,(#32));\n"
+         "#32=IFCSHAPEREPRESENTATION(#18,'Body','Brep',());\n",
+         0}};
+    for (const auto& [text, parts] : lacking) {
+        SCOPED_TRACE(text);
+        const Shape shape = ShapeModel(ifcText(text)).builder.build(30);
+        EXPECT_EQ(shape.doubts.size(), 1u);
+        EXPECT_EQ(shape.parts.size(), parts);
+    }
+}
+
 /** What is too far away is told of and never has numbers that are no places; what else there is stays. */
 TEST(IfcShapeTest, beyondReach) {
     const std::string corner = "#100=IFCEXTRUDEDAREASOLID(#101,#11,#14,{1});\n"

@@ -36,17 +36,18 @@ Vector areaVector(const Face& face) {
     return sum;
 }
 
-bool isWithinReach(const Face& face, const Affine& map) {
+bool isWithinReach(const Face& face) {
     bool result = true;
     forEachLoop(face, [&](const Loop& loop) {
-        result =
-            result && std::all_of(loop.begin(), loop.end(), [&](const Vector& p) { return isWithinReach(map(p)); });
+        for (const Vector& p : loop) {
+            result = result && isWithinReach(p);
+        }
     });
     return result;
 }
 
-bool isWithinReach(const Body& body, const Affine& map) {
-    return std::all_of(body.faces.begin(), body.faces.end(), [&](const Face& f) { return isWithinReach(f, map); });
+bool isWithinReach(const Body& body) {
+    return std::all_of(body.faces.begin(), body.faces.end(), [](const Face& face) { return isWithinReach(face); });
 }
 
 void flip(Face& face) {

@@ -56,9 +56,9 @@ struct Box {
 Vector areaVector(const Loop& loop);
 Vector areaVector(const Face& face);
 
-/** Whether all corners, moved by a map, are within reach of the origin. */
-bool isWithinReach(const Face& face, const Affine& map = {});
-bool isWithinReach(const Body& body, const Affine& map = {});
+/** Whether all corners are within reach of the origin. */
+bool isWithinReach(const Face& face);
+bool isWithinReach(const Body& body);
 
 void flip(Face& face);
 void transform(Face& face, const Affine& map);

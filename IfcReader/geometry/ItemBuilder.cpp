@@ -5,6 +5,7 @@
 #include "geometry/Placements.h"
 #include "geometry/Primitives.h"
 #include "geometry/Shells.h"
+#include "geometry/Surfaces.h"
 #include "geometry/SweptSolids.h"
 
 #include <algorithm>
@@ -16,13 +17,13 @@ namespace {
 /** Items that stand in a representation without being a body. */
 bool hasNoBody(const Item& item) {
     const std::string_view keyword = item.keyword();
-    if (item.is("IFCSURFACECURVESWEPTAREASOLID") || item.is("IFCCURVEBOUNDEDPLANE")) {
+    if (item.is("IFCSURFACECURVESWEPTAREASOLID") || isBoundedPlane(item)) {
         return false;
     }
     return keyword.find("CURVE") != std::string_view::npos || item.is("IFCPOLYLINE") || item.is("IFCLINE") ||
-           item.is("IFCCIRCLE") || item.is("IFCELLIPSE") || item.is("IFCGEOMETRICSET") || item.is("IFCBOUNDINGBOX") ||
-           item.is("IFCCARTESIANPOINT") || item.is("IFCTEXTLITERAL") || item.is("IFCTEXTLITERALWITHEXTENT") ||
-           item.is("IFCANNOTATIONFILLAREA") || item.is("IFCSTYLEDITEM");
+           item.is("IFCCIRCLE") || item.is("IFCELLIPSE") || item.is("IFCBOUNDINGBOX") || item.is("IFCCARTESIANPOINT") ||
+           item.is("IFCTEXTLITERAL") || item.is("IFCTEXTLITERALWITHEXTENT") || item.is("IFCANNOTATIONFILLAREA") ||
+           item.is("IFCSTYLEDITEM");
 }
 
 Operation operationOf(const Item& item) {
@@ -71,15 +72,20 @@ void ItemBuilder::appendItem(const Item& item) {
     if (item.is("IFCMAPPEDITEM")) {
         appendMapped(item);
     } else if (item.is("IFCFACEBASEDSURFACEMODEL") || item.is("IFCSHELLBASEDSURFACEMODEL")) {
-        for (Body& part : surfaceModelOf(item)) {
-            bodies.push_back(std::move(part));
+        std::vector<Body> parts = surfaceModelOf(item);
+        if (parts.empty()) {
+            item.fail("it has no faces");
         }
+        std::move(parts.begin(), parts.end(), std::back_inserter(bodies));
+    } else if (item.is("IFCGEOMETRICSET")) {
+        item.forEachReference(0, [&](std::uint64_t member) { append(member); });
     } else if (!hasNoBody(item)) {
         Body part = body(item);
         part.items.erase(part.items.begin());
-        if (!part.faces.empty()) {
-            bodies.push_back(std::move(part));
+        if (part.faces.empty()) {
+            item.fail("nothing of it is left");
         }
+        bodies.push_back(std::move(part));
     }
 }
 
@@ -153,6 +159,9 @@ Body ItemBuilder::solidBody(const Item& item, const Box* reach) {
             item.fail("nothing bounds it");
         }
         return halfSpaceOf(item, *reach);
+    }
+    if (isBoundedPlane(item)) {
+        return boundedPlaneOf(item);
     }
     if (!isPrimitive(item)) {
         item.fail("no shape that is known");

@@ -24,7 +24,8 @@ PointMerger::PointMerger(double distance, std::size_t expected)
 
 std::int64_t PointMerger::cellOf(double value) const {
     constexpr double highest = 4e18;
-    const double exact = std::clamp(value * cellsPerMetre_, -highest, highest);
+    const double scaled = value * cellsPerMetre_;
+    const double exact = scaled > -highest ? std::min(scaled, highest) : -highest; // that of no number too
     const auto truncated = static_cast<std::int64_t>(exact);
     return static_cast<double>(truncated) > exact ? truncated - 1 : truncated;
 }

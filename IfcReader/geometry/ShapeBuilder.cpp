@@ -146,6 +146,33 @@ private:
     const ProductPlacements& placements_;
 };
 
+/** Whether a representation that could show a body holds nothing, or a box in its place. */
+bool isWithoutBody(const Item& representation) {
+    const Items& items = representation.items();
+    const Work::Level level(items.work());
+    const std::vector<std::uint64_t> members = representation.references(3);
+    return members.empty() || std::any_of(members.begin(), members.end(), [&](std::uint64_t id) {
+               const Item member = items.at(id);
+               return member.is("IFCBOUNDINGBOX") ||
+                      (member.is("IFCMAPPEDITEM") && isWithoutBody(member.child(0).child(1)));
+           });
+}
+
+/** Products that are shown by curves and points alone have no body; all others are meant to have one. */
+bool lacksBody(const Item& product) {
+    const auto shape = product.referenceIf(6);
+    if (!shape) {
+        return false;
+    }
+    const std::vector<std::uint64_t> all = product.items().at(*shape).references(2);
+    return std::any_of(all.begin(), all.end(), [&](std::uint64_t id) {
+        const Item representation = product.items().at(id);
+        const std::string name = identifierOf(representation);
+        const bool isDrawing = name == "Axis" || name == "FootPrint" || name == "Annotation" || name == "Plan";
+        return !isDrawing && isWithoutBody(representation);
+    });
+}
+
 /** The bounding box that a product's representation gives. */
 std::vector<Body> boundingBoxes(const Item& product) {
     std::vector<Body> boxes;
@@ -166,18 +193,22 @@ std::vector<Body> boundingBoxes(const Item& product) {
     return boxes;
 }
 
-/** Makes parts of those bodies that the world has room for. */
-void appendParts(std::vector<Body>& bodies, const Item& product, const Affine& world, Shape& shape) {
-    const auto first = std::stable_partition(bodies.begin(), bodies.end(),
-                                             [&](const Body& body) { return isWithinReach(body, world); });
-    if (first != bodies.end()) {
-        bodies.erase(first, bodies.end());
+/** Leaves out the parts that the world has no room for. */
+void dropPartsBeyondReach(const Item& product, Shape& shape) {
+    const Vector origin{shape.origin.x, shape.origin.y, shape.origin.z};
+    const auto isBeyond = [&](const ShapePart& part) {
+        return !std::all_of(part.vertices.begin(), part.vertices.end(), [&](const Point& p) {
+            return isWithinReach(origin + Vector{p.x, p.y, p.z});
+        });
+    };
+    const auto first = std::remove_if(shape.parts.begin(), shape.parts.end(), isBeyond);
+    if (first != shape.parts.end()) {
+        shape.parts.erase(first, shape.parts.end());
         const std::string doubt = std::string(product.keyword()) + ": it reaches " + beyondReach;
         if (std::find(shape.doubts.begin(), shape.doubts.end(), doubt) == shape.doubts.end()) {
             shape.doubts.push_back(doubt);
         }
     }
-    appendParts(bodies, world, shape);
 }
 
 } // namespace
@@ -205,6 +236,9 @@ void ShapeBuilder::build(std::uint64_t product, Work& work, Shape& shape) const 
     try {
         appendBodies(item, builder);
         const bool hasBody = !builder.bodies.empty();
+        if (!hasBody && builder.doubts.empty() && lacksBody(item)) {
+            builder.addDoubt(std::string(item.keyword()) + ": its representation holds no body");
+        }
         const std::vector<std::uint64_t> openings = openings_.openingsOf(product);
         if (!builder.bodies.empty() && !openings.empty()) {
             Cutters cutters(items, mapped_, placements_);
@@ -213,11 +247,11 @@ void ShapeBuilder::build(std::uint64_t product, Work& work, Shape& shape) const 
             }
             cutters.cut(builder.bodies, builder.doubts);
         }
-        const std::size_t told = shape.doubts.size();
-        appendParts(builder.bodies, item, world, shape);
-        if (hasBody && shape.parts.empty() && builder.doubts.empty() && shape.doubts.size() == told) {
+        appendParts(builder.bodies, world, shape);
+        if (hasBody && shape.parts.empty() && builder.doubts.empty()) {
             builder.doubts.push_back(std::string(item.keyword()) + ": nothing of its body is left");
         }
+        dropPartsBeyondReach(item, shape);
     } catch (const LimitError& error) {
         shape.parts.clear();
         builder.doubts.assign(1, error.what());
@@ -226,8 +260,8 @@ void ShapeBuilder::build(std::uint64_t product, Work& work, Shape& shape) const 
     if (shape.parts.empty() && !shape.doubts.empty()) {
         Work little;
         const Items again(file_, units_, little);
-        std::vector<Body> boxes = boundingBoxes(again.at(product));
-        appendParts(boxes, item, world, shape);
+        appendParts(boundingBoxes(again.at(product)), world, shape);
+        dropPartsBeyondReach(item, shape);
     }
 }
 

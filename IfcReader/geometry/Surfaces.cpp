@@ -1,5 +1,6 @@
 #include "geometry/Surfaces.h"
 
+#include "geometry/Curves.h"
 #include "geometry/Placements.h"
 #include "geometry/Profiles.h"
 
@@ -59,6 +60,40 @@ Item basisOf(const Item& surface) {
     const Work::Level level(surface.items().work());
     const bool bounded = surface.is("IFCCURVEBOUNDEDPLANE") || surface.is("IFCRECTANGULARTRIMMEDSURFACE");
     return bounded ? basisOf(surface.child(0)) : surface;
+}
+
+bool isBoundedPlane(const Item& surface) {
+    return surface.is("IFCCURVEBOUNDEDPLANE") ||
+           (surface.is("IFCRECTANGULARTRIMMEDSURFACE") && surface.child(0).is("IFCPLANE"));
+}
+
+Body boundedPlaneOf(const Item& surface) {
+    const Item plane = surface.child(0);
+    if (!plane.is("IFCPLANE")) {
+        surface.fail("its surface is no plane");
+    }
+    Body body;
+    body.solid = false;
+    Face& face = body.faces.emplace_back();
+    if (surface.is("IFCCURVEBOUNDEDPLANE")) {
+        face.outer = Curves::loop(surface.child(1));
+        surface.forEachReference(2,
+                                 [&](std::uint64_t id) { face.holes.push_back(Curves::loop(surface.items().at(id))); });
+    } else {
+        const double u[] = {surface.length(1), surface.length(3)};
+        const double v[] = {surface.length(2), surface.length(4)};
+        face.outer = {{u[0], v[0], 0}, {u[1], v[0], 0}, {u[1], v[1], 0}, {u[0], v[1], 0}};
+    }
+    for (Loop& hole : face.holes) {
+        if (areaVector(hole).z * areaVector(face.outer).z > 0.0) {
+            std::reverse(hole.begin(), hole.end());
+        }
+    }
+    if (areaVector(face) == Vector{}) {
+        surface.fail("it has no area");
+    }
+    transform(body, placementOf(plane.child(0)));
+    return body;
 }
 
 Vector surfaceNormal(const Item& surface, const Vector& p) {
