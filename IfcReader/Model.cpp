@@ -131,7 +131,8 @@ void Model::Parts::describe(Product& product, const StepInstance& instance) cons
     if (instance.keyword == "IFCBUILDINGSTOREY") {
         const auto elevation = stepReal(argumentOf(instance, elevationArgument));
         const double metres = elevation.value_or(0.0) * units.metre;
-        product.elevation = elevation && std::abs(metres) <= farthest ? std::optional<double>(metres) : std::nullopt;
+        product.elevation =
+            elevation && std::abs(metres) <= farthestPlace ? std::optional<double>(metres) : std::nullopt;
     }
     for (const Links::Link& link : relations.types.of(instance.id)) {
         product.typeName = product.typeName ? product.typeName : textAt(*file.find(link.to), nameArgument);

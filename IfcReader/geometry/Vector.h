@@ -45,11 +45,11 @@ inline Vector perpendicular(const Vector& direction) {
 }
 
 /** How far from an origin anything may stand, in metres: beyond, neither places nor volumes mean anything. */
-constexpr double farthest = 1e9;
+constexpr double farthestPlace = 1e9;
 
 /** Whether anything may stand at @p p; false for what isn't finite. */
 inline bool isWithinReach(const Vector& p) {
-    return std::abs(p.x) <= farthest && std::abs(p.y) <= farthest && std::abs(p.z) <= farthest;
+    return std::abs(p.x) <= farthestPlace && std::abs(p.y) <= farthestPlace && std::abs(p.z) <= farthestPlace;
 }
 
 /** An affine map: what becomes of the three axes and of the origin. */
