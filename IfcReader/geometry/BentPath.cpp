@@ -7,7 +7,7 @@ namespace IfcReader {
 namespace {
 
 /** The direction that an arc had before @p first, when @p second follows; @p first itself where they are no arc. */
-Vector goneOn(const Vector& first, const Vector& second, double firstLength, double secondLength) {
+Vector directionBefore(const Vector& first, const Vector& second, double firstLength, double secondLength) {
     constexpr double leastCosine = 0.9; // an arc has far smaller bends
     const double cosine = dot(first, second);
     const bool isArc = cosine > leastCosine && std::abs(firstLength - secondLength) < 1e-3 * firstLength;
@@ -28,7 +28,7 @@ Vector BentPath::before(std::size_t i) const {
     }
     return points_.size() < 3
                ? edge(0)
-               : goneOn(edge(0), edge(1), length(points_[1] - points_[0]), length(points_[2] - points_[1]));
+               : directionBefore(edge(0), edge(1), length(points_[1] - points_[0]), length(points_[2] - points_[1]));
 }
 
 Vector BentPath::after(std::size_t i) const {
@@ -40,8 +40,8 @@ Vector BentPath::after(std::size_t i) const {
         return edge(0);
     }
     return last < 2 ? edge(last - 1)
-                    : goneOn(edge(last - 1), edge(last - 2), length(points_[last] - points_[last - 1]),
-                             length(points_[last - 1] - points_[last - 2]));
+                    : directionBefore(edge(last - 1), edge(last - 2), length(points_[last] - points_[last - 1]),
+                                      length(points_[last - 1] - points_[last - 2]));
 }
 
 } // namespace IfcReader

@@ -1,6 +1,7 @@
 #include "geometry/Cutting.h"
 
 #include "geometry/BspTree.h"
+#include "geometry/Fineness.h"
 #include "geometry/FlatPolygon.h"
 #include "geometry/PlaneThickness.h"
 
@@ -53,7 +54,7 @@ double windingNumber(const std::vector<FlatPolygon>& polygons, const Vector& p) 
             sum += std::atan2(dot(a, cross(b, c)), la * lb * lc + dot(a, b) * lc + dot(b, c) * la + dot(c, a) * lb);
         }
     }
-    return sum / 6.283185307179586;
+    return sum / (2.0 * pi);
 }
 
 /** A body's polygons, and for each the face that it came from: a face that isn't flat becomes several. */

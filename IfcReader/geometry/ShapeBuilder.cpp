@@ -21,7 +21,7 @@ std::string identifierOf(const Item& representation) {
     return representation.text(1);
 }
 
-/** The representations of a product that show its body: those named so, else all that can't be told to be something else. */
+/** The representations that show a product's body: those named so, else all that aren't known to be something else. */
 std::vector<Item> bodyRepresentations(const Item& product) {
     std::vector<Item> named;
     std::vector<Item> others;
@@ -42,8 +42,8 @@ std::vector<Item> bodyRepresentations(const Item& product) {
 }
 
 /**
- * Representations of one context make up a body together; those of another one show the same body for another purpose, in
- * less detail for example. The first context with a body is taken.
+ * Representations of one context make up a body together; those of another one show the same body for another purpose,
+ * in less detail for example. The first context with a body is taken.
  */
 void appendBodies(const Item& product, ItemBuilder& builder) {
     const std::size_t before = builder.bodies.size();

@@ -156,7 +156,7 @@ Body closedShell(const Item& shell) {
 }
 
 /** Moves the closed pieces among faces to @p bodies; the others are returned. */
-std::vector<Face> takeClosed(std::vector<Face> faces, Work& work, std::vector<Body>& bodies) {
+std::vector<Face> splitOffClosedPieces(std::vector<Face> faces, Work& work, std::vector<Body>& bodies) {
     std::vector<Face> rest;
     for (const Piece& piece : piecesOf(faces, work)) {
         std::vector<Face> members = takeFaces(piece, faces);
@@ -196,10 +196,10 @@ std::vector<Body> surfaceModelOf(const Item& item) {
     Work& work = item.items().work();
     const std::vector<std::uint64_t> shells = item.references(0);
     for (const std::uint64_t id : shells) {
-        append(open.faces, takeClosed(shellFaces(item.items().at(id)), work, bodies));
+        append(open.faces, splitOffClosedPieces(shellFaces(item.items().at(id)), work, bodies));
     }
     if (shells.size() > 1 && !open.faces.empty()) {
-        open.faces = takeClosed(std::move(open.faces), work, bodies);
+        open.faces = splitOffClosedPieces(std::move(open.faces), work, bodies);
     }
     if (!open.faces.empty()) {
         bodies.push_back(std::move(open));

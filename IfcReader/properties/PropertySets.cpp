@@ -1,5 +1,7 @@
 #include "properties/PropertySets.h"
 
+#include "geometry/Fineness.h"
+
 #include <algorithm>
 #include <cmath>
 #include <unordered_map>
@@ -8,8 +10,6 @@
 namespace IfcReader {
 
 namespace {
-
-constexpr double pi = 3.141592653589793;
 
 /** A model has no deeper ones. */
 constexpr std::size_t maxDepth = 8;

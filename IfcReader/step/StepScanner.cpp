@@ -2,6 +2,7 @@
 
 #include "IfcReader/IfcError.h"
 #include "step/ArgumentCounts.h"
+#include "step/StepCharacters.h"
 
 #include <algorithm>
 #include <cstring>
@@ -10,14 +11,6 @@
 namespace IfcReader {
 
 namespace {
-
-bool isBlank(char c) {
-    return static_cast<unsigned char>(c) <= ' ';
-}
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 char upper(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;

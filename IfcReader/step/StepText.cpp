@@ -1,6 +1,7 @@
 #include "step/StepText.h"
 
 #include "step/IsoLatin.h"
+#include "step/StepCharacters.h"
 
 #include <algorithm>
 #include <array>
@@ -9,14 +10,6 @@
 namespace IfcReader {
 
 namespace {
-
-bool isBlank(char c) {
-    return static_cast<unsigned char>(c) <= ' ';
-}
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 bool isWordCharacter(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
