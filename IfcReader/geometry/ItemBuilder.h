@@ -21,6 +21,7 @@ public:
 
     /**
      * Appends the bodies of an item; curves, points, texts and boxes have none. What can't be built becomes a doubt.
+     * The shape of a mapped item is moved by the origin of its map first, then by the item's own target.
      * @throw LimitError
      */
     void append(std::uint64_t id);

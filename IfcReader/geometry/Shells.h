@@ -15,7 +15,7 @@ namespace IfcReader {
 /** An IfcFacetedBrep with or without voids. One that isn't closed is no solid. @throw ItemError */
 Body brepOf(const Item& item);
 
-/** A shell-based or face-based surface model: its closed pieces as solids, what is open as a surface. @throw ItemError */
+/** A shell-based or face-based surface model: its closed pieces as solids, the rest as a surface. @throw ItemError */
 std::vector<Body> surfaceModelOf(const Item& item);
 
 } // namespace IfcReader
