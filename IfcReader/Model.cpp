@@ -106,7 +106,7 @@ void Model::Parts::checkReach() const {
     }
     if (shaped > 0 && farAway == shaped) {
         throw IfcError(std::string("the model is refused: all of its products stand ") + beyondReach +
-                       ", which a missing unit of length may be the reason of");
+                       ": a missing unit of length may be the reason");
     }
 }
 

@@ -263,9 +263,23 @@ TEST_P(IfcProfileTest, loopsThatMeet) {
     const std::string voids = "#101=IFCARBITRARYPROFILEDEFWITHVOIDS(.AREA.,$,#200,(#210,#220));\n";
     const std::string composite = "#101=IFCCOMPOSITEPROFILEDEF(.AREA.,$,(#102,#103),$);\n"
                                   "#102=IFCRECTANGLEPROFILEDEF(.AREA.,$,#13,{2},{2});\n";
+    const std::string hook =
+        "#101=IFCARBITRARYCLOSEDPROFILEDEF(.AREA.,$,#102);\n"
+        "#102=IFCPOLYLINE((#103,#104,#105,#106,#107,#108,#109,#103));\n"
+        "#103=IFCCARTESIANPOINT(({0},{0}));\n#104=IFCCARTESIANPOINT(({10},{0}));\n"
+        "#105=IFCCARTESIANPOINT(({10},{0.2}));\n#106=IFCCARTESIANPOINT(({0.001},{0.2}));\n"
+        "#107=IFCCARTESIANPOINT(({0.001},{0.199}));\n#108=IFCCARTESIANPOINT(({-0.0005},{0.199}));\n"
+        "#109=IFCCARTESIANPOINT(({0},{0.2}));\n";
     const ProfileCase cases[] = {
+        {"an outline that crosses itself at a corner by a millimetre", hook, 2, {0, 0}, {10, 0.2}},
+        {"voids that overlap beside another one",
+         "#101=IFCARBITRARYPROFILEDEFWITHVOIDS(.AREA.,$,#200,(#210,#220,#230));\n" +
+             squares(200, {{"0", "10"}, {"1", "3"}, {"2", "4"}, {"6", "7"}}),
+         92,
+         {0, 0},
+         {10, 10}},
         {"voids that overlap", voids + squares(200, {{"0", "10"}, {"1", "3"}, {"2", "4"}}), 93, {0, 0}, {10, 10}},
-        {"the same void twice", voids + squares(200, {{"0", "10"}, {"1", "3"}, {"1", "3"}}), 96, {0, 0}, {10, 10}},
+        {"the same void twice", voids + squares(200, {{"0", "10"}, {"1", "9"}, {"1", "9"}}), 36, {0, 0}, {10, 10}},
         {"voids that leave the outline, one wholly",
          voids + squares(200, {{"0", "10"}, {"9", "12"}, {"20", "21"}}),
          99,

@@ -25,6 +25,10 @@ TEST_P(IfcSweptSolidTest, partsOfPaths) {
                                "#106=IFCLINE(#10,#107);\n#107=IFCVECTOR(#15,{2});\n";
     const std::string upperHalf =
         "IFCTRIMMEDCURVE(#105,(IFCPARAMETERVALUE([0])),(IFCPARAMETERVALUE([180])),.T.,.PARAMETER.)";
+    const std::string overBegin =
+        "IFCTRIMMEDCURVE(#105,(IFCPARAMETERVALUE([270])),(IFCPARAMETERVALUE([90])),.T.,.PARAMETER.)";
+    const std::string backwards =
+        "IFCTRIMMEDCURVE(#105,(IFCPARAMETERVALUE([90])),(IFCPARAMETERVALUE([0])),.F.,.PARAMETER.)";
     const std::string twoSegments = "IFCCOMPOSITECURVE((#108,#109),.F.);\n"
                                     "#108=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.T.,#110);\n"
                                     "#109=IFCCOMPOSITECURVESEGMENT(.CONTINUOUS.,.F.,#111);\n"
@@ -49,6 +53,21 @@ TEST_P(IfcSweptSolidTest, partsOfPaths) {
          0.005 * pi * pi,
          {-1.1, 0, -0.1},
          {0, 1.1, 0.1}},
+        {"an arc over the begin of its circle",
+         disk("[270],[90]", overBegin) + corner,
+         0.01 * pi * pi,
+         {0, -1.1, -0.1},
+         {1.1, 1.1, 0.1}},
+        {"the same, by a whole turn",
+         disk("[0],[360]", overBegin) + corner,
+         0.01 * pi * pi,
+         {0, -1.1, -0.1},
+         {1.1, 1.1, 0.1}},
+        {"a backward arc by its own ends",
+         disk("[90],[0]", backwards) + corner,
+         0.005 * pi * pi,
+         {0, 0, -0.1},
+         {1.1, 1.1, 0.1}},
         {"part of a line",
          disk("0.,2.", "IFCTRIMMEDCURVE(#106,(IFCPARAMETERVALUE(5.)),(IFCPARAMETERVALUE(0.)),.F.,.PARAMETER.)") +
              corner,

@@ -94,7 +94,7 @@ struct Trim {
 };
 
 /** Moves the end of an arc by whole turns, so that it is reached from the start in the wanted sense. */
-double reachedAngle(double from, double to, bool forwards) {
+double endAngleInSense(double from, double to, bool forwards) {
     constexpr double near = 1e-9;
     double sweep = std::fmod(forwards ? to - from : from - to, 2 * pi);
     if (sweep <= near) {
@@ -219,7 +219,7 @@ Span trimmedSpan(const Item& curve) {
         const Conic conic(basis);
         const double radian = curve.items().units().radian;
         Span span = endsOf(curve, [&](const Vector& p) { return conic.angleOf(p) / radian; });
-        span.to = reachedAngle(span.from * radian, span.to * radian, curve.word(3) != "F") / radian;
+        span.to = endAngleInSense(span.from * radian, span.to * radian, curve.word(3) != "F") / radian;
         return span;
     }
     if (basis.is("IFCPOLYLINE")) {
@@ -281,23 +281,36 @@ Loop trimmed(const Item& curve) {
     return path;
 }
 
-/** What two trims leave of a curve; an arc may be meant a turn further on, or back. */
+/** How many units of its parameter take a curve once around; 0 for one that doesn't turn. */
+double turnOf(const Item& curve) {
+    return isConic(curve) ? 2 * pi / curve.items().units().radian : 0.0;
+}
+
+/** What two trims leave of a curve; an arc may be meant a turn further on, or back, or run over its own begin. */
 Loop trimmedPart(const Item& curve, double from, double to) {
     const Item basis = curve.child(0);
     const Span span = trimmedSpan(curve);
-    const double turn = isConic(basis) ? 2 * pi / curve.items().units().radian : 0.0;
+    const double turn = turnOf(basis);
+    std::optional<Span> left;
     for (const double shift : {0.0, turn, -turn}) {
-        const double low = std::max(from + shift, span.low());
-        const double high = std::min(to + shift, span.high());
-        if (high - low > noPart) {
-            Loop part = partOf(basis, low, high);
-            if (span.backwards()) {
-                std::reverse(part.begin(), part.end());
+        const Span part{std::max(from + shift, span.low()), std::min(to + shift, span.high())};
+        if (part.to - part.from > noPart) {
+            const bool goesOn = left && part.from <= left->to + noPart && part.to >= left->from - noPart;
+            if (goesOn) {
+                left = Span{std::min(left->from, part.from), std::max(left->to, part.to)};
+            } else if (!left) {
+                left = part;
             }
-            return part;
         }
     }
-    return {};
+    if (!left) {
+        return {};
+    }
+    Loop path = partOf(basis, left->from, left->to);
+    if (span.backwards()) {
+        std::reverse(path.begin(), path.end());
+    }
+    return path;
 }
 
 /** Segments follow each other; each takes as much of the parameter as its own curve does. */
@@ -353,6 +366,34 @@ Loop partOf(const Item& curve, double from, double to) {
         return compositePart(curve, from, to);
     }
     curve.fail("it can't be trimmed");
+}
+
+/** What two ends leave of a curve; at least two points. An arc may run over the begin of its circle. */
+Loop pathBetween(const Item& curve, double from, double to) {
+    if (isConic(curve) && from >= to) {
+        const double radian = curve.items().units().radian;
+        return Conic(curve).arc(from * radian, from == to ? from * radian + 2 * pi : to * radian);
+    }
+    if (curve.is("IFCTRIMMEDCURVE") && from > to) {
+        // An arc over the begin of its circle, or the ends in the order in which the curve runs
+        if (trimmedSpan(curve).backwards()) {
+            std::swap(from, to);
+        } else {
+            to += turnOf(curve.child(0));
+        }
+    }
+    if (isComposite(curve)) {
+        const Span all = spanOf(curve);
+        if (from <= all.low() + noPart && to >= all.high() - noPart) {
+            return Curves::path(curve);
+        }
+    }
+    Loop points = from < to ? partOf(curve, from, to) : Loop{};
+    if (points.size() < 2) {
+        curve.fail("nothing of it lies between its trims");
+    }
+    curve.items().work().add(points.size());
+    return points;
 }
 
 } // namespace
@@ -414,19 +455,9 @@ Loop Curves::path(const Item& curve, std::optional<double> from, std::optional<d
             return path(curve);
         }
         const Span all = spanOf(curve);
-        from = from.value_or(all.low());
-        to = to.value_or(all.high());
+        return path(curve, from.value_or(all.low()), to.value_or(all.high()));
     }
-    if (isConic(curve) && *from >= *to) {
-        const double radian = curve.items().units().radian;
-        return Conic(curve).arc(*from * radian, *from == *to ? *from * radian + 2 * pi : *to * radian);
-    }
-    Loop points = *from < *to ? partOf(curve, *from, *to) : Loop{};
-    if (points.size() < 2) {
-        curve.fail("nothing of it lies between its trims");
-    }
-    curve.items().work().add(points.size());
-    return points;
+    return pathBetween(curve, *from, *to);
 }
 
 Loop Curves::loop(const Item& curve) {

@@ -22,8 +22,8 @@ bool hasNoBody(const Item& item) {
     }
     return keyword.find("CURVE") != std::string_view::npos || item.is("IFCPOLYLINE") || item.is("IFCLINE") ||
            item.is("IFCCIRCLE") || item.is("IFCELLIPSE") || item.is("IFCBOUNDINGBOX") || item.is("IFCCARTESIANPOINT") ||
-           item.is("IFCTEXTLITERAL") || item.is("IFCTEXTLITERALWITHEXTENT") || item.is("IFCANNOTATIONFILLAREA") ||
-           item.is("IFCSTYLEDITEM");
+           item.is("IFCPOINTONCURVE") || item.is("IFCPOINTONSURFACE") || item.is("IFCTEXTLITERAL") ||
+           item.is("IFCTEXTLITERALWITHEXTENT") || item.is("IFCANNOTATIONFILLAREA") || item.is("IFCSTYLEDITEM");
 }
 
 Operation operationOf(const Item& item) {
@@ -56,6 +56,7 @@ void ItemBuilder::append(std::uint64_t id) {
         bodies.resize(before);
         addDoubt(error.what());
     }
+    items_.work().add((bodies.size() - before) * Work::kept); // sets may nest around many bodies
     for (std::size_t i = before; i < bodies.size(); ++i) {
         bodies[i].items.insert(bodies[i].items.begin(), id);
     }

@@ -8,12 +8,15 @@ namespace {
 
 /** An edge of a loop, from its lower end up. */
 struct Edge {
-    double at(double y) const { return low.x + (high.x - low.x) * ((y - low.y) / (high.y - low.y)); }
+    Edge(const Vector& from, const Vector& to, int turn)
+        : low(from), high(to), slope((to.x - from.x) / (to.y - from.y)), turns(turn) {}
+
+    double at(double y) const { return low.x + slope * (y - low.y); }
 
     Vector low;
     Vector high;
-    int turns;        ///< what it adds to how often a place to its right is covered
-    double steepness; ///< 1 where it is upright
+    double slope;
+    int turns; ///< what it adds to how often a place to its right is covered
 };
 
 /** All edges, turned so that hardly any real one is level, the lowest ones first. */
@@ -29,9 +32,9 @@ std::vector<Edge> edgesOf(const std::vector<Face>& areas) {
                 const Vector p{c * from.x - s * from.y, s * from.x + c * from.y, 0.0};
                 const Vector q{c * to.x - s * to.y, s * to.x + c * to.y, 0.0};
                 if (p.y < q.y) {
-                    edges.push_back({p, q, -1, (q.y - p.y) / length(q - p)});
+                    edges.emplace_back(p, q, -1);
                 } else if (q.y < p.y) {
-                    edges.push_back({q, p, 1, (p.y - q.y) / length(q - p)});
+                    edges.emplace_back(q, p, 1);
                 }
             }
         });
@@ -40,50 +43,66 @@ std::vector<Edge> edgesOf(const std::vector<Face>& areas) {
     return edges;
 }
 
-/** Whether something is wrong between two levels, from one to the other of which all edges go. */
-bool overlapWithin(std::vector<const Edge*>& edges, double low, double high, double tolerance) {
-    const double middle = (low + high) / 2.0;
-    std::sort(edges.begin(), edges.end(), [&](const Edge* a, const Edge* b) { return a->at(middle) < b->at(middle); });
+/** Orders edges by where they are at a level; they nearly are already. @return how many of them were looked at */
+std::size_t sortAt(double y, std::vector<const Edge*>& edges) {
+    std::size_t looks = edges.size();
+    for (std::size_t i = 1; i < edges.size(); ++i) {
+        const Edge* const edge = edges[i];
+        const double x = edge->at(y);
+        std::size_t k = i;
+        for (; k > 0 && edges[k - 1]->at(y) > x; --k) {
+            edges[k] = edges[k - 1];
+        }
+        edges[k] = edge;
+        looks += i - k;
+    }
+    return looks;
+}
+
+/**
+ * Adds what is covered more than once, or less than not at all, between two levels from one to the other of which all
+ * edges go. Edges that cross there have changed places on one side of the crossing.
+ */
+void addWrong(const std::vector<const Edge*>& edges, double low, double high, Overlap& overlap) {
     int covered = 0;
     for (std::size_t i = 0; i + 1 < edges.size(); ++i) {
         const Edge& left = *edges[i];
         const Edge& right = *edges[i + 1];
         covered += left.turns;
-        const double steepness = std::min(left.steepness, right.steepness);
-        const double below = (right.at(low) - left.at(low)) * steepness;
-        const double above = (right.at(high) - left.at(high)) * steepness;
-        const bool cross = std::min(below, above) < -tolerance;
-        if (cross || (covered != 0 && covered != 1 && std::max(below, above) > tolerance)) {
-            return true;
+        const double below = right.at(low) - left.at(low);
+        const double above = right.at(high) - left.at(high);
+        const double least = std::min(below, above);
+        const double most = std::max(below, above);
+        const double flattest = std::max(std::abs(left.slope), std::abs(right.slope));
+        const double across = 1.0 / std::sqrt(1.0 + flattest * flattest); // of the edges, for a width along the level
+        if (covered != 0 && covered != 1) {
+            overlap.area += std::max(below + above, 0.0) / 2.0 * (high - low);
+            overlap.width = std::max(overlap.width, most * across);
+        } else if (least < 0.0) {
+            overlap.area += least * least / (most - least) / 2.0 * (high - low);
+            overlap.width = std::max(overlap.width, -least * across);
         }
     }
-    return false;
 }
 
 } // namespace
 
-bool overlap(const std::vector<Face>& areas, Work& work) {
-    constexpr double farthest = 1e15;
+Overlap overlapOf(const std::vector<Face>& areas, Work& work) {
     constexpr double sameLevel = 1e-9;
-    constexpr std::size_t edgesPerPoint = 16; // that are looked at in the time that a point takes
+    constexpr std::size_t mostLooks = 20'000'000;
+    constexpr std::size_t looksPerPoint = 4; // in the time that a point takes
     const std::vector<Edge> edges = edgesOf(areas);
     std::vector<double> levels;
     for (const Edge& edge : edges) {
-        if (std::max(length(edge.low), length(edge.high)) > farthest) {
-            return false; // such a body is refused anyway
-        }
         levels.push_back(edge.low.y);
         levels.push_back(edge.high.y);
     }
     std::sort(levels.begin(), levels.end());
-    double size = 0.0;
-    for (const Face& area : areas) {
-        size += areaVector(area.outer).z;
-    }
-    const double tolerance = 1e-4 * std::sqrt(size);
+    Overlap overlap;
     std::vector<const Edge*> active;
     std::size_t next = 0;
-    for (std::size_t i = 0; i + 1 < levels.size(); ++i) {
+    std::size_t looks = 0;
+    for (std::size_t i = 0; i + 1 < levels.size() && looks < mostLooks; ++i) {
         const double low = levels[i];
         const double high = levels[i + 1];
         if (high - low < sameLevel) {
@@ -96,12 +115,15 @@ bool overlap(const std::vector<Face>& areas, Work& work) {
                 active.push_back(&edges[next]);
             }
         }
-        work.add(active.size() / edgesPerPoint);
-        if (overlapWithin(active, low, high, tolerance)) {
-            return true;
-        }
+        looks += sortAt((low + high) / 2.0, active);
+        addWrong(active, low, high, overlap);
     }
-    return false;
+    work.add(looks / looksPerPoint);
+    double size = 0.0;
+    for (const Face& area : areas) {
+        size += areaVector(area.outer).z;
+    }
+    return size > 0.0 ? Overlap{overlap.width / std::sqrt(size), overlap.area / size} : Overlap{};
 }
 
 } // namespace IfcReader

@@ -1,6 +1,6 @@
 /**
  * @file Overlaps.h
- * Whether the loops of areas get in each other's way.
+ * How far the loops of areas get in each other's way.
  */
 #pragma once
 
@@ -9,11 +9,17 @@
 
 namespace IfcReader {
 
+/** What is covered more than once, is a hole where nothing is left to take away, or lies between loops that cross. */
+struct Overlap {
+    double width = 0.0; ///< of the widest such place, as a part of the side of a square of the same area
+    double area = 0.0;  ///< of all such places together, as a part of the area
+};
+
 /**
- * Whether areas in the plane z = 0, their outlines counter-clockwise, cover a place more than once, have holes where
- * nothing is left to take away, or have loops that cross. What merely touches does not overlap, nor does what is off by
- * less than a ten-thousandth of the areas' size. @throw LimitError
+ * What overlaps among areas in the plane z = 0, their outlines counter-clockwise. What merely touches does not. Of areas
+ * with so many edges side by side that looking at them would take longer than building them only a part is looked at.
+ * @throw LimitError
  */
-bool overlap(const std::vector<Face>& areas, Work& work);
+Overlap overlapOf(const std::vector<Face>& areas, Work& work);
 
 } // namespace IfcReader

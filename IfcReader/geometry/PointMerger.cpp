@@ -25,7 +25,7 @@ PointMerger::PointMerger(double distance, std::size_t expected)
 std::int64_t PointMerger::cellOf(double value) const {
     constexpr double highest = 4e18;
     const double scaled = value * cellsPerMetre_;
-    const double exact = scaled > -highest ? std::min(scaled, highest) : -highest; // that of no number too
+    const double exact = scaled > -highest ? std::min(scaled, highest) : -highest; // a NaN goes there as well
     const auto truncated = static_cast<std::int64_t>(exact);
     return static_cast<double>(truncated) > exact ? truncated - 1 : truncated;
 }

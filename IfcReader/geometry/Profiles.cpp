@@ -82,7 +82,7 @@ std::vector<Face> profileAreas(const Item& profile) {
             }
             outer = false;
         });
-        if (!(areaVector(area).z > 0.0)) {
+        if (!(areaVector(area.outer).z > 0.0)) {
             profile.fail("it has no area");
         }
     }

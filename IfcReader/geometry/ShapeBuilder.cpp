@@ -226,7 +226,9 @@ void ShapeBuilder::build(std::uint64_t product, Work& work, Shape& shape) const 
         world = placement != 0 ? placements_.world(placement) : Affine{};
         if (!isWithinReach(world.origin)) {
             world.origin = {};
-            shape.doubts.push_back(std::string(item.keyword()) + ": it stands " + beyondReach);
+            if (item.referenceIf(6)) {
+                shape.doubts.push_back(std::string(item.keyword()) + ": it stands " + beyondReach);
+            }
         }
     } catch (const ItemError& error) {
         shape.doubts.push_back(error.what());

@@ -16,14 +16,49 @@ namespace {
 
 constexpr const char* crossesItself = "its profile crosses itself";
 
+/** Loops that overlap by no more than that are built as they are. */
+bool overlap(const std::vector<Face>& areas, Work& work) {
+    constexpr double unseen = 1e-4;
+    return overlapOf(areas, work).width > unseen;
+}
+
+/** Whether a loop crosses itself so that it makes a difference: small hooks at corners, which happen, do not. */
+bool crosses(const Loop& loop, Work& work) {
+    constexpr double negligible = 1e-4;
+    return overlapOf({{loop, {}}}, work).area > negligible;
+}
+
 SweptSolid doubtful(Body&& body, const char* doubt) {
     body.solid = false;
     return {std::move(body), doubt};
 }
 
-/** Outline by outline and hole by hole, each swept alone. */
+/** Moves the holes that lie inside of their outline and away from all others to the front. @return the first other one */
+std::size_t sortOutPlainHoles(Face& area, Work& work) {
+    std::vector<Box> boxes(area.holes.size());
+    for (std::size_t i = 0; i < boxes.size(); ++i) {
+        std::for_each(area.holes[i].begin(), area.holes[i].end(), [&](const Vector& p) { boxes[i].add(p); });
+    }
+    constexpr std::size_t boxesPerPoint = 32; // that are looked at in the time that a point takes
+    work.add(boxes.size() * boxes.size() / boxesPerPoint);
+    std::size_t plain = 0;
+    for (std::size_t i = 0; i < boxes.size(); ++i) {
+        bool isAlone = true;
+        for (std::size_t k = 0; k < boxes.size() && isAlone; ++k) {
+            isAlone = k == i || !boxes[i].meets(boxes[k], 1e-5);
+        }
+        if (isAlone && !overlap({{area.outer, {area.holes[i]}}}, work)) {
+            std::swap(area.holes[i], area.holes[plain]);
+            std::swap(boxes[i], boxes[plain]);
+            ++plain;
+        }
+    }
+    return plain;
+}
+
+/** Outline by outline, each swept with the holes that are in nobody's way, and the others swept alone. */
 template <typename Sweep>
-SweptSolid sweptApart(const std::vector<Face>& areas, Work& work, Sweep sweep) {
+SweptSolid sweptApart(std::vector<Face> areas, Work& work, Sweep sweep) {
     Body whole;
     bool closed = true;
     const auto take = [&](Operation operation, Body& body, const Body& other) {
@@ -31,10 +66,11 @@ SweptSolid sweptApart(const std::vector<Face>& areas, Work& work, Sweep sweep) {
         closed = closed && result.closed;
         body = std::move(result.body);
     };
-    for (const Face& area : areas) {
-        Body body = sweep({{area.outer, {}}});
-        for (const Loop& hole : area.holes) {
-            take(Operation::difference, body, sweep({{Loop(hole.rbegin(), hole.rend()), {}}}));
+    for (Face& area : areas) {
+        const auto others = area.holes.begin() + static_cast<std::ptrdiff_t>(sortOutPlainHoles(area, work));
+        Body body = sweep({{area.outer, {area.holes.begin(), others}}});
+        for (auto hole = others; hole != area.holes.end(); ++hole) {
+            take(Operation::difference, body, sweep({{Loop(hole->rbegin(), hole->rend()), {}}}));
         }
         if (whole.faces.empty()) {
             whole = std::move(body);
@@ -56,12 +92,16 @@ SweptSolid sweptProfile(const Item& profile, Sweep sweep) {
     }
     bool loopsCross = false;
     for (const Face& area : areas) {
-        loopsCross = loopsCross || overlap({{area.outer, {}}}, work);
+        loopsCross = loopsCross || crosses(area.outer, work);
         for (const Loop& hole : area.holes) {
-            loopsCross = loopsCross || overlap({{Loop(hole.rbegin(), hole.rend()), {}}}, work);
+            loopsCross = loopsCross || crosses(Loop(hole.rbegin(), hole.rend()), work);
         }
     }
-    return loopsCross ? doubtful(sweep(areas), crossesItself) : sweptApart(areas, work, sweep);
+    if (loopsCross) {
+        return doubtful(sweep(areas), crossesItself);
+    }
+    const bool isOneLoop = areas.size() == 1 && areas[0].holes.empty();
+    return isOneLoop ? SweptSolid{sweep(areas), {}} : sweptApart(areas, work, sweep);
 }
 
 SweptSolid extruded(const Item& item) {
@@ -194,7 +234,9 @@ SweptSolid sectionedSpine(const Item& item) {
     std::vector<std::vector<Face>> sections;
     for (std::size_t i = 0; i < profiles.size(); ++i) {
         std::vector<Face> areas = profileAreas(item.items().at(profiles[i]));
-        overlaps = overlaps || overlap(areas, item.items().work());
+        for (const Face& area : areas) {
+            overlaps = overlaps || crosses(area.outer, item.items().work());
+        }
         const Affine place = placementOf(item.items().at(places[i]));
         for (Face& area : areas) {
             transform(area, place);
